@@ -1,0 +1,50 @@
+# Compiler settings that every target of ours shares, as one INTERFACE target.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_C_STANDARD 11)
+set(CMAKE_C_STANDARD_REQUIRED ON)
+set(CMAKE_C_EXTENSIONS OFF)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_C_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+
+if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
+    set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
+endif()
+
+# Everything that runs lies in one folder, as it does on Windows: programs find the libraries, the
+# libraries find their data.
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_BUILD_RPATH "$ORIGIN")
+set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+file(RELATIVE_PATH KIV_BIN_TO_LIB
+    "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
+file(RELATIVE_PATH KIV_LIB_TO_DATA
+    "${CMAKE_INSTALL_FULL_LIBDIR}" "${CMAKE_INSTALL_FULL_DATADIR}/kivmetadataapi")
+set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${KIV_BIN_TO_LIB}")
+
+find_program(KIV_CCACHE ccache)
+if(KIV_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
+    set(CMAKE_C_COMPILER_LAUNCHER "${KIV_CCACHE}")
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${KIV_CCACHE}")
+endif()
+
+add_library(kiv_flags INTERFACE)
+target_include_directories(kiv_flags INTERFACE "${PROJECT_SOURCE_DIR}")
+target_compile_options(kiv_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow
+    $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
+    $<$<BOOL:${KIV_WARNINGS_AS_ERRORS}>:-Werror>)
+if(KIV_SANITIZE)
+    target_compile_options(kiv_flags INTERFACE
+        -fsanitize=${KIV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(kiv_flags INTERFACE -fsanitize=${KIV_SANITIZE})
+elseif(NOT WIN32)
+    target_link_options(kiv_flags INTERFACE -Wl,--no-undefined)
+endif()

@@ -1,0 +1,58 @@
+# Helpers that keep one way of declaring each kind of target.
+
+# kiv_add_framework_library(NAME SOURCES... [PUBLIC libs...] [PRIVATE libs...])
+# A shared library of the open host framework: public headers under include/NAME, sources under src.
+function(kiv_add_framework_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PUBLIC;PRIVATE")
+    add_library(${name} SHARED ${arg_SOURCES})
+    string(TOUPPER ${name} upper)
+    target_include_directories(${name}
+        PUBLIC
+            $<BUILD_INTERFACE:${CMAKE_CURRENT_SOURCE_DIR}/include>
+            $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>
+        PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+    target_compile_definitions(${name} PRIVATE ${upper}_BUILD)
+    target_compile_features(${name} PUBLIC cxx_std_20)
+    target_link_libraries(${name}
+        PUBLIC ${arg_PUBLIC}
+        PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:kiv_flags>)
+    set_target_properties(${name} PROPERTIES
+        VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    kiv_install_library(${name})
+    install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
+endfunction()
+
+# kiv_install_library(NAME): installs a library and puts it into the package's export set.
+function(kiv_install_library name)
+    install(TARGETS ${name}
+        EXPORT kivmetadataapiTargets
+        RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
+        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
+endfunction()
+
+# kiv_add_test(NAME SOURCES... LIBS... [LABELS...] [TIMEOUT seconds] [ENVIRONMENT VAR=value...])
+# A GoogleTest program, one ctest entry.
+function(kiv_add_test name)
+    if(NOT KIV_BUILD_TESTS)
+        return()
+    endif()
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "TIMEOUT" "SOURCES;LIBS;LABELS;ENVIRONMENT")
+    if(NOT arg_TIMEOUT)
+        set(arg_TIMEOUT 300)
+    endif()
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE ${arg_LIBS} GTest::gmock GTest::gtest_main kiv_flags)
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES
+        TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" ENVIRONMENT "${arg_ENVIRONMENT}")
+endfunction()
+
+# kiv_add_fuzzer(NAME LIBS...): fuzz/NAME.cpp with the seeds in fuzz/seeds/NAME.
+function(kiv_add_fuzzer name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
+    add_executable(${name} ${name}.cpp)
+    target_link_libraries(${name} PRIVATE ${arg_LIBS} kiv_flags)
+    target_link_options(${name} PRIVATE -fsanitize=fuzzer)
+    set_property(GLOBAL APPEND PROPERTY KIV_FUZZERS ${name})
+endfunction()
