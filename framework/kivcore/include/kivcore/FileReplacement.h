@@ -1,0 +1,42 @@
+// Replaces a file that holds a user's work, so that at every moment either the old or the new
+// content stands under its name, whole.
+//
+// The new content is written to a file of its own beside the old one (exclusive creation, locked,
+// same permissions and access lists), flushed, read back and checked, and renamed over the old one;
+// then the folder is flushed. A symbolic link is followed and its target replaced. What a killed
+// writer left behind is recognised by its name and its missing lock, and removed by the next
+// replacement in that folder.
+
+#pragma once
+
+#include <functional>
+#include <optional>
+
+#include <kivcore/Export.h>
+#include <kivcore/FileStream.h>
+#include <kivcore/UString.h>
+
+namespace kivcore::filesupport {
+
+struct ReplaceOptions {
+    /// The state in which the file was read; if it is not in this state any more, nothing is
+    /// written and FileError kChanged is thrown. Without it the file may be missing, and is made.
+    std::optional<FileIdentity> expected;
+    /// Checks the flushed copy, over and above that it reads back as it was written. Throws to
+    /// refuse it; the old file then stays.
+    std::function<void(InputFile& written)> check;
+};
+
+/// Replaces (or makes) the file at `path` by what `write` puts out, and returns the new file's
+/// identity. Throws FileError, and whatever `write` and `check` throw; the old file is then as it
+/// was and nothing is left beside it. A file without any write permission bit (or with the
+/// read-only attribute) is refused, also for an administrator.
+KIVCORE_API FileIdentity ReplaceFile(const UString& path,
+                                     const std::function<void(OutputFile& out)>& write,
+                                     const ReplaceOptions& options);
+
+/// Clears what a killed writer left for `path`: called by readers of a photo before they open it,
+/// silent when there is nothing. Never throws.
+KIVCORE_API void RecoverReplacedFile(const UString& path) noexcept;
+
+}  // namespace kivcore::filesupport
