@@ -31,6 +31,8 @@ struct Rect {
 };
 
 enum class FontWeight { kNormal, kMedium, kSemibold };
+/// kStart is the left edge of the rectangle, whatever the text's direction; who mirrors swaps it
+/// with kEnd.
 enum class TextAlign { kStart, kCenter, kEnd };
 
 struct TextStyle {

@@ -38,7 +38,29 @@ enum ThemeColor : std::size_t {
     kHoverTint,
     kPressedTint,
     kFieldFrame,
+    kFocus,
+    kAccentHover,
+    kAccentPressed,
+    kSelection,
+    kSelectionText,
+    kIcon,
+    kPlaceholder,
+    kStar,
+    kStarEmpty,
+    kChipGround,
+    kDisabledGround,
+    kDisabledFrame,
+    kFieldFrameHover,
+    kChangedDot,
+    kLink,
     kClearOverlay = 236,
+};
+
+/// The font sizes of the dialog.
+enum ThemeFontSize : std::size_t {
+    kLabelSize = 0,  ///< 12: labels and hints
+    kBodySize,       ///< 13
+    kTitleSize,      ///< 18: the view's name
 };
 
 class KIVUI_API Theme : public kivcore::utility::RefCountedObject {
