@@ -50,7 +50,7 @@ public:
 /// fixed order; new ones go to the end.
 class KIVCORE_API ErrorManager {
 public:
-    ErrorManager() = default;
+    ErrorManager();
     ErrorManager(const ErrorManager&) = delete;
     ErrorManager& operator=(const ErrorManager&) = delete;
 
@@ -69,7 +69,7 @@ public:
     /// A reporter whose messages are presented through this manager when it ends.
     virtual std::unique_ptr<DeferredErrorReporter> NewDeferredErrorReporter();
     /// Throws the substituted message (see SubstituteErrorMessage). `alreadyShown` tells that the
-    /// user has seen it.
+    /// user has seen it; the default manager throws std::runtime_error, which cannot carry that.
     [[noreturn]] virtual void RaiseError(bool alreadyShown, const char* messageId,
                                          const ReplacementValue& value0,
                                          const ReplacementValue& value1,
@@ -83,8 +83,8 @@ protected:
 
 private:
     friend class QueuedErrorReporter;
-    int lazyCount_ = 0;
-    std::string waiting_;  // lines to be presented once lazyCount_ is 0 again
+    struct Display;
+    std::shared_ptr<Display> display_;  // shared with the reporters, which may outlive the manager
 };
 
 /// Makes `manager` the one in force; ownership is shared. Null puts the default one back.

@@ -37,8 +37,9 @@ public:
     static void Set(Localizer* localizer, const filesupport::Dir* dictionaryDir);
 };
 
-/// The text for `key` from the registered localizer; without one, the key's own default: what
-/// follows the first "=", or the key itself where there is none.
+/// The text for `key` from the registered localizer. Without one, the key's own default: what
+/// follows the first "=" of a "$$$/" key, without the closing parenthesis of a key that is wrapped
+/// as "($$$/Path/Name=default text)". Where there is none, and for any other text, the text itself.
 KIVCORE_API UString Localize(std::string_view key);
 
 }  // namespace kivcore::config

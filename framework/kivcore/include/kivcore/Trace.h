@@ -1,7 +1,8 @@
 // Traces on named channels with levels, and assertions. No channel is on unless the environment
 // variable KIV_TRACE names it: "kivxmp", "kivui:6", "*:9", separated by commas; a bare name is
-// level 0. Traces go to standard error, or to the sinks that were added. While a channel is off a
-// trace site costs one comparison: it asks again only when TraceChangeCount has moved.
+// level 0. What that variable switched on goes to standard error as long as there is no sink. While
+// a channel is off a trace site costs one comparison: it asks again only when TraceChangeCount has
+// moved.
 
 #pragma once
 
@@ -18,13 +19,15 @@ namespace kivcore::debug {
 /// `readEnvironment`, KIV_TRACE is read first if that has not happened yet.
 KIVCORE_API bool TraceEnabled(const char* channel, int level, bool readEnvironment);
 
-/// Hands `text` (UTF-8, as it is) to the sinks if the channel is on at `level`. Never throws.
+/// Hands `text` (UTF-8, as it is) to the sinks if the channel is on at `level`. Never throws. What
+/// a sink traces itself is dropped. May be called from any thread, and calls sinks there.
 KIVCORE_API void Trace(int level, const char* channel, std::string_view text) noexcept;
 
 /// Moves whenever channels or sinks change.
 KIVCORE_API std::uint32_t TraceChangeCount() noexcept;
 
-/// Switches `channel` on up to `level`, or off with -1. "*" stands for all channels.
+/// Switches `channel` on up to `level`, or off with -1. "*" stands for all channels that are named
+/// neither here nor by KIV_TRACE.
 KIVCORE_API void SetTraceLevel(const char* channel, int level);
 
 using TraceSink = std::function<void(int level, const char* channel, std::string_view text)>;
