@@ -1,0 +1,371 @@
+#include "dictionary/Dictionary.h"
+
+#include "dictionary/DictionaryReader.h"
+#include "dictionary/KeyHash.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <utility>
+
+namespace morvish {
+
+using morvish_private::ByteRunValue;
+using morvish_private::DictionaryEntry;
+using morvish_private::DictionaryReader;
+using morvish_private::FastArray;
+
+namespace {
+
+constexpr std::int8_t kImageMajor = 2;
+constexpr std::int8_t kImageMinor = 7;
+
+// The file's byte-order mark, alone on its line.
+constexpr std::u16string_view kMarkLine = u"\uFEFF";
+
+constinit Dictionary* fallbackDictionary = nullptr;
+
+struct SplitKey {
+    std::string_view name;
+    std::string_view defaultText;
+};
+
+// @return false for a key that no dictionary can hold
+bool Split(const char* key, SplitKey& result)
+{
+    if (key == nullptr || *key == '\0')
+        return false;
+    std::string_view text(key);
+    if (text.front() == '$') {
+        if (!text.starts_with("$$$"))
+            return false;
+        text.remove_prefix(3);
+    }
+    const std::size_t equals = text.find('=');
+    result.name = text.substr(0, equals);
+    result.defaultText =
+        equals == std::string_view::npos ? std::string_view() : text.substr(equals + 1);
+    return true;
+}
+
+// Finds the next quote at or after `from` that does not follow a backslash. Only one unit back is
+// looked at: a quote behind two backslashes counts as escaped too.
+std::size_t FindQuote(std::u16string_view line, std::size_t from)
+{
+    std::size_t quote = line.find(u'"', from);
+    while (quote != std::u16string_view::npos && quote > 0 && line[quote - 1] == u'\\')
+        quote = line.find(u'"', quote + 1);
+    return quote;
+}
+
+bool Answer(const ByteRunValue* value, const char16_t*& units, std::size_t& lengthUnits)
+{
+    units = value != nullptr ? value->units : nullptr;
+    lengthUnits = value != nullptr ? value->LengthUnits() : 0;
+    return value != nullptr;
+}
+
+}  // namespace
+
+Dictionary::Dictionary(Format format) : binaryStore_(std::make_shared<FastArray>())
+{
+    if (format == Format::kBinary) {
+        majorVersion_ = kImageMajor;
+        minorVersion_ = kImageMinor;
+    }
+}
+
+Dictionary::Dictionary(const Dictionary& other) : Dictionary()
+{
+    CopyBinaryPart(other);
+}
+
+Dictionary& Dictionary::operator=(const Dictionary& other)
+{
+    if (this == &other)
+        return *this;
+    Dictionary copy(other);
+    ClearTextStore();
+    valid_ = true;
+    binaryStore_ = std::move(copy.binaryStore_);
+    majorVersion_ = copy.majorVersion_;
+    minorVersion_ = copy.minorVersion_;
+    headerText_ = std::move(copy.headerText_);
+    return *this;
+}
+
+Dictionary::~Dictionary()
+{
+    if (fallbackDictionary == this)
+        fallbackDictionary = nullptr;
+    ClearTextStore();
+}
+
+void Dictionary::CopyBinaryPart(const Dictionary& other)
+{
+    if (!other.IsBinary())
+        return;
+    if (other.headerText_) {
+        const std::size_t size = std::strlen(other.headerText_.get()) + 1;
+        headerText_ = std::make_unique<char[]>(size);
+        std::copy_n(other.headerText_.get(), size, headerText_.get());
+    }
+    binaryStore_ = other.binaryStore_;
+    majorVersion_ = other.majorVersion_;
+    minorVersion_ = other.minorVersion_;
+}
+
+void Dictionary::ClearTextStore()
+{
+    chains_.Clear();
+    index_.Clear();
+    arena_.Clear();
+}
+
+void Dictionary::LoadFromStream(std::istream* stream)
+{
+    if (stream == nullptr) {
+        valid_ = false;
+        return;
+    }
+    const std::unique_ptr<DictionaryReader> reader = morvish_private::CreateReader(*stream);
+    std::array<char, kImageMagic.size()> start{};
+    stream->read(start.data(), start.size());
+    const auto startBytes = static_cast<std::size_t>(stream->gcount());
+    stream->clear();
+    // Back to the very start: a reader of UTF-16 meets its byte-order mark as the first unit.
+    stream->seekg(0);
+    if (!reader->ReadsUtf16() && std::string_view(start.data(), startBytes) == kImageMagic) {
+        valid_ = false;
+        return;
+    }
+    while (reader->ReadLine() != nullptr) {
+        const std::u16string_view line = reader->Line();
+        if (!line.empty() && line != kMarkLine)
+            ParseLine(line);
+    }
+}
+
+void Dictionary::LoadFromMemory(const void* block, std::size_t sizeBytes)
+{
+    if (block == nullptr || sizeBytes == 0) {
+        valid_ = false;
+        return;
+    }
+    const char* const start = static_cast<const char*>(block);
+    if (std::string_view(start, sizeBytes).starts_with(kImageMagic)) {
+        valid_ = false;
+        return;
+    }
+    const std::unique_ptr<DictionaryReader> reader =
+        morvish_private::CreateReader(start, start + sizeBytes);
+    if (!reader) {
+        valid_ = false;
+        return;
+    }
+    while (reader->ReadLine() != nullptr) {
+        // A byte-order mark alone on a line is not skipped here: it defines a key of one byte 0xFF.
+        const std::u16string_view line = reader->Line();
+        if (!line.empty())
+            ParseLine(line);
+    }
+}
+
+void Dictionary::ParseLine(const char16_t* line)
+{
+    ParseLine(std::u16string_view(line));
+}
+
+void Dictionary::ParseLine(std::u16string_view line)
+{
+    std::u16string_view content = line;
+    const std::size_t open = FindQuote(line, 0);
+    if (open != std::u16string_view::npos) {
+        const std::size_t close = FindQuote(line, open + 1);
+        content =
+            line.substr(open + 1, close == std::u16string_view::npos ? close : close - open - 1);
+    }
+    if (content.starts_with(u'$')) {
+        if (!content.starts_with(u"$$$")) {
+            valid_ = false;
+            return;
+        }
+        content.remove_prefix(3);
+    }
+    const std::size_t equals = content.find(u'=');
+    const std::u16string_view key = content.substr(0, equals);
+    const std::u16string_view value =
+        equals == std::u16string_view::npos ? std::u16string_view() : content.substr(equals + 1);
+
+    // Only the low byte of each unit counts, unchecked: keys are meant to be ASCII.
+    keyBuffer_.resize(key.size());
+    std::transform(key.begin(), key.end(), keyBuffer_.begin(),
+                   [](char16_t unit) { return static_cast<char>(unit & 0xFF); });
+    Store(keyBuffer_, value);
+}
+
+void Dictionary::Store(std::string_view key, std::u16string_view rawValue)
+{
+    if (IsBinary()) {
+        binaryStore_->Insert(key, processor_.Process(rawValue));
+        return;
+    }
+    index_.ReserveOne();
+    DictionaryEntry* const entry = DictionaryEntry::Create(arena_, key, rawValue, processor_);
+    const std::uint32_t hash = morvish_private::FullHash(key);
+    DictionaryEntry** const known = index_.Find(
+        hash, [&](const DictionaryEntry* candidate) { return candidate->View() == key; });
+    if (known != nullptr) {
+        chains_.NoteFound(**known);
+        chains_.Remove();
+        *known = entry;
+    } else {
+        index_.Insert(hash, entry);
+    }
+    chains_.Push(entry);
+}
+
+std::size_t Dictionary::EntryCount() const
+{
+    return IsBinary() ? binaryStore_->Count() : index_.Count();
+}
+
+const Dictionary* Dictionary::OtherFallback() const
+{
+    return fallbackDictionary != this ? fallbackDictionary : nullptr;
+}
+
+const DictionaryEntry* Dictionary::FindEntry(std::string_view key) const
+{
+    DictionaryEntry* const* const found =
+        index_.Find(morvish_private::FullHash(key),
+                    [&](const DictionaryEntry* candidate) { return candidate->View() == key; });
+    return found != nullptr ? *found : nullptr;
+}
+
+const ByteRunValue* Dictionary::FindValue(std::string_view key) const
+{
+    if (IsBinary()) {
+        const std::uint32_t index = binaryStore_->Find(key);
+        return FindValue(index);
+    }
+    const DictionaryEntry* const entry = FindEntry(key);
+    return entry != nullptr ? &entry->Value().Value() : nullptr;
+}
+
+bool Dictionary::FindString(std::string_view key, DictionaryString& result) const
+{
+    if (IsBinary()) {
+        const std::uint32_t index = binaryStore_->Find(key);
+        if (!binaryStore_->Exists(index))
+            return false;
+        result = binaryStore_->Value(index);
+        return true;
+    }
+    const DictionaryEntry* const entry = FindEntry(key);
+    if (entry == nullptr)
+        return false;
+    result = entry->Value();
+    return true;
+}
+
+const ByteRunValue* Dictionary::FindValue(std::uint32_t index) const
+{
+    return IsBinary() && binaryStore_->Exists(index) ? &binaryStore_->RawValue(index) : nullptr;
+}
+
+DictionaryString Dictionary::Lookup(const char* key, const ConversionContext* context) const
+{
+    DictionaryString result;
+    SplitKey split;
+    if (!Split(key, split) || FindString(split.name, result))
+        return result;
+    const Dictionary* const fallback = OtherFallback();
+    if (fallback != nullptr && fallback->FindString(split.name, result))
+        return result;
+    if (split.defaultText.empty())
+        return result;
+
+    std::u16string text;
+    if (context != nullptr && context->selector != kSelectorNone) {
+        text = ConvertToWide(*context, split.defaultText);
+    } else {
+        // With sign: a byte from 0x80 up becomes U+FF80 to U+FFFF. This is no Latin-1 on purpose,
+        // for compatibility; a caller that has more than ASCII in its defaults gives a context.
+        // Dictionary.DefaultsAreWidenedWithSign holds it.
+        text.resize(split.defaultText.size());
+        std::transform(
+            split.defaultText.begin(), split.defaultText.end(), text.begin(),
+            [](char byte) { return static_cast<char16_t>(static_cast<signed char>(byte)); });
+    }
+    text = morvish_private::EscapeValue(text.data(), text.size());
+    result.Assign(text.data(), text.size());
+    return result;
+}
+
+bool Dictionary::RawLookup(const char* key, const char16_t*& units, std::size_t& lengthUnits) const
+{
+    const ByteRunValue* value = nullptr;
+    SplitKey split;
+    if (Split(key, split)) {
+        value = FindValue(split.name);
+        const Dictionary* const fallback = OtherFallback();
+        if (value == nullptr && fallback != nullptr)
+            value = fallback->FindValue(split.name);
+    }
+    return Answer(value, units, lengthUnits);
+}
+
+DictionaryString Dictionary::LookupIndex(std::uint32_t index) const
+{
+    if (!IsBinary())
+        return {};
+    if (binaryStore_->Exists(index))
+        return binaryStore_->Value(index);
+    const Dictionary* const fallback = OtherFallback();
+    if (fallback != nullptr && fallback->FindValue(index) != nullptr)
+        return fallback->binaryStore_->Value(index);
+    return {};
+}
+
+bool Dictionary::RawLookupIndex(std::uint32_t index, const char16_t*& units,
+                                std::size_t& lengthUnits) const
+{
+    const ByteRunValue* value = FindValue(index);
+    const Dictionary* const fallback = OtherFallback();
+    if (value == nullptr && IsBinary() && fallback != nullptr)
+        value = fallback->FindValue(index);
+    return Answer(value, units, lengthUnits);
+}
+
+void Dictionary::VisitEntries(EntryVisitor& visitor) const
+{
+    if (IsBinary()) {
+        for (std::uint32_t index = 0; index < binaryStore_->Count(); ++index)
+            visitor.Visit(binaryStore_->Key(index), binaryStore_->RawValue(index).View());
+        return;
+    }
+    for (std::uint32_t bucket = 0; bucket < morvish_private::kBucketCount; ++bucket) {
+        for (const auto* item = chains_.Head(bucket); item != nullptr; item = item->next) {
+            const auto& entry = static_cast<const DictionaryEntry&>(*item);
+            visitor.Visit(entry.View(), entry.Value().View());
+        }
+    }
+}
+
+std::size_t Dictionary::TextStoreBytes() const
+{
+    return index_.ReservedBytes() + arena_.ReservedBytes();
+}
+
+void Dictionary::SetFallback(Dictionary* dictionary)
+{
+    fallbackDictionary = dictionary;
+}
+
+Dictionary* Dictionary::Fallback()
+{
+    return fallbackDictionary;
+}
+
+}  // namespace morvish

@@ -1,0 +1,45 @@
+// One entry of a text dictionary: a key and the processed value.
+
+#pragma once
+
+#include "dictionary/DictionaryString.h"
+#include "dictionary/HashItem.h"
+#include "dictionary/TextArena.h"
+#include "dictionary/ValuePasses.h"
+
+#include <cstddef>
+#include <string_view>
+
+namespace morvish_private {
+
+class DictionaryEntry : public ByteRunKey {
+public:
+    /// Makes an entry in `arena`, with copies of the key and of the value, which goes through the
+    /// value passes. Entry, value and key lie in one run, so that an entry takes some 80 bytes
+    /// beside its two texts. `delete` ends the entry; its memory goes with the arena, which must
+    /// outlive it. The value's string may outlive both.
+    static DictionaryEntry* Create(TextArena& arena, std::string_view key,
+                                   std::u16string_view rawValue, ValueProcessor& processor);
+
+    DictionaryEntry(const DictionaryEntry&) = delete;
+    DictionaryEntry& operator=(const DictionaryEntry&) = delete;
+
+    /// The key, then the value's units.
+    void Write(std::ostream& out, bool raw, ByteOrder order) const override;
+
+    const morvish::DictionaryString& Value() const { return value_; }
+
+    // Entries live in an arena only.
+    static void* operator new(std::size_t) = delete;
+    static void operator delete(void*) noexcept {}
+
+private:
+    DictionaryEntry(std::string_view key, morvish::DictionaryString value);
+
+    static void* operator new(std::size_t, void* place) { return place; }
+    static void operator delete(void*, void*) noexcept {}
+
+    morvish::DictionaryString value_;
+};
+
+}  // namespace morvish_private

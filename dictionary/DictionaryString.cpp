@@ -1,0 +1,60 @@
+#include "dictionary/DictionaryString.h"
+
+#include <algorithm>
+#include <limits>
+#include <new>
+#include <stdexcept>
+
+namespace morvish_private {
+
+namespace {
+
+constexpr char16_t kNoUnits[] = u"";
+constexpr ByteRunValue kEmptyValue = {0, kNoUnits};
+
+constexpr std::size_t kMaxLengthUnits =
+    std::numeric_limits<std::uint32_t>::max() / sizeof(char16_t);
+
+}  // namespace
+
+std::size_t PlacedValueBytes(std::size_t lengthUnits)
+{
+    if (lengthUnits > kMaxLengthUnits)
+        throw std::length_error("dictionary: value longer than 4 GiB");
+    return sizeof(ByteRunValue) + (lengthUnits + 1) * sizeof(char16_t);
+}
+
+const ByteRunValue* PlaceValue(void* memory, std::u16string_view text)
+{
+    auto* const units =
+        reinterpret_cast<char16_t*>(static_cast<std::byte*>(memory) + sizeof(ByteRunValue));
+    *std::copy(text.begin(), text.end(), units) = 0;
+    return new (memory)
+        ByteRunValue{static_cast<std::uint32_t>(text.size() * sizeof(char16_t)), units};
+}
+
+}  // namespace morvish_private
+
+namespace morvish {
+
+using morvish_private::ByteRunValue;
+
+void DictionaryString::Assign(const char16_t* units, std::size_t lengthUnits)
+{
+    const std::size_t wordCount =
+        (morvish_private::PlacedValueBytes(lengthUnits) + sizeof(std::uint64_t) - 1) /
+        sizeof(std::uint64_t);
+    const auto block = std::make_shared_for_overwrite<std::uint64_t[]>(wordCount);
+    const ByteRunValue* const value =
+        morvish_private::PlaceValue(block.get(), {units, lengthUnits});
+    value_ = std::shared_ptr<const ByteRunValue>(block, value);
+}
+
+void DictionaryString::Clear()
+{
+    // Nothing owns the empty value, so nothing is counted for it.
+    value_ =
+        std::shared_ptr<const ByteRunValue>(std::shared_ptr<void>(), &morvish_private::kEmptyValue);
+}
+
+}  // namespace morvish

@@ -1,0 +1,70 @@
+// A text that a lookup returned: UTF-16 units that are shared by reference count. It outlives the
+// dictionary that it came from.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+namespace morvish_private {
+
+/// The units of a value and their length. Both lie in a block that whoever points here shares.
+struct ByteRunValue {
+    std::uint32_t lengthBytes;
+    const char16_t* units;  // a NUL stands behind the last one
+
+    std::size_t LengthUnits() const { return lengthBytes / sizeof(char16_t); }
+    std::u16string_view View() const { return {units, LengthUnits()}; }
+};
+
+/// The bytes that PlaceValue() takes for a value of `lengthUnits` units.
+/// Throws std::length_error for a length that the record cannot hold.
+std::size_t PlacedValueBytes(std::size_t lengthUnits);
+
+/// Builds a value record with its units behind it.
+/// @param memory  PlacedValueBytes() bytes, aligned for pointers
+const ByteRunValue* PlaceValue(void* memory, std::u16string_view text);
+
+}  // namespace morvish_private
+
+namespace morvish {
+
+class DictionaryString {
+public:
+    /// The empty text.
+    DictionaryString() { Clear(); }
+
+    /// Shares `value`, which must not be null.
+    explicit DictionaryString(std::shared_ptr<const morvish_private::ByteRunValue> value)
+        : value_(std::move(value))
+    {
+    }
+
+    /// Makes a new value that holds a copy of `lengthUnits` units.
+    void Assign(const char16_t* units, std::size_t lengthUnits);
+
+    /// Refers to the one empty value of the process from now on.
+    void Clear();
+
+    /// Never null, and a NUL stands behind the last unit.
+    const char16_t* Units() const { return value_->units; }
+    std::size_t LengthUnits() const { return value_->LengthUnits(); }
+    std::u16string_view View() const { return value_->View(); }
+    const morvish_private::ByteRunValue& Value() const { return *value_; }
+
+    /// Equal are strings that share their data, not those that spell the same text.
+    bool operator==(const DictionaryString& other) const
+    {
+        return value_->units == other.value_->units;
+    }
+
+private:
+    std::shared_ptr<const morvish_private::ByteRunValue> value_;  // never null
+};
+
+static_assert(sizeof(DictionaryString) == 2 * sizeof(void*));
+
+}  // namespace morvish
