@@ -112,6 +112,7 @@ enum class Glyph : std::size_t {
     kInfo,
     kCalendar,
     kStar,
+    kStarOutline,
     kDocument,
     kCamera,
     kTag,

@@ -1,0 +1,7 @@
+#include <kivui/Painter.h>
+
+namespace kivui::ui {
+
+Painter::~Painter() = default;
+
+}  // namespace kivui::ui
