@@ -36,11 +36,6 @@ std::size_t CutLength(std::string_view text)
 
 }  // namespace
 
-const char* KivLastFailureText(void)
-{
-    return lastText;
-}
-
 void SetLastFailureText(std::string_view text) noexcept
 {
     const std::size_t length = CutLength(text);
@@ -73,3 +68,8 @@ void SetLastFailureFromCurrentException() noexcept
 }
 
 }  // namespace kivcore
+
+const char* KivLastFailureText(void)
+{
+    return kivcore::lastText;
+}
