@@ -80,11 +80,6 @@ void RefCountedObject::Release() const noexcept
 
 }  // namespace utility
 
-const char* KivLastFailureText(void)
-{
-    return Get().lastFailure.c_str();
-}
-
 void SetLastFailureText(std::string_view text) noexcept
 {
     Get().lastFailure = text;
@@ -362,4 +357,9 @@ void recording::SwitchTrace(bool on)
 {
     Get().isTraceOn = on;
     ++kivcore::debug::changeCount;
+}
+
+const char* KivLastFailureText(void)
+{
+    return Get().lastFailure.c_str();
 }

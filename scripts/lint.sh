@@ -1,0 +1,15 @@
+#!/usr/bin/env bash
+# Format and lint checks. usage: scripts/lint.sh [BUILD_DIR]   (default build/debug)
+set -euo pipefail
+. "$(dirname "$0")/common.sh"
+cd "$top"
+
+status=0
+mapfile -t sources < <(git ls-files '*.cpp' '*.h' '*.c')
+if clang-format --dry-run -Werror "${sources[@]}"; then
+    say "clang-format: ${#sources[@]} files are formatted"
+else
+    status=1
+fi
+python3 scripts/tidy.py "${1:-build/debug}" || status=1
+exit "$status"
