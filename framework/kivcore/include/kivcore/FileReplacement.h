@@ -3,9 +3,9 @@
 //
 // The new content is written to a file of its own beside the old one (exclusive creation, locked,
 // same permissions and access lists), flushed, read back and checked, and renamed over the old one;
-// then the folder is flushed. A symbolic link is followed and its target replaced. What a killed
-// writer left behind is recognised by its name and its missing lock, and removed by the next
-// replacement in that folder.
+// then the folder is flushed. Memory stays below 1 MiB whatever the size. A symbolic link is
+// followed and its target replaced. What a killed writer left behind is recognised by its name and
+// its missing lock, and removed by the next replacement in that folder.
 
 #pragma once
 
@@ -29,14 +29,17 @@ struct ReplaceOptions {
 
 /// Replaces (or makes) the file at `path` by what `write` puts out, and returns the new file's
 /// identity. Throws FileError, and whatever `write` and `check` throw; the old file is then as it
-/// was and nothing is left beside it. A file without any write permission bit (or with the
-/// read-only attribute) is refused, also for an administrator.
+/// was and nothing is left beside it. (On a file system without hard links there is one exception:
+/// where the system refuses to flush the folder behind the rename, the new content stands.) A file
+/// without any write permission bit (or with the read-only attribute) is refused, also for an
+/// administrator, and so is one that we have no permission to write.
 KIVCORE_API FileIdentity ReplaceFile(const UString& path,
                                      const std::function<void(OutputFile& out)>& write,
                                      const ReplaceOptions& options);
 
 /// Clears what a killed writer left for `path`: called by readers of a photo before they open it,
-/// silent when there is nothing. Never throws.
+/// silent when there is nothing. Does not look through the folder, so its cost does not grow with
+/// it. Never throws.
 KIVCORE_API void RecoverReplacedFile(const UString& path) noexcept;
 
 }  // namespace kivcore::filesupport

@@ -22,24 +22,29 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 
+class SystemFile;
+
 /// A file open for reading. Others may read and write it meanwhile.
 class KIVCORE_API InputFile {
 public:
-    /// Throws FileError.
+    /// Throws FileError, kNotFound where there is none; a folder or device is refused.
     explicit InputFile(const UString& path);
     InputFile(const InputFile&) = delete;
     InputFile& operator=(const InputFile&) = delete;
     ~InputFile();
 
-    std::uint64_t SizeBytes() const noexcept;
-    const FileIdentity& Identity() const noexcept;
+    /// As it was when the file was opened.
+    std::uint64_t SizeBytes() const noexcept { return identity_.sizeBytes; }
+    const FileIdentity& Identity() const noexcept { return identity_; }
     /// Reads up to `bytes` bytes at `offset`; less only at the end of the file. Throws FileError.
     std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes);
 
 private:
-    struct State;
-    std::unique_ptr<State> state_;
     friend class FileReplacement;
+    explicit InputFile(std::shared_ptr<SystemFile> file);
+
+    std::shared_ptr<SystemFile> file_;
+    FileIdentity identity_;
 };
 
 /// Where a replacement's new content goes, from its beginning on.
@@ -67,9 +72,14 @@ enum class FileStep {
     kRemove
 };
 
+/// As the error of a fault: the process ends on the spot, as if it had been killed.
+inline constexpr int kKillProcess = -1;
+
 /// Test switch: the `countdown`-th coming occurrence of `step` (1 is the next) fails as if the
 /// system had answered with the errno `systemError`; 0 takes the switch away. The environment
-/// variable KIV_FILE_FAULT="write:ENOSPC:1" sets it for a whole process.
+/// variable KIV_FILE_FAULT="write:ENOSPC:1" sets it for a whole process; the steps are called open,
+/// read, create, write, flush, verify, rename, flushfolder and remove, the errors by the system's
+/// names or numbers, or "KILL".
 KIVCORE_API void SetFileFault(FileStep step, int systemError, int countdown);
 
 }  // namespace kivcore::filesupport

@@ -1,0 +1,24 @@
+#include <kivcore/FileStream.h>
+
+#include "framework/kivcore/src/FileSystem.h"
+#include "framework/kivcore/src/Path.h"
+
+namespace kivcore::filesupport {
+
+InputFile::InputFile(const UString& path) : InputFile(SystemFile::Open(AbsolutePath(path), path)) {}
+
+InputFile::InputFile(std::shared_ptr<SystemFile> file)
+    : file_(std::move(file)), identity_(file_->Identity())
+{
+}
+
+InputFile::~InputFile() = default;
+
+std::size_t InputFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes)
+{
+    return file_->ReadAt(offset, buffer, bytes, FileStep::kRead);
+}
+
+OutputFile::~OutputFile() = default;
+
+}  // namespace kivcore::filesupport

@@ -1,0 +1,24 @@
+// The system's error numbers as failures of ours. The texts do not depend on the locale.
+
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include <kivcore/Dir.h>
+
+namespace kivcore::filesupport {
+
+/// The number of the error of that name ("ENOSPC", or the number itself); 0 where there is none.
+int SystemErrorByName(std::string_view name) noexcept;
+
+/// "PATH: WHAT", UTF-8.
+std::string ErrorText(const UString& path, std::string_view what);
+
+/// Throws FileError "PATH: WHAT: the system's reason".
+[[noreturn]] void ThrowSystemError(const UString& path, std::string_view what, int error);
+
+/// Ends the process as if it had been killed: nothing is flushed, nothing is cleared away.
+[[noreturn]] void KillProcess() noexcept;
+
+}  // namespace kivcore::filesupport
