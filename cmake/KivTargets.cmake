@@ -56,3 +56,22 @@ function(kiv_add_fuzzer name)
     target_link_options(${name} PRIVATE -fsanitize=fuzzer)
     set_property(GLOBAL APPEND PROPERTY KIV_FUZZERS ${name})
 endfunction()
+
+# kiv_add_header_check(NAME): compiles each public header of the library NAME alone and twice, so
+# that it stands without what others happened to include before it.
+function(kiv_add_header_check name)
+    if(NOT KIV_BUILD_TESTS)
+        return()
+    endif()
+    file(GLOB headers CONFIGURE_DEPENDS
+        RELATIVE "${CMAKE_CURRENT_SOURCE_DIR}/include" "${CMAKE_CURRENT_SOURCE_DIR}/include/${name}/*.h")
+    set(sources "")
+    foreach(header IN LISTS headers)
+        string(MAKE_C_IDENTIFIER "${header}" stem)
+        set(source "${CMAKE_CURRENT_BINARY_DIR}/headers/${stem}.cpp")
+        file(CONFIGURE OUTPUT "${source}" CONTENT "#include <${header}>\n#include <${header}>\n")
+        list(APPEND sources "${source}")
+    endforeach()
+    add_library(${name}_header_check OBJECT ${sources})
+    target_link_libraries(${name}_header_check PRIVATE ${name} kiv_flags)
+endfunction()

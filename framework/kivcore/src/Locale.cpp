@@ -259,19 +259,25 @@ bool IsVariant(std::string_view part)
            ((part.size() >= 5 && part.size() <= 8) || (part.size() == 4 && IsDigit(part.front())));
 }
 
-/// True if what is left is a row of extensions and private parts: one character, then more.
+/// True if what is left are extensions, each one character and then longer parts, and at the end
+/// private parts of any length behind an "x".
 bool AreExtensions(Subtags parts)
 {
+    bool hasBegun = false;
+    bool isPrivate = false;
     bool wantsMore = false;
     for (; !parts.AtEnd(); parts.Next()) {
         const std::string_view part = parts.Current();
         if (part.empty() || part.size() > 8 || !AreAll(part, IsAlphaNumeric)) {
             return false;
         }
-        if (part.size() == 1 && wantsMore) {
+        const bool begins = part.size() == 1 && !isPrivate;
+        if (begins ? wantsMore : !hasBegun) {
             return false;
         }
-        wantsMore = part.size() == 1;
+        wantsMore = begins;
+        hasBegun = true;
+        isPrivate = isPrivate || (begins && Lower(part.front()) == 'x');
     }
     return !wantsMore;
 }

@@ -54,8 +54,8 @@ void Localizer::Set(Localizer* localizer, const filesupport::Dir* dictionaryDir)
 {
     registered.store(localizer);
     if (localizer != nullptr && dictionaryDir != nullptr && !dictionaryDir->IsEmpty()) {
-        localizer->LoadDictionary(dictionaryDir->FullPath() + u"/kiv_" +
-                                  Locale::ApplicationLanguage() + u".dict");
+        const UString name = u"kiv_" + Locale::ApplicationLanguage() + u".dict";
+        localizer->LoadDictionary(filesupport::File(*dictionaryDir, name).FullPath());
     }
 }
 

@@ -17,7 +17,7 @@ std::map<std::string, LogFilePathsCallback>& Callbacks()
 
 void RegisterLogFilePathsCallback(const std::string& name, LogFilePathsCallback callback)
 {
-    Callbacks()[name] = std::move(callback);
+    Callbacks().insert_or_assign(name, std::move(callback));
 }
 
 void UnregisterLogFilePathsCallback(const std::string& name) noexcept
@@ -28,7 +28,11 @@ void UnregisterLogFilePathsCallback(const std::string& name) noexcept
 std::vector<UString> LogFilePaths()
 {
     std::vector<UString> paths;
-    for (const auto& [name, callback] : Callbacks()) {
+    const auto callbacks = Callbacks();  // a copy: one of them may take itself out
+    for (const auto& [name, callback] : callbacks) {
+        if (!callback) {
+            continue;
+        }
         for (UString& path : callback()) {
             paths.push_back(std::move(path));
         }

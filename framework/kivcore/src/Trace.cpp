@@ -23,13 +23,14 @@ using Levels = std::map<std::string, int, std::less<>>;
 constexpr int kOff = -1;
 constexpr std::string_view kAllChannels = "*";
 
+// Functions are held by reference, so that a copy of the state runs no code of theirs.
 struct State {
     bool environmentRead = false;
     Levels environment;  // what KIV_TRACE named
     Levels levels;       // what is in force: the environment, then SetTraceLevel
-    std::map<int, TraceSink> sinks;
+    std::map<int, std::shared_ptr<const TraceSink>> sinks;
     int nextSink = 1;
-    AssertHandler assertHandler;
+    std::shared_ptr<const AssertHandler> assertHandler;
 };
 
 constinit std::mutex stateMutex;
@@ -170,7 +171,7 @@ void Deliver(int level, const char* channel, std::string_view text)
     }
     for (const auto& [number, sink] : state->sinks) {
         try {
-            sink(level, channel, text);
+            (*sink)(level, channel, text);
         } catch (...) {
             continue;  // the other sinks get the message all the same
         }
@@ -224,10 +225,11 @@ void SetTraceLevel(const char* channel, int level)
 
 int AddTraceSink(TraceSink sink)
 {
+    const auto shared = std::make_shared<const TraceSink>(std::move(sink));
     int number = 0;
-    ChangeState([&number, &sink](State& state) {
+    ChangeState([&number, &shared](State& state) {
         number = state.nextSink++;
-        state.sinks.emplace(number, std::move(sink));
+        state.sinks.emplace(number, shared);
     });
     CountChange();
     return number;
@@ -241,19 +243,24 @@ void RemoveTraceSink(int number)
 
 void SetAssertHandler(AssertHandler handler)
 {
-    ChangeState([&handler](State& state) { state.assertHandler = std::move(handler); });
+    std::shared_ptr<const AssertHandler> shared;
+    if (handler) {
+        shared = std::make_shared<const AssertHandler>(std::move(handler));
+    }
+    ChangeState([&shared](State& state) { state.assertHandler = shared; });
 }
 
 void AssertionFailed(const char* file, int line, const char* text) noexcept
 {
     try {
         const std::shared_ptr<const State> state = CurrentState();
-        if (state->assertHandler) {
-            state->assertHandler(file, line, text);
+        if (state->assertHandler != nullptr) {
+            (*state->assertHandler)(file, line, text);
             return;
         }
         Trace(0, "kivcore",
-              std::string(file) + ":" + std::to_string(line) + ": assertion failed: " + text);
+              std::string(file != nullptr ? file : "") + ":" + std::to_string(line) +
+                  ": assertion failed: " + (text != nullptr ? text : ""));
         if (IsDebuggerAttached()) {
             StopInDebugger();
         }
