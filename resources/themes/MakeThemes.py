@@ -247,7 +247,7 @@ BUILT_IN_HEAD = """\
 
 #include <cstdint>
 
-#include "src/ThemeDocument.h"
+#include "framework/kivui/src/ThemeDocument.h"
 
 namespace kivui::ui {
 
@@ -293,12 +293,9 @@ ThemeDocument MakeDocument()
 
 }  // namespace
 
-const std::shared_ptr<const ThemeDocument>& BuiltInTheme()
+std::shared_ptr<const ThemeDocument> BuiltInTheme()
 {
-    // Never destroyed: a theme may outlive static objects.
-    static const auto& document = *new std::shared_ptr<const ThemeDocument>(
-        std::make_shared<const ThemeDocument>(MakeDocument()));
-    return document;
+    return std::make_shared<const ThemeDocument>(MakeDocument());
 }
 
 }  // namespace kivui::ui

@@ -8,7 +8,7 @@
 
 #include <kivcore/Dir.h>
 
-#include "src/Tracing.h"
+#include "framework/kivui/src/Tracing.h"
 
 namespace kivui::ui {
 

@@ -12,8 +12,8 @@
 
 #include <kivui/NodeManager.h>
 
-#include "src/ThemeDocument.h"
-#include "src/Tracing.h"
+#include "framework/kivui/src/ThemeDocument.h"
+#include "framework/kivui/src/Tracing.h"
 
 namespace kivui::skins::core {
 
@@ -45,7 +45,8 @@ const void* VirtualTableOf(const kivui::ui::UI_NodeManager& manager)
 // The dialog draws with its colours whatever a document leaves out.
 ThemeDocument Completed(ThemeDocument document)
 {
-    const ThemeDocument& builtIn = *kivui::ui::BuiltInTheme();
+    const std::shared_ptr<const ThemeDocument> builtInTheme = kivui::ui::BuiltInTheme();
+    const ThemeDocument& builtIn = *builtInTheme;
     document.colors.resize(std::max(document.colors.size(), builtIn.colors.size()));
     for (std::size_t i = 0; i < builtIn.colors.size(); ++i) {
         if (document.colors[i].empty()) {

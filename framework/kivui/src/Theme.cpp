@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "src/ThemeDocument.h"
+#include "framework/kivui/src/ThemeDocument.h"
 
 namespace kivui::ui {
 

@@ -1,4 +1,4 @@
-#include "src/ThemeDocument.h"
+#include "framework/kivui/src/ThemeDocument.h"
 
 #include <algorithm>
 #include <charconv>

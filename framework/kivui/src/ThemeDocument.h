@@ -49,8 +49,9 @@ ColorRGBA ColorAt(std::span<const KeyFrame> frames, float percent);
 /// names the line and the reason.
 ThemeDocument ReadThemeDocument(std::string_view text, std::string_view sourceName);
 
-/// The colours and sizes that hold where no document does: those of the dialog only.
-const std::shared_ptr<const ThemeDocument>& BuiltInTheme();
+/// The colours and sizes that hold where no document does: those of the dialog only. Made anew by
+/// each call, so that nothing stays behind in a process that loads and unloads us.
+std::shared_ptr<const ThemeDocument> BuiltInTheme();
 
 /// The document that the skins in force read; the built-in one before SkinManager::Initialize.
 std::shared_ptr<const ThemeDocument> CurrentThemeDocument();

@@ -1,4 +1,4 @@
-#include "src/Tracing.h"
+#include "framework/kivui/src/Tracing.h"
 
 #include <exception>
 #include <string>
