@@ -98,6 +98,11 @@ std::vector<UString> Dir::FolderNames() const
     return NamesInFolder(path_, EntryKind::kFolder);
 }
 
+Dir Dir::FromEnvironment(const char* variable)
+{
+    return Dir(PathFromEnvironment(variable));
+}
+
 Dir Dir::AppDir()
 {
     if (const UString configured = PathFromEnvironment("KIV_APP_DIR"); !configured.empty()) {

@@ -61,6 +61,9 @@ public:
     /// where no client name is set.
     static Dir PrefDir();
 
+    /// The folder that an environment variable names; empty where it is not set.
+    static Dir FromEnvironment(const char* variable);
+
     /// `name` made fit to be one component of a path: what a file system forbids becomes "_", also
     /// "." and ".." and the empty name.
     static UString SafeName(UStringView name);
