@@ -4,6 +4,8 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -11,14 +13,14 @@
 #include <vector>
 
 #include "framework/kivmetadataui/src/Fields.h"
+#include "framework/kivmetadataui/src/PropertyBinding.h"
 
 #include <kivcore/PropList.h>
 #include <kivcore/UString.h>
 #include <kivmetadata/Definitions.h>
-#include <kivmetadataui/DialogDriver.h>
 #include <kivmetadataui/Export.h>
-
-struct __XMPMeta__;
+#include <kivxmp/XMPMeta.h>
+#include <kivxmp/XMPPath.h>
 
 namespace kivmetadataui {
 
@@ -48,6 +50,8 @@ struct DialogView {
     std::string icon;        ///< name of the artwork; may be empty
     std::vector<FieldGroup> groups;
     std::vector<PropertyRow> rows;  ///< of kAllProperties
+    /// What stands in place of fields or rows where there are none; empty otherwise.
+    kivcore::UString emptyText;
 
     KIVMETADATAUI_API bool HasChanges() const noexcept;
     KIVMETADATAUI_API bool HasErrors() const noexcept;
@@ -83,6 +87,8 @@ struct DialogOptions {
     bool isReadOnly = false;
     bool isPlain = false;         ///< no camera view, no list of all properties
     kivcore::UString clientName;  ///< whose window place is remembered
+    /// Asked once for each property, by path; may be empty.
+    std::function<bool(const std::string& path)> isPathReadOnly;
     kivcore::proplist::PropList* preferences = nullptr;  ///< not owned; may be null
 };
 
@@ -116,6 +122,8 @@ public:
     kivcore::UString SummaryText() const;
     std::size_t ChangeCount() const noexcept;
     std::size_t ErrorCount() const noexcept;
+    /// Ends the typing in all fields, so that all errors show; before confirming.
+    void EndEdits();
     /// The first field with an error, in the order of the views from the current one on.
     std::optional<SearchHit> FirstError() const;
     /// OK is off in a read-only dialog.
@@ -135,8 +143,6 @@ public:
     /// Writes all changed fields into `target`, a copy of the object that was read; what did not
     /// change stays as it is there. Throws XMP_Error.
     void Apply(__XMPMeta__& target) const;
-    /// What Apply changes.
-    std::vector<DialogChange> Changes() const;
 
     /// What is remembered. Values that make no sense count as not there.
     std::optional<WindowPlace> RememberedPlace() const;
@@ -153,14 +159,16 @@ public:
     void SetObserver(DialogModelObserver* observer) noexcept { observer_ = observer; }
 
 private:
-    struct Binding;
     void FieldChanged(Field& field) override;
     void NotifyModel();
-    std::vector<const Binding*> OrderedBindings() const;
+    std::size_t RememberedView() const;
+    void RememberView();
+    Field* FindField(const kivxmp::Path& path) const;
 
     DialogOptions options_;
-    std::vector<std::unique_ptr<Binding>> bindings_;
+    std::vector<PropertyBinding> bindings_;  // in the order of the views
     std::vector<DialogView> views_;
+    std::map<std::string, std::string, std::less<>> namespaces_;  // by prefix
     std::size_t currentView_ = 0;
     kivcore::UString message_;
     DialogModelObserver* observer_ = nullptr;

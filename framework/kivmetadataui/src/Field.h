@@ -91,8 +91,10 @@ public:
     const FieldItems& Items() const noexcept { return items_; }
     const FieldItems& OriginalItems() const noexcept { return original_; }
     bool IsEmpty() const noexcept;
-    /// The whole content as one text, for showing read-only, for searching and for copying.
+    /// The content as one text, for showing read-only and for copying.
     virtual kivcore::UString DisplayText() const;
+    /// What a search looks at besides label and path.
+    virtual kivcore::UString SearchText() const { return DisplayText(); }
 
     /// What is wrong with the content, in words; empty where nothing is.
     const kivcore::UString& Error() const noexcept { return error_; }
@@ -106,8 +108,9 @@ public:
     bool CanRedo() const noexcept { return !redo_.empty(); }
     void Undo();
     void Redo();
-    /// Ends the undo step at hand: on leaving the field, Enter, or a pause.
-    void EndEdit() noexcept { isTyping_ = false; }
+    /// Typing has come to an end: on leaving the field, Enter, or a pause. Ends the undo step and
+    /// says what is wrong with what was typed; a field does not complain about half a word.
+    void EndEdit();
 
     /// For assistive technology: the label.
     kivcore::UString AccessibleName() const { return description_.label; }
@@ -128,11 +131,18 @@ protected:
     enum class EditKind { kTyping, kWhole };
     /// Makes `items` the content. Edits of a read-only field change nothing.
     void Edit(FieldItems items, EditKind kind);
-    /// The error for `items`; empty where all is well.
+    /// The error for `items`; empty where all is well. Asked only while the field is changed: what
+    /// came with the packet may stay.
     virtual kivcore::UString Check(const FieldItems& items) const;
+    /// The usual way of writing `items`, taken when an edit ends without an error.
+    virtual FieldItems Tidy(FieldItems items) const { return items; }
+
+    /// Called at the end of Load.
+    virtual void Loaded() {}
+    void Notify();
 
 private:
-    void Settle();
+    void SetError(bool isLenient);
 
     FieldKind kind_;
     FieldDescription description_;

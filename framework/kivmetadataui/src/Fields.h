@@ -22,6 +22,7 @@ public:
 
 protected:
     kivcore::UString Check(const FieldItems& items) const override;
+    FieldItems Tidy(FieldItems items) const override;
 };
 
 /// Text to read and copy.
@@ -41,8 +42,9 @@ struct LanguageName {
 /// for the default text and comes first.
 class KIVMETADATAUI_API LanguageField : public Field {
 public:
-    explicit LanguageField(FieldDescription description);
+    LanguageField(FieldDescription description, bool isMultiline);
 
+    bool IsMultiline() const noexcept { return isMultiline_; }
     /// The languages at hand, "x-default" first also where it has no text.
     std::vector<LanguageName> Languages() const;
     /// Languages to offer for adding, without those at hand.
@@ -69,10 +71,15 @@ public:
     void RemoveLanguage(const std::string& tag);
 
     kivcore::UString DisplayText() const override;
+    kivcore::UString SearchText() const override;
+
+protected:
+    void Loaded() override;
 
 private:
     std::string current_;
-    std::vector<std::string> added_;  // languages without text yet
+    std::vector<std::string> added_;  // languages without text
+    bool isMultiline_;
 };
 
 /// Texts in a list, shown as chips.
@@ -142,6 +149,7 @@ public:
 
 protected:
     kivcore::UString Check(const FieldItems& items) const override;
+    FieldItems Tidy(FieldItems items) const override;
 };
 
 enum class NumberKind { kInteger, kReal, kRational };
@@ -166,6 +174,7 @@ public:
 
 protected:
     kivcore::UString Check(const FieldItems& items) const override;
+    FieldItems Tidy(FieldItems items) const override;
 
 private:
     NumberLimits limits_;

@@ -62,7 +62,8 @@ public:
 };
 
 /// One dialog, from the module's side: the model, the door for callbacks, the driver's script. It
-/// lives until RunDialog has returned.
+/// lives until RunDialog has returned, and so does the theme that was in force when it began: a
+/// host's last terminate from within a callback ends the framework's theme while windows are open.
 class KIVMETADATAUI_API DialogSession {
 public:
     virtual ~DialogSession() = default;
