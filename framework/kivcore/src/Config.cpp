@@ -8,6 +8,8 @@
 #include <kivcore/Locale.h>
 #include <kivcore/Trace.h>
 
+#include "src/NeverDestroyed.h"
+
 namespace kivcore::config {
 
 namespace {
@@ -23,11 +25,10 @@ struct Client {
     MessageCallback messageCallback;
 };
 
-// Never destroyed: a host may leave without the last terminate.
 Client& CurrentClient() noexcept
 {
-    static Client& client = *new Client();
-    return client;
+    static const NeverDestroyed<Client> client;
+    return *client;
 }
 
 constinit unsigned initializeCount = 0;

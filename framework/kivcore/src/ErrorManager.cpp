@@ -13,29 +13,26 @@
 #include <kivcore/StringConversion.h>
 #include <kivcore/Trace.h>
 
+#include "src/NeverDestroyed.h"
+
 namespace kivcore::config {
 
 namespace {
 
+/// What is in force; an empty entry stands for the default.
+struct Current {
+    std::shared_ptr<ErrorManager> manager;
+    std::shared_ptr<ErrorManager> defaultManager;  // made at the first use
+    std::shared_ptr<const ErrorPresenter> presenter;
+};
+
 constinit std::mutex currentMutex;
 
-// These are never destroyed: a host may leave without the last terminate.
-std::shared_ptr<ErrorManager>& CurrentManager()
+/// Under the lock only.
+Current& InForce() noexcept
 {
-    static auto& manager = *new std::shared_ptr<ErrorManager>();
-    return manager;
-}
-
-const std::shared_ptr<ErrorManager>& DefaultManager()
-{
-    static auto& manager = *new std::shared_ptr<ErrorManager>(std::make_shared<ErrorManager>());
-    return manager;
-}
-
-std::shared_ptr<const ErrorPresenter>& CurrentPresenter()
-{
-    static auto& presenter = *new std::shared_ptr<const ErrorPresenter>();
-    return presenter;
+    static const NeverDestroyed<Current> current;
+    return *current;
 }
 
 void Show(const std::string& message) noexcept
@@ -44,7 +41,7 @@ void Show(const std::string& message) noexcept
         debug::Trace(0, "kivcore", message);
         const std::shared_ptr<const ErrorPresenter> presenter = [] {
             const std::lock_guard lock(currentMutex);
-            return CurrentPresenter();
+            return InForce().presenter;
         }();
         if (presenter != nullptr && !IsAppHeadless()) {
             (*presenter)(message);
@@ -190,6 +187,7 @@ bool ErrorManager::ExecuteFunctionAndConvertException(
     }
 }
 
+// NOLINTNEXTLINE(performance-unnecessary-value-param): the slot's signature is fixed
 int ErrorManager::RunAndContain(std::function<int()> function) noexcept
 {
     try {
@@ -222,7 +220,7 @@ void SetErrorManager(std::shared_ptr<ErrorManager> manager)
     // What `manager` holds afterwards, the former one, goes when the lock is free again: its
     // destructor may come back here.
     const std::lock_guard lock(currentMutex);
-    CurrentManager().swap(manager);
+    InForce().manager.swap(manager);
 }
 
 void ResetToDefaultErrorManager()
@@ -232,13 +230,15 @@ void ResetToDefaultErrorManager()
 
 std::shared_ptr<ErrorManager> GetErrorManager()
 {
-    {
-        const std::lock_guard lock(currentMutex);
-        if (CurrentManager() != nullptr) {
-            return CurrentManager();
-        }
+    const std::lock_guard lock(currentMutex);
+    Current& current = InForce();
+    if (current.manager != nullptr) {
+        return current.manager;
     }
-    return DefaultManager();
+    if (current.defaultManager == nullptr) {
+        current.defaultManager = std::make_shared<ErrorManager>();
+    }
+    return current.defaultManager;
 }
 
 void SetErrorPresenter(ErrorPresenter presenter)
@@ -248,7 +248,7 @@ void SetErrorPresenter(ErrorPresenter presenter)
         next = std::make_shared<const ErrorPresenter>(std::move(presenter));
     }
     const std::lock_guard lock(currentMutex);
-    CurrentPresenter().swap(next);
+    InForce().presenter.swap(next);
 }
 
 }  // namespace kivcore::config

@@ -10,6 +10,8 @@
 
 #include <kivcore/StringConversion.h>
 
+#include "src/NeverDestroyed.h"
+
 namespace kivcore {
 
 namespace {
@@ -22,11 +24,10 @@ struct State {
     filesupport::Dir dictionaryDir;
 };
 
-// Never destroyed: a host may leave without the last terminate.
-State& Current()
+State& Current() noexcept
 {
-    static State& state = *new State();
-    return state;
+    static const NeverDestroyed<State> state;
+    return *state;
 }
 
 struct NamePair {

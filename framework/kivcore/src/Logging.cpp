@@ -2,15 +2,16 @@
 
 #include <map>
 
+#include "src/NeverDestroyed.h"
+
 namespace kivcore::logging {
 
 namespace {
 
-// Never destroyed: a host may leave without the last terminate.
-std::map<std::string, LogFilePathsCallback>& Callbacks()
+std::map<std::string, LogFilePathsCallback>& Callbacks() noexcept
 {
-    static auto& callbacks = *new std::map<std::string, LogFilePathsCallback>();
-    return callbacks;
+    static const NeverDestroyed<std::map<std::string, LogFilePathsCallback>> callbacks;
+    return *callbacks;
 }
 
 }  // namespace

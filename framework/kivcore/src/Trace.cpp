@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "src/Debugger.h"
+#include "src/NeverDestroyed.h"
 
 namespace kivcore::debug {
 
@@ -37,11 +38,14 @@ constinit std::mutex stateMutex;
 constinit std::atomic<std::uint32_t> changeCount{1};
 thread_local bool isInSink = false;
 
+/// Under the lock only.
 std::shared_ptr<const State>& StateSlot()
 {
-    // Never destroyed: traces may come from destructors of static objects.
-    static auto& slot = *new std::shared_ptr<const State>(std::make_shared<const State>());
-    return slot;
+    static const NeverDestroyed<std::shared_ptr<const State>> slot;
+    if (*slot == nullptr) {
+        *slot = std::make_shared<const State>();
+    }
+    return *slot;
 }
 
 std::shared_ptr<const State> CurrentState()

@@ -31,8 +31,8 @@ constexpr bool kRecycle = true;
 constexpr std::size_t kSmallestBytes = 32;
 constexpr std::size_t kLargestBytes = 16 * 1024;
 constexpr std::size_t kLimitBytes = 1024 * 1024;
-constexpr std::size_t kClassCount = static_cast<std::size_t>(std::countr_zero(kLargestBytes) -
-                                                             std::countr_zero(kSmallestBytes) + 1);
+constexpr std::size_t kClassCount = 10;
+static_assert(kSmallestBytes << (kClassCount - 1) == kLargestBytes);
 
 struct FreeBlock {
     FreeBlock* next;

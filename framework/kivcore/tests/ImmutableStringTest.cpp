@@ -12,7 +12,8 @@ TEST(ImmutableString, CopiesShareOneText)
     std::string source = "$$$/A/B=Hello";
     const ImmutableString text(source);
     source = "changed";
-    const ImmutableString copy = text;
+    ImmutableString copy;
+    copy = text;
     EXPECT_EQ(copy.View(), "$$$/A/B=Hello");
     EXPECT_EQ(copy.View().data(), text.View().data());
 }
