@@ -34,8 +34,8 @@ public:
     {
         if (slots_.empty())
             return nullptr;
-        const std::size_t mask = slots_.size() - 1;
-        for (std::size_t at = hash & mask; slots_[at].payload != kNone; at = (at + 1) & mask) {
+        for (std::size_t at = Home(slots_, hash); slots_[at].payload != kNone;
+             at = Next(slots_, at)) {
             if (slots_[at].hash == hash && matches(slots_[at].payload))
                 return &slots_[at].payload;
         }
@@ -59,7 +59,7 @@ public:
 
     void Clear()
     {
-        slots_ = {};
+        slots_ = std::vector<Slot>();
         count_ = 0;
     }
 
@@ -72,7 +72,8 @@ public:
         for (std::size_t at = 0; at < slots_.size(); ++at) {
             if (slots_[at].payload == kNone)
                 continue;
-            const std::size_t length = ((at - slots_[at].hash) & (slots_.size() - 1)) + 1;
+            const std::size_t home = Home(slots_, slots_[at].hash);
+            const std::size_t length = (at < home ? at + slots_.size() : at) - home + 1;
             cost.longest = std::max(cost.longest, length);
             cost.total += length;
         }
@@ -85,20 +86,30 @@ private:
         Payload payload = kNone;
     };
 
-    static constexpr std::size_t kFirstSlots = 16;  // the slot count is a power of two
+    static constexpr std::size_t kFirstSlots = 16;
+
+    // Spreads the hashes over any number of slots, so that the table need not double.
+    static std::size_t Home(const std::vector<Slot>& slots, std::uint32_t hash)
+    {
+        return static_cast<std::size_t>((static_cast<std::uint64_t>(hash) * slots.size()) >> 32);
+    }
+
+    static std::size_t Next(const std::vector<Slot>& slots, std::size_t at)
+    {
+        return at + 1 == slots.size() ? 0 : at + 1;
+    }
 
     static std::size_t FreeSlot(const std::vector<Slot>& slots, std::uint32_t hash)
     {
-        const std::size_t mask = slots.size() - 1;
-        std::size_t at = hash & mask;
+        std::size_t at = Home(slots, hash);
         while (slots[at].payload != kNone)
-            at = (at + 1) & mask;
+            at = Next(slots, at);
         return at;
     }
 
     void Grow()
     {
-        std::vector<Slot> grown(slots_.empty() ? kFirstSlots : slots_.size() * 2);
+        std::vector<Slot> grown(slots_.empty() ? kFirstSlots : slots_.size() / 2 * 3);
         for (const Slot& slot : slots_) {
             if (slot.payload != kNone)
                 grown[FreeSlot(grown, slot.hash)] = slot;

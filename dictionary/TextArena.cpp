@@ -9,9 +9,17 @@ namespace morvish_private {
 
 namespace {
 
-// A dictionary of a few texts stays small, a large one takes few blocks.
-constexpr std::size_t kFirstBlockBytes = 1024;
+// A block is a small part of what is there already, so that what the last one leaves unused is too.
+constexpr std::size_t kSmallestBlockBytes = 4 * 1024;
 constexpr std::size_t kLargestBlockBytes = 64 * 1024;
+constexpr std::size_t kGrowthDivisor = 32;
+
+// A run gets a block of its own where sharing one would waste more than the bookkeeping of a block
+// (some 64 bytes): a shared block ends with half a run unused, on average.
+bool StandsAlone(std::size_t runBytes, std::size_t blockBytes)
+{
+    return runBytes > blockBytes || runBytes * runBytes > 2 * 64 * blockBytes;
+}
 
 using Word = std::uint64_t;
 
@@ -32,10 +40,11 @@ TextArena::Run TextArena::Allocate(std::size_t sizeBytes)
         return {start, &blocks_[current_]};
     }
 
-    // A large run gets a block of its own; the rest of the current block stays in use.
-    const bool alone = wantedBytes > kLargestBlockBytes / 4;
-    nextBlockBytes_ = std::max(nextBlockBytes_, kFirstBlockBytes);
-    const std::size_t blockBytes = alone ? wantedBytes : std::max(nextBlockBytes_, wantedBytes);
+    const std::size_t nextBytes =
+        std::clamp(reservedBytes_ / kGrowthDivisor / sizeof(Word) * sizeof(Word),
+                   kSmallestBlockBytes, kLargestBlockBytes);
+    const bool alone = StandsAlone(wantedBytes, nextBytes);
+    const std::size_t blockBytes = alone ? wantedBytes : nextBytes;
     auto words = std::make_shared_for_overwrite<Word[]>(blockBytes / sizeof(Word));
     auto* const start = reinterpret_cast<std::byte*>(words.get());
     blocks_.emplace_back(std::move(words));
@@ -44,7 +53,6 @@ TextArena::Run TextArena::Allocate(std::size_t sizeBytes)
         current_ = blocks_.size() - 1;
         free_ = start + wantedBytes;
         freeBytes_ = blockBytes - wantedBytes;
-        nextBlockBytes_ = std::min(nextBlockBytes_ * 2, kLargestBlockBytes);
     }
     return {start, &blocks_.back()};
 }
@@ -55,7 +63,6 @@ void TextArena::Clear()
     current_ = 0;
     free_ = nullptr;
     freeBytes_ = 0;
-    nextBlockBytes_ = 0;
     reservedBytes_ = 0;
 }
 

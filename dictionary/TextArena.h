@@ -33,7 +33,6 @@ private:
     std::size_t current_ = 0;  // the index of the block that runs are cut from
     std::byte* free_ = nullptr;
     std::size_t freeBytes_ = 0;
-    std::size_t nextBlockBytes_ = 0;
     std::size_t reservedBytes_ = 0;
 };
 

@@ -1,0 +1,117 @@
+// Counts allocations. A program of its own, because it replaces the global operator new.
+
+#include "dictionary/DictionaryHandles.h"
+
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <memory>
+#include <new>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::size_t allocations = 0;
+std::size_t liveBytes = 0;
+
+// Stands before each block and keeps its size.
+constexpr std::size_t kPrefix = alignof(std::max_align_t);
+
+}  // namespace
+
+void* operator new(std::size_t size)
+{
+    auto* const block = static_cast<unsigned char*>(std::malloc(kPrefix + size));
+    if (block == nullptr)
+        throw std::bad_alloc();
+    ++allocations;
+    liveBytes += size;
+    std::memcpy(block, &size, sizeof size);
+    return block + kPrefix;
+}
+
+void operator delete(void* memory) noexcept
+{
+    if (memory == nullptr)
+        return;
+    unsigned char* const block = static_cast<unsigned char*>(memory) - kPrefix;
+    std::size_t size = 0;
+    std::memcpy(&size, block, sizeof size);
+    liveBytes -= size;
+    std::free(block);
+}
+
+void operator delete(void* memory, std::size_t) noexcept
+{
+    operator delete(memory);
+}
+
+namespace morvish {
+namespace {
+
+TEST(Allocations, OfLookupsThatHit)
+{
+    for (const auto format : {Dictionary::Format::kText, Dictionary::Format::kBinary}) {
+        Dictionary dictionary(format);
+        for (int i = 0; i < 1000; ++i) {
+            const std::string line = "$$$/Key/" + std::to_string(i) + "=text";
+            dictionary.ParseLine(std::u16string(line.begin(), line.end()).c_str());
+        }
+        const char16_t* units = nullptr;
+        std::size_t length = 0;
+        std::size_t before = allocations;
+        EXPECT_TRUE(dictionary.RawLookup("$$$/Key/500=default", units, length));
+        EXPECT_FALSE(dictionary.RawLookup("$$$/Missing=default", units, length));
+        EXPECT_EQ(allocations - before, 0u);
+
+        before = allocations;
+        DictionaryString* const handle = LookupString(dictionary, "$$$/Key/500=default");
+        EXPECT_EQ(allocations - before, 1u);
+        EXPECT_EQ(StringSizeUnits(*handle), 5u);
+        ReleaseString(handle);
+
+        before = allocations;
+        EXPECT_EQ(dictionary.Lookup("$$$/Missing").LengthUnits(), 0u);
+        EXPECT_EQ(allocations - before, 0u);
+    }
+}
+
+TEST(Allocations, LoadingTakesAFewForManyEntries)
+{
+    std::string text;
+    for (int i = 0; i < 10000; ++i)
+        text += "$$$/Key/" + std::to_string(i) + "=a text with #{copy} and ^C\n";
+    Dictionary dictionary;
+    const std::size_t before = allocations;
+    dictionary.LoadFromMemory(text.data(), text.size());
+    EXPECT_EQ(dictionary.EntryCount(), 10000u);
+    EXPECT_LT(allocations - before, 200u);
+}
+
+TEST(Allocations, MemoryPerEntry)
+{
+    for (const std::size_t valueLength : {0u, 24u, 200u}) {
+        for (const std::size_t count : {1000u, 3000u, 10000u, 16000u, 30000u, 100000u}) {
+            SCOPED_TRACE(testing::Message() << count << " values of " << valueLength);
+            const std::u16string value(valueLength, u'v');
+            std::size_t keyAndValueBytes = 0;
+            const std::size_t before = liveBytes;
+            const auto dictionary = std::make_unique<Dictionary>();
+            const std::size_t emptyBytes = liveBytes - before;
+            for (std::size_t i = 0; i < count; ++i) {
+                const std::string key = "/Menu/Item/" + std::to_string(i);
+                const std::u16string line = std::u16string(key.begin(), key.end()) + u'=' + value;
+                dictionary->ParseLine(line.c_str());
+                keyAndValueBytes += key.size() + value.size() * sizeof(char16_t);
+            }
+            const std::size_t taken = liveBytes - before - emptyBytes - keyAndValueBytes;
+            EXPECT_LE(taken, 128 * count)
+                << static_cast<double>(taken) / static_cast<double>(count);
+        }
+    }
+}
+
+}  // namespace
+}  // namespace morvish

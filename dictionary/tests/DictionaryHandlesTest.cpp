@@ -1,0 +1,115 @@
+#include "dictionary/DictionaryHandles.h"
+
+#include "dictionary/DictionaryException.h"
+#include "dictionary/tests/TestSupport.h"
+
+#include <memory>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+namespace morvish {
+namespace {
+
+using dictionary_test::Text;
+
+TEST(DictionaryHandles, DictionariesLiveByHandle)
+{
+    Dictionary* const text = CreateDictionary();
+    std::istringstream stream("$$$/A=x\n");
+    LoadDictionaryFromStream(*text, &stream);
+    EXPECT_EQ(Text(*text, "$$$/A"), u"x");
+    EXPECT_TRUE(DictionaryIsValid(*text));
+    LoadDictionaryFromStream(*text, nullptr);
+    EXPECT_FALSE(DictionaryIsValid(*text));
+
+    Dictionary* const binary = CreateDictionary(Dictionary::Format::kBinary);
+    binary->ParseLine(u"$$$/B=y");
+    EXPECT_EQ(binary->MajorVersion(), 2);
+    Dictionary* const copy = CopyDictionary(*binary);
+    EXPECT_EQ(Text(*copy, "$$$/B"), u"y");
+    AssignDictionary(*copy, *text);
+    EXPECT_EQ(copy->EntryCount(), 0u);
+
+    DestroyDictionary(text);
+    DestroyDictionary(binary);
+    DestroyDictionary(copy);
+    DestroyDictionary(nullptr);
+}
+
+TEST(DictionaryHandles, StringsLiveByHandle)
+{
+    Dictionary* const dictionary = CreateDictionary(Dictionary::Format::kBinary);
+    dictionary->ParseLine(u"$$$/A=stored");
+    DictionaryString* const stored = LookupString(*dictionary, "$$$/A=x");
+    DictionaryString* const byDefault = LookupString(*dictionary, "$$$/B=x");
+    DictionaryString* const nothing = LookupString(*dictionary, "$$/B=x");
+    DictionaryString* const byIndex = LookupStringByIndex(*dictionary, 0);
+    EXPECT_EQ(*stored, *byIndex);
+    DestroyDictionary(dictionary);
+
+    EXPECT_EQ(StringSizeUnits(*stored), 7u);
+    EXPECT_EQ(StringSizeUnits(*byDefault), 2u);
+    EXPECT_EQ(StringSizeUnits(*nothing), 1u);
+    EXPECT_EQ(stored->View(), u"stored");
+    for (DictionaryString* const string : {stored, byDefault, nothing, byIndex})
+        ReleaseString(string);
+    ReleaseString(nullptr);
+}
+
+struct CopyCase {
+    std::size_t capacity;
+    std::u16string terminated;  // what the buffer holds after CopyString
+    bool fits;
+    std::u16string bare;  // after CopyStringUnits
+    bool bareFits;
+};
+
+// Of "abc". The NUL that CopyString writes shows as '.'.
+const CopyCase kCopyCases[] = {
+    {0, u"", false, u"", false},       {1, u".", false, u"a", false},
+    {2, u"a.", false, u"ab", false},   {3, u"ab.", false, u"abc", true},
+    {4, u"abc.", true, u"abc_", true}, {5, u"abc._", true, u"abc__", true},
+};
+
+TEST(DictionaryHandles, CopyOut)
+{
+    DictionaryString string;
+    string.Assign(u"abc", 3);
+    for (const CopyCase& row : kCopyCases) {
+        for (const bool terminated : {true, false}) {
+            SCOPED_TRACE(row.capacity);
+            const bool fits = terminated ? row.fits : row.bareFits;
+            const auto copy = terminated ? CopyString : CopyStringUnits;
+            for (const OnTruncation onTruncation : {OnTruncation::kIgnore, OnTruncation::kThrow}) {
+                // Exactly as large as it is said to be.
+                const auto buffer = std::make_unique<char16_t[]>(row.capacity);
+                std::fill_n(buffer.get(), row.capacity, u'_');
+                std::uint32_t code = 0;
+                try {
+                    copy(string, buffer.get(), row.capacity, onTruncation);
+                } catch (const DictionaryException& exception) {
+                    code = exception.Code();
+                }
+                EXPECT_EQ(code, !fits && onTruncation == OnTruncation::kThrow ? 0x42554646u : 0u);
+                std::u16string got(buffer.get(), row.capacity);
+                for (char16_t& unit : got)
+                    unit = unit == 0 ? u'.' : unit;
+                EXPECT_EQ(got, terminated ? row.terminated : row.bare);
+            }
+        }
+    }
+}
+
+TEST(DictionaryHandles, CopyOutOfTheEmptyString)
+{
+    const DictionaryString empty;
+    char16_t unit = u'_';
+    EXPECT_NO_THROW(CopyStringUnits(empty, nullptr, 0, OnTruncation::kThrow));
+    EXPECT_NO_THROW(CopyString(empty, &unit, 1, OnTruncation::kThrow));
+    EXPECT_EQ(unit, 0);
+    EXPECT_THROW(CopyString(empty, nullptr, 0, OnTruncation::kThrow), DictionaryException);
+}
+
+}  // namespace
+}  // namespace morvish
