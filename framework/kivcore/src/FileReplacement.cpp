@@ -302,6 +302,8 @@ FileIdentity ReplaceFile(const UString& path, const std::function<void(OutputFil
     return FileReplacement(AbsolutePath(path), options).Run(write);
 }
 
+void CheckReplaceable(const UString& path) { RefuseReadOnly(FollowLinks(AbsolutePath(path))); }
+
 void RecoverReplacedFile(const UString& path) noexcept
 {
     try {

@@ -37,6 +37,10 @@ KIVCORE_API FileIdentity ReplaceFile(const UString& path,
                                      const std::function<void(OutputFile& out)>& write,
                                      const ReplaceOptions& options);
 
+/// Throws FileError kRefused if ReplaceFile would refuse the file at `path` for its own permissions,
+/// kNotFound where there is none. Says nothing about the folder and the room on the disk.
+KIVCORE_API void CheckReplaceable(const UString& path);
+
 /// Clears what a killed writer left for `path`: called by readers of a photo before they open it,
 /// silent when there is nothing. Does not look through the folder, so its cost does not grow with
 /// it. Never throws.
