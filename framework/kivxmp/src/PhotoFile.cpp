@@ -1,0 +1,400 @@
+#include <kivxmp/PhotoFile.h>
+
+#include <kivcore/Dir.h>
+#include <kivcore/FileReplacement.h>
+#include <kivcore/StringConversion.h>
+
+#include <algorithm>
+#include <exception>
+#include <utility>
+
+#include "src/PhotoOrigin.h"
+#include "src/SidecarFile.h"
+
+namespace kivxmp {
+
+using kivcore::UString;
+using kivcore::filesupport::File;
+using kivcore::filesupport::FileError;
+using kivcore::filesupport::FileIdentity;
+using kivcore::filesupport::InputFile;
+using kivcore::filesupport::OutputFile;
+using kivcore::filesupport::PathToUTF8;
+using kivcore::filesupport::RecoverReplacedFile;
+using kivcore::filesupport::ReplaceFile;
+using kivcore::filesupport::ReplaceOptions;
+using photo::ByteRange;
+using photo::ByteSource;
+using photo::FileSource;
+using photo::FormatRow;
+using photo::MemorySource;
+using photo::PhotoError;
+using photo::PhotoFormat;
+
+namespace {
+
+constexpr std::string_view kNoteUri = "http://ns.adobe.com/xmp/note/";
+
+KivXmpCode CodeOf(FileError::Kind kind, FileUse use)
+{
+    switch (kind) {
+        case FileError::Kind::kNotFound:
+            return kKivXmpFileNotFound;
+        case FileError::Kind::kChanged:
+            return kKivXmpFileChanged;
+        case FileError::Kind::kTooLarge:
+            return kKivXmpTooBig;
+        default:
+            return use == FileUse::kRead ? kKivXmpFileUnreadable : kKivXmpFileUnwritable;
+    }
+}
+
+KivXmpCode CodeOf(PhotoError::Kind kind)
+{
+    switch (kind) {
+        case PhotoError::Kind::kBroken:
+            return kKivXmpFileBroken;
+        case PhotoError::Kind::kRefused:
+            return kKivXmpFileUnsupported;
+        default:
+            return kKivXmpInternal;
+    }
+}
+
+std::unique_ptr<PhotoFormat> ReadSidecar(ByteSource& source)
+{
+    return photo::MakeSidecarFormat(source.SizeBytes());
+}
+
+/// The object that the file's packet makes. A packet of no bytes is none.
+std::unique_ptr<__XMPMeta__> ReadPacket(ByteSource& source, const PhotoFormat& format)
+{
+    if (format.Packets().empty() || format.Packets().front().bytes == 0) {
+        return __XMPMeta__::Create();
+    }
+    return __XMPMeta__::Parse(ReadRange(source, format.Packets().front()));
+}
+
+/// The place that is meant for the packet of one photo.
+struct Place {
+    PacketPlace kind = PacketPlace::kEmbedded;
+    UString path;
+    std::string format;
+    PhotoOrigin::Reader read = nullptr;
+    std::string note;
+};
+
+UString SidecarOf(const UString& photoPath, SidecarName name)
+{
+    const UString full = photo::FullSidecarName(photoPath);
+    const UString brief = photo::ShortSidecarName(photoPath);
+    if (name != SidecarName::kAuto) {
+        return name == SidecarName::kFull ? full : brief;
+    }
+    return !File(full).Exists() && File(brief).Exists() ? brief : full;
+}
+
+Place SidecarPlace(const UString& path, std::string note)
+{
+    return {PacketPlace::kSidecar, path, "sidecar", ReadSidecar, std::move(note)};
+}
+
+/// What the content of a photo asks for.
+Place FindPlace(const UString& path, ByteSource& source, const OpenOptions& options)
+{
+    const UString sidecar = SidecarOf(path, options.sidecar);
+    const bool sidecarExists = File(sidecar).Exists();
+    const FormatRow* row = photo::RecogniseFormat(source);
+    if (row == nullptr && options.place != PacketPlace::kSidecar) {
+        const FormatRow* promised =
+            photo::FormatOfExtension(kivcore::string::UTF16to8(photo::LowerExtension(path)));
+        if (promised != nullptr) {
+            throw PhotoError(
+                PhotoError::Kind::kBroken,
+                source.SizeBytes() == 0
+                    ? "the file is empty"
+                    : std::string("the file is no ") + promised->name + " file and no other photo");
+        }
+        if (!sidecarExists || options.place == PacketPlace::kEmbedded) {
+            throw PhotoError(PhotoError::Kind::kRefused,
+                             source.SizeBytes() == 0 ? "the file is empty"
+                                                     : "the file is no photo of a known format");
+        }
+    }
+    const bool embeds = row != nullptr && row->read != nullptr;
+    const std::string name = row != nullptr ? row->name : "unknown";
+    if (options.place == PacketPlace::kEmbedded && !embeds) {
+        throw PhotoError(PhotoError::Kind::kRefused,
+                         "metadata embedded in " + name + " files cannot be read yet");
+    }
+    if (embeds && options.place != PacketPlace::kSidecar) {
+        return {PacketPlace::kEmbedded, path, name, row->read,
+                sidecarExists
+                    ? "there is a sidecar besides, but the metadata in the photo counts: " +
+                          PathToUTF8(sidecar)
+                    : ""};
+    }
+    Place place =
+        SidecarPlace(sidecar, row == nullptr ? ""
+                              : embeds ? "metadata embedded in the photo is left out of account"
+                                       : "metadata embedded in " + name +
+                                             " files is not read yet; the sidecar counts");
+    place.format = name;
+    return place;
+}
+
+/// Opens the place, where it is there, and fills `origin`.
+std::unique_ptr<__XMPMeta__> OpenPlace(const Place& place, InputFile* file)
+{
+    const auto origin = std::make_shared<PhotoOrigin>();
+    origin->info.format = place.format;
+    origin->info.place = place.kind;
+    origin->info.packetPath = place.path;
+    origin->info.note = place.note;
+    origin->packetPathUTF8 = PathToUTF8(place.path);
+    origin->read = place.read;
+
+    std::unique_ptr<__XMPMeta__> meta;
+    if (file == nullptr) {
+        MemorySource nothing({});
+        origin->Note(place.read(nothing), std::nullopt);
+        meta = __XMPMeta__::Create();
+    } else {
+        FileSource source(*file);
+        origin->Note(place.read(source), file->Identity());
+        const PhotoFormat& format = *origin->format;
+        if (origin->refusal && format.Packets().empty() &&
+            origin->refusal->GetKind() == PhotoError::Kind::kBroken) {
+            throw PhotoError(*origin->refusal);
+        }
+        meta = ReadPacket(source, format);
+    }
+    if (place.kind == PacketPlace::kEmbedded &&
+        meta->FindProperty(kNoteUri, "HasExtendedXMP") != nullptr && !origin->refusal) {
+        origin->refusal.emplace(
+            PhotoError::Kind::kRefused,
+            "a part of its metadata, which an extended segment held, is missing");
+    }
+    if (origin->refusal) {
+        origin->info.canSave = false;
+        origin->info.reason = origin->refusal->what();
+    } else if (file != nullptr) {
+        try {
+            kivcore::filesupport::CheckReplaceable(place.path);
+        } catch (const FileError&) {
+            origin->info.canSave = false;
+            origin->info.reason = "the file is read-only";
+        }
+    }
+    meta->SetOrigin(origin);
+    return meta;
+}
+
+std::unique_ptr<__XMPMeta__> Open(const UString& path, const OpenOptions& options)
+{
+    RecoverReplacedFile(path);
+    InputFile file(path);
+    if (photo::IsSidecarName(path)) {
+        return OpenPlace(SidecarPlace(path, ""), &file);
+    }
+    RecoverReplacedFile(photo::FullSidecarName(path));
+    RecoverReplacedFile(photo::ShortSidecarName(path));
+    FileSource source(file);
+    const Place place = FindPlace(path, source, options);
+    if (place.kind == PacketPlace::kEmbedded) {
+        return OpenPlace(place, &file);
+    }
+    if (!File(place.path).Exists()) {
+        return OpenPlace(place, nullptr);
+    }
+    InputFile sidecar(place.path);
+    return OpenPlace(place, &sidecar);
+}
+
+bool SameTree(const __XMPMeta__& left, const __XMPMeta__& right)
+{
+    const std::vector<const Node*> leftNodes = left.Properties();
+    const std::vector<const Node*> rightNodes = right.Properties();
+    return std::equal(leftNodes.begin(), leftNodes.end(), rightNodes.begin(), rightNodes.end(),
+                      [](const Node* one, const Node* other) { return *one == *other; });
+}
+
+/// One save: what is put together before the file is touched, and what is found out about the copy.
+class Save {
+public:
+    Save(const __XMPMeta__& meta, const PhotoOrigin& origin) : meta_(meta), origin_(origin)
+    {
+        if (origin.refusal) {
+            throw PhotoError(*origin.refusal);
+        }
+        if (origin.identity) {
+            file_.emplace(origin.info.packetPath);
+            if (file_->Identity() != *origin.identity) {
+                ThrowChanged("was changed since it was read");
+            }
+            source_ = std::make_unique<FileSource>(*file_);
+        } else {
+            source_ = std::make_unique<MemorySource>(std::string_view());
+        }
+        const std::size_t limit = origin.format->PacketLimitBytes();
+        packet_ = meta.Serialize({.maxBytes = limit});
+        if (packet_.size() > limit) {
+            throw XMP_Error(kKivXmpFileNoPlace, origin.packetPathUTF8 + ": the metadata takes " +
+                                                    std::to_string(packet_.size()) +
+                                                    " bytes, and a " + origin.info.format +
+                                                    " file has room for " + std::to_string(limit) +
+                                                    "; nothing was written");
+        }
+        plan_ = origin.format->Plan(packet_);
+    }
+
+    FileIdentity Run()
+    {
+        ReplaceOptions options;
+        options.expected = origin_.identity;
+        options.check = [this](InputFile& written) { Check(written); };
+        return ReplaceFile(
+            origin_.info.packetPath, [this](OutputFile& out) { Write(out); }, options);
+    }
+
+    std::unique_ptr<PhotoFormat> TakeFormat() { return std::move(writtenFormat_); }
+    std::unique_ptr<__XMPMeta__> TakeObject() { return std::move(writtenObject_); }
+
+private:
+    [[noreturn]] void ThrowChanged(const char* how) const
+    {
+        throw XMP_Error(kKivXmpFileChanged,
+                        origin_.packetPathUTF8 + ": " + how + "; nothing was written");
+    }
+
+    void Write(OutputFile& out)
+    {
+        photo::ApplyPlan(
+            plan_, source_->SizeBytes(),
+            [&](ByteRange range) { out.CopyFrom(*file_, range.offset, range.bytes); },
+            [&](std::string_view fresh) { out.Write(fresh.data(), fresh.size()); });
+    }
+
+    void Check(InputFile& written)
+    {
+        FileSource copy(written);
+        writtenFormat_ = origin_.read(copy);
+        photo::CheckKeptBytes(*source_, *origin_.format, copy, *writtenFormat_);
+        const std::vector<ByteRange>& packets = writtenFormat_->Packets();
+        if (writtenFormat_->Refusal() || packets.size() != 1 ||
+            ReadRange(copy, packets.front()) != packet_) {
+            throw PhotoError(PhotoError::Kind::kFailed,
+                             "the copy was not put in place: its packet is not where it should be");
+        }
+        writtenObject_ = ReadPacket(copy, *writtenFormat_);
+        if (!SameTree(meta_, *writtenObject_)) {
+            throw PhotoError(PhotoError::Kind::kFailed,
+                             "the copy was not put in place: its packet does not read back as it "
+                             "was set");
+        }
+        // A sidecar that is to be made has no state to compare with, but it must still be missing.
+        if (!origin_.identity && File(origin_.info.packetPath).Exists()) {
+            ThrowChanged("was made by another program meanwhile");
+        }
+    }
+
+    const __XMPMeta__& meta_;
+    const PhotoOrigin& origin_;
+    std::optional<InputFile> file_;
+    std::unique_ptr<ByteSource> source_;
+    std::string packet_;
+    photo::SavePlan plan_;
+    std::unique_ptr<PhotoFormat> writtenFormat_;
+    std::unique_ptr<__XMPMeta__> writtenObject_;
+};
+
+const PhotoOrigin& RequireOrigin(const std::shared_ptr<PhotoOrigin>& origin)
+{
+    if (origin == nullptr) {
+        throw XMP_Error(kKivXmpBadArgument, "the XMP object was not opened from a file");
+    }
+    return *origin;
+}
+
+}  // namespace
+
+void PhotoOrigin::Note(std::unique_ptr<PhotoFormat> newFormat,
+                       const std::optional<FileIdentity>& newIdentity)
+{
+    format = std::move(newFormat);
+    identity = newIdentity;
+    refusal = format->Refusal();
+    const std::vector<ByteRange>& packets = format->Packets();
+    info.packetFound = !packets.empty();
+    info.packetOffset = packets.empty() ? 0 : packets.front().offset;
+    info.packetBytes = packets.empty() ? 0 : packets.front().bytes;
+    info.canSave = true;
+    info.reason.clear();
+}
+
+std::shared_ptr<PhotoOrigin> PhotoOriginOf(const __XMPMeta__& meta)
+{
+    return std::dynamic_pointer_cast<PhotoOrigin>(meta.GetOrigin());
+}
+
+void ThrowAsXMPError(const UString& path, FileUse use)
+{
+    try {
+        throw;
+    } catch (const FileError& error) {
+        throw XMP_Error(CodeOf(error.GetKind(), use), error.what());
+    } catch (const PhotoError& error) {
+        throw XMP_Error(CodeOf(error.GetKind()), PathToUTF8(path) + ": " + error.what());
+    }
+}
+
+std::unique_ptr<__XMPMeta__> OpenPhoto(const UString& path, const OpenOptions& options)
+{
+    try {
+        return Open(path, options);
+    } catch (const XMP_Error& error) {
+        throw XMP_Error(error.Code(), PathToUTF8(path) + ": " + error.Text());
+    } catch (const std::exception&) {
+        ThrowAsXMPError(path, FileUse::kRead);
+    }
+}
+
+PhotoInfo GetPhotoInfo(const __XMPMeta__& meta)
+{
+    return RequireOrigin(PhotoOriginOf(meta)).info;
+}
+
+SaveResult SavePhoto(__XMPMeta__& meta)
+{
+    const std::shared_ptr<PhotoOrigin> origin = PhotoOriginOf(meta);
+    RequireOrigin(origin);
+    if (!meta.IsChanged()) {
+        return SaveResult::kNothingToSave;
+    }
+    try {
+        Save save(meta, *origin);
+        const FileIdentity identity = save.Run();
+        origin->Note(save.TakeFormat(), identity);
+        const std::unique_ptr<__XMPMeta__> saved = save.TakeObject();
+        saved->SetOrigin(origin);
+        meta.Swap(*saved);
+        return SaveResult::kSaved;
+    } catch (const std::exception&) {
+        ThrowAsXMPError(origin->info.packetPath, FileUse::kWrite);
+    }
+}
+
+void WritePacket(const __XMPMeta__& meta, const UString& path)
+{
+    if (meta.SourceBytes().empty() && meta.PropertyCount() == 0) {
+        throw XMP_Error(kKivXmpNoPacket, "there is no metadata packet to write");
+    }
+    const std::string packet = meta.Serialize();
+    try {
+        ReplaceFile(path, [&](OutputFile& out) { out.Write(packet.data(), packet.size()); }, {});
+    } catch (const std::exception&) {
+        ThrowAsXMPError(path, FileUse::kWrite);
+    }
+}
+
+}  // namespace kivxmp

@@ -1,0 +1,44 @@
+// What an XMP object remembers of the file it was opened from.
+
+#pragma once
+
+#include <kivcore/FileStream.h>
+#include <kivcore/UString.h>
+#include <kivxmp/PhotoFile.h>
+#include <kivxmp/XMPMeta.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "src/PhotoFormat.h"
+
+namespace kivxmp {
+
+class PhotoOrigin final : public Origin {
+public:
+    using Reader = std::unique_ptr<photo::PhotoFormat> (*)(photo::ByteSource& source);
+
+    /// Takes over what the file looks like now.
+    void Note(std::unique_ptr<photo::PhotoFormat> newFormat,
+              const std::optional<kivcore::filesupport::FileIdentity>& newIdentity);
+
+    PhotoInfo info;
+    std::string packetPathUTF8;
+    Reader read = nullptr;
+    std::unique_ptr<photo::PhotoFormat> format;
+    /// The state of the file; nothing if it is to be made.
+    std::optional<kivcore::filesupport::FileIdentity> identity;
+    /// Why the place cannot be written, whatever the file's permissions.
+    std::optional<photo::PhotoError> refusal;
+};
+
+/// Null for an object that was not opened from a file.
+std::shared_ptr<PhotoOrigin> PhotoOriginOf(const __XMPMeta__& meta);
+
+/// Runs `action`, which may throw what files and formats throw, and throws XMP_Errors that name the
+/// file instead.
+enum class FileUse { kRead, kWrite };
+[[noreturn]] void ThrowAsXMPError(const kivcore::UString& path, FileUse use);
+
+}  // namespace kivxmp
