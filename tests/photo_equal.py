@@ -149,7 +149,8 @@ def main():
         at = first_difference(one.rest, other.rest)
         print(
             "different: beside the packet there are %d and %d bytes; the first difference is at "
-            "byte %d and %d" % (len(one.rest), len(other.rest), one.position(at), other.position(at))
+            "byte %d and %d"
+            % (len(one.rest), len(other.rest), one.position(at), other.position(at))
         )
         return 1
     if one.targets != other.targets:

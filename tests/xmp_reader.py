@@ -23,7 +23,10 @@ import xml.etree.ElementTree as ElementTree
 RDF = "http://www.w3.org/1999/02/22-rdf-syntax-ns#"
 XML = "http://www.w3.org/XML/1998/namespace"
 LANGUAGE = "{%s}lang" % XML
-SYNTAX = {"{%s}%s" % (RDF, name) for name in ("about", "ID", "nodeID", "resource", "parseType", "datatype")}
+SYNTAX = {
+    "{%s}%s" % (RDF, name)
+    for name in ("about", "ID", "nodeID", "resource", "parseType", "datatype")
+}
 
 
 def rdf(name):
@@ -149,8 +152,12 @@ def read_packet(data):
     """The lines for a packet."""
     prefixes = {XML: "xml"}
     root = None
+    # Zeros behind a packet are legal padding; in UTF-16 and UTF-32 they are halves of characters.
+    if b"\0" not in data[:4] and data[:2] not in (b"\xff\xfe", b"\xfe\xff"):
+        data = data.strip(b"\0 \n\r\t")
     try:
-        for event, what in ElementTree.iterparse(io.BytesIO(data.strip(b"\0 \n\r\t")), ("start-ns", "end")):
+        events = ElementTree.iterparse(io.BytesIO(data), ("start-ns", "end"))
+        for event, what in events:
             if event == "start-ns":
                 prefixes.setdefault(what[1], what[0])
             else:

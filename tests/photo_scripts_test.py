@@ -1,0 +1,182 @@
+#!/usr/bin/env python3
+"""Tests of photo_equal.py and xmp_reader.py: what judges the library is itself judged here."""
+
+import os
+import struct
+import subprocess
+import sys
+import tempfile
+import unittest
+
+FOLDER = os.path.dirname(os.path.abspath(__file__))
+sys.path.insert(0, FOLDER)
+sys.dont_write_bytecode = True
+import photo_equal  # pylint: disable=wrong-import-position
+XMP = b"http://ns.adobe.com/xap/1.0/\0"
+
+
+def segment(marker, payload):
+    return struct.pack(">BBH", 0xFF, marker, len(payload) + 2) + payload
+
+
+def index(order, pictures):
+    """A multi-picture index over (length, offset) pairs."""
+    entries = b"".join(struct.pack(order + "LLLHH", 0, size, at, 0, 0) for size, at in pictures)
+    header = {">": b"MM", "<": b"II"}[order] + struct.pack(order + "HL", 42, 8)
+    directory = struct.pack(order + "HHHLLL", 1, 0xB002, 7, len(entries), 26, 0)
+    return segment(0xE2, b"MPF\0" + header + directory + entries)
+
+
+SCAN = segment(0xDB, b"t" * 65) + segment(0xDA, b"s" * 6) + b"data\xff\xd9"
+
+
+def photo(packet, order=">"):
+    """A photo with a second picture that an index in front of the packet points to."""
+    head = b"\xff\xd8" + segment(0xE1, b"Exif\0\0")
+    rest = (segment(0xE1, XMP + packet) if packet is not None else b"") + SCAN
+    base = len(head) + 4 + 4
+    size = len(head) + len(index(order, [(0, 0), (0, 0)])) + len(rest)
+    return head + index(order, [(size, 0), (6, size + 3 - base)]) + rest + b"gapsecond"
+
+
+def run(script, *arguments):
+    result = subprocess.run(
+        [sys.executable, os.path.join(FOLDER, script), *arguments],
+        stdout=subprocess.PIPE,
+        stderr=subprocess.PIPE,
+        check=False,
+    )
+    return result.returncode, result.stdout.decode(), result.stderr.decode()
+
+
+class WithFiles(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+
+    def file(self, name, data):
+        path = os.path.join(self.folder.name, name)
+        with open(path, "wb") as out:
+            out.write(data)
+        return path
+
+
+class PhotoEqual(WithFiles):
+    def compare(self, one, other):
+        status, text, _ = run("photo_equal.py", self.file("one", one), self.file("other", other))
+        return status, text
+
+    def test_packets_do_not_count(self):
+        for order in "><":
+            for packet in (None, b"", b"a longer packet"):
+                status, text = self.compare(photo(b"old", order), photo(packet, order))
+                self.assertEqual((status, text[:6]), (0, "equal:"), text)
+
+    def test_every_other_byte_counts(self):
+        good = photo(b"old")
+        packet = good.index(b"old")
+        judge = photo_equal.Photo(self.file("good", good))
+        for at in range(len(good)):
+            if packet <= at < packet + 3:
+                continue
+            bad = bytearray(good)
+            bad[at] ^= 1
+            try:
+                other = photo_equal.Photo(self.file("bad", bytes(bad)))
+            except (photo_equal.Unreadable, struct.error):
+                continue
+            self.assertNotEqual((judge.rest, judge.targets), (other.rest, other.targets), at)
+
+    def test_an_index_that_was_not_corrected(self):
+        bad = photo(b"old").replace(segment(0xE1, XMP + b"old"), segment(0xE1, XMP + b"longer"))
+        self.assertEqual(
+            self.compare(photo(b"old"), bad),
+            (1, "different: the multi-picture index points to other places\n"),
+        )
+
+    def test_cut_files(self):
+        self.assertEqual(self.compare(photo(b"old")[:-9], photo(b"new")[:-9])[0], 0)
+        self.assertEqual(self.compare(photo(b"old"), photo(b"new")[:-9])[0], 1)
+
+    def test_no_photos(self):
+        for bad in (b"", b"no photo", b"\xff\xd8 no marker"):
+            self.assertEqual(self.compare(bad, bad)[0], 1)
+        self.assertEqual(run("photo_equal.py", "/nonexistent", "/nonexistent")[0], 1)
+        self.assertEqual(run("photo_equal.py")[0], 1)
+
+
+HEAD = (
+    '<x:xmpmeta xmlns:x="adobe:ns:meta/">'
+    '<rdf:RDF xmlns:rdf="http://www.w3.org/1999/02/22-rdf-syntax-ns#" '
+    'xmlns:dc="http://purl.org/dc/elements/1.1/" xmlns:e="http://example.org/e/">'
+)
+TAIL = "</rdf:RDF></x:xmpmeta>"
+
+# Body of the packet, lines of the list.
+FORMS = [
+    ('<rdf:Description rdf:about="" dc:format="a"/>', ["dc:format\ta"]),
+    ("<rdf:Description><dc:format>a &amp; b</dc:format></rdf:Description>", ["dc:format\ta & b"]),
+    ("<rdf:Description><e:n>a\tb\\c\nd</e:n></rdf:Description>", ["e:n\ta\\tb\\\\c\\nd"]),
+    ('<rdf:Description><e:u rdf:resource="http://x/"/></rdf:Description>', ["e:u\t<http://x/>"]),
+    (
+        "<rdf:Description><dc:subject><rdf:Bag><rdf:li>a</rdf:li><rdf:li/></rdf:Bag>"
+        "</dc:subject></rdf:Description>",
+        ["dc:subject[1]\ta", "dc:subject[2]\t"],
+    ),
+    ("<rdf:Description><dc:subject><rdf:Bag/></dc:subject></rdf:Description>", ["dc:subject\t[]"]),
+    (
+        '<rdf:Description><dc:title><rdf:Alt><rdf:li xml:lang="x-default">a</rdf:li>'
+        '<rdf:li xml:lang="de">b</rdf:li></rdf:Alt></dc:title></rdf:Description>',
+        [
+            "dc:title[@x-default]\ta",
+            "dc:title[@x-default]/?xml:lang\tx-default",
+            "dc:title[@de]\tb",
+            "dc:title[@de]/?xml:lang\tde",
+        ],
+    ),
+    (
+        '<rdf:Description><e:s rdf:parseType="Resource"><e:f>a</e:f></e:s></rdf:Description>',
+        ["e:s/e:f\ta"],
+    ),
+    (
+        '<rdf:Description><e:s><rdf:Description e:f="a"><e:g>b</e:g></rdf:Description></e:s>'
+        "</rdf:Description>",
+        ["e:s/e:f\ta", "e:s/e:g\tb"],
+    ),
+    ('<rdf:Description><e:s e:f="a" e:g="b"/></rdf:Description>', ["e:s/e:f\ta", "e:s/e:g\tb"]),
+    (
+        '<rdf:Description><e:q rdf:parseType="Resource"><rdf:value>v</rdf:value><e:r>w</e:r></e:q>'
+        "</rdf:Description>",
+        ["e:q\tv", "e:q/?e:r\tw"],
+    ),
+    ("<rdf:Description/>", []),
+]
+
+
+class XmpReader(WithFiles):
+    def test_forms(self):
+        for body, lines in FORMS:
+            packet = self.file("p", (HEAD + body + TAIL).encode())
+            status, text, errors = run("xmp_reader.py", packet)
+            self.assertEqual((status, text.splitlines(), errors), (0, lines, ""))
+
+    def test_encodings_and_wrappers(self):
+        body = '<rdf:Description dc:format="\u00e9\u6d77"/>'
+        packet = '<?xpacket begin="" id=""?>%s%s%s\n  <?xpacket end="w"?>' % (HEAD, body, TAIL)
+        for encoding in ("utf-8", "utf-8-sig", "utf-16"):
+            status, text, _ = run("xmp_reader.py", self.file("p", packet.encode(encoding)))
+            self.assertEqual((status, text), (0, "dc:format\t\u00e9\u6d77\n"), encoding)
+
+    def test_a_photo(self):
+        data = photo((HEAD + '<rdf:Description dc:format="a"/>' + TAIL).encode())
+        self.assertEqual(run("xmp_reader.py", self.file("p", data))[:2], (0, "dc:format\ta\n"))
+
+    def test_what_cannot_be_read(self):
+        for bad in (b"", b"text", b"<a/>", b"<a>", photo(None), HEAD.encode()):
+            status, text, errors = run("xmp_reader.py", self.file("p", bad))
+            self.assertEqual((status, text), (1, ""))
+            self.assertNotEqual(errors, "")
+
+
+if __name__ == "__main__":
+    unittest.main()
