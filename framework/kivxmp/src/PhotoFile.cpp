@@ -72,6 +72,9 @@ std::unique_ptr<__XMPMeta__> ReadPacket(ByteSource& source, const PhotoFormat& f
     if (format.Packets().empty() || format.Packets().front().bytes == 0) {
         return __XMPMeta__::Create();
     }
+    if (format.Packets().front().bytes > kMaxPacketBytes) {
+        throw XMP_Error(kKivXmpTooBig, "it is larger than any metadata packet");
+    }
     return __XMPMeta__::Parse(ReadRange(source, format.Packets().front()));
 }
 
@@ -219,6 +222,33 @@ bool SameTree(const __XMPMeta__& left, const __XMPMeta__& right)
                       [](const Node* one, const Node* other) { return *one == *other; });
 }
 
+/// As kivcore does before it replaces a file, but with a code of its own.
+void RefuseReadOnly(const UString& path)
+{
+    try {
+        kivcore::filesupport::CheckReplaceable(path);
+    } catch (const FileError& error) {
+        if (error.GetKind() == FileError::Kind::kRefused) {
+            throw XMP_Error(kKivXmpFileReadOnly, error.what());
+        }
+        throw;
+    }
+}
+
+/// Keeps a slip of the hand from costing a photo.
+void RefusePhoto(const UString& path)
+{
+    if (!File(path).Exists()) {
+        return;
+    }
+    InputFile file(path);
+    FileSource source(file);
+    if (photo::RecogniseFormat(source) != nullptr) {
+        throw PhotoError(PhotoError::Kind::kRefused,
+                         "the file is a photo; a packet is not written in its place");
+    }
+}
+
 /// One save: what is put together before the file is touched, and what is found out about the copy.
 class Save {
 public:
@@ -228,6 +258,7 @@ public:
             throw PhotoError(*origin.refusal);
         }
         if (origin.identity) {
+            RefuseReadOnly(origin.info.packetPath);
             file_.emplace(origin.info.packetPath);
             if (file_->Identity() != *origin.identity) {
                 ThrowChanged("was changed since it was read");

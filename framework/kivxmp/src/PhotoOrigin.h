@@ -36,8 +36,8 @@ public:
 /// Null for an object that was not opened from a file.
 std::shared_ptr<PhotoOrigin> PhotoOriginOf(const __XMPMeta__& meta);
 
-/// Runs `action`, which may throw what files and formats throw, and throws XMP_Errors that name the
-/// file instead.
+/// Inside a catch block: throws an XMP_Error that names the file for what files and formats throw,
+/// and anything else as it is.
 enum class FileUse { kRead, kWrite };
 [[noreturn]] void ThrowAsXMPError(const kivcore::UString& path, FileUse use);
 

@@ -70,8 +70,9 @@ enum class SaveResult { kSaved, kNothingToSave };
 /// as they were.
 KIVXMP_API SaveResult SavePhoto(__XMPMeta__& meta);
 
-/// Writes the packet of `meta` alone to the file at `path`, in place of one that is there. Throws
-/// kKivXmpNoPacket where there is none: an object without properties that was read from no packet.
+/// Writes the packet of `meta` alone to the file at `path`, in place of one that is there (which
+/// must be no photo). Throws kKivXmpNoPacket where there is none: an object without properties that
+/// was read from no packet.
 KIVXMP_API void WritePacket(const __XMPMeta__& meta, const kivcore::UString& path);
 
 }  // namespace kivxmp

@@ -72,7 +72,8 @@ KIVXMP_API KivXmpCode KivXmpGetPhotoInfo(const __XMPMeta__* meta, KivXmpPhotoInf
  * failure file and object are as they were. */
 KIVXMP_API KivXmpCode KivXmpSavePhoto(__XMPMeta__* meta, int* written);
 
-/* Writes the object's packet alone to the file at `path`, in place of one that is there.
+/* Writes the object's packet alone to the file at `path`, in place of one that is there (which must
+ * be no photo: kKivXmpFileUnsupported).
  * kKivXmpNoPacket for an object without properties that was read from no packet. */
 KIVXMP_API KivXmpCode KivXmpWritePacket(const __XMPMeta__* meta, const char* path);
 
