@@ -97,7 +97,7 @@ CONTROLS = [
     ("current-tab", "ground", "accent", "text", "icon"),
     ("chip", "chip-ground", "hairline", "text", "icon"),
     ("check", "field-ground", "field-frame", "text", "icon"),
-    ("scroll-thumb", "hairline", "hairline", "secondary-text", "icon"),
+    ("tool-tip", "raised-ground", "field-frame", "text", "icon"),
 ]
 PARTS = ("ground", "frame", "text", "icon")
 STATES = ("normal", "hover", "pressed", "focused", "disabled")

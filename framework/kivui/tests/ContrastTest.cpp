@@ -1,0 +1,217 @@
+// The theme document that we ship, as it is drawn: contrast by WCAG 2.2 (relative luminance) at
+// each of the 101 brightness values. Texts need 4.5 to 1; icons, frames, stars and other marks 3
+// to 1. Disabled controls are exempt, as in WCAG; hairlines only divide what is told apart without
+// them.
+
+#include <algorithm>
+#include <cmath>
+#include <fstream>
+#include <map>
+#include <sstream>
+
+#include <gtest/gtest.h>
+
+#include <kivcore/Xml.h>
+
+#include "framework/kivui/src/ThemeDocument.h"
+#include "framework/kivui/tests/RecordingPainter.h"
+
+namespace kivui::ui {
+namespace {
+
+constexpr double kTextContrast = 4.5;
+constexpr double kMarkContrast = 3;
+constexpr const char* kNoTint = "";
+
+// Collects the names of the rows.
+class NameReader : public kivcore::xml::DocHandler {
+public:
+    void StartElement(const std::string& name, const kivcore::xml::Attributes& attributes) override
+    {
+        if (name == "color") {
+            indices[*kivcore::xml::FindAttribute(attributes, "name")] =
+                std::stoul(*kivcore::xml::FindAttribute(attributes, "index"));
+        }
+    }
+    void EndElement(const std::string&) override {}
+    void Text(std::string_view) override {}
+
+    std::map<std::string, std::size_t> indices;
+};
+
+class ShippedTheme : public testing::Test {
+protected:
+    ShippedTheme()
+    {
+        kivcore::xml::SetParserFactory(std::make_unique<kivcore::xml::MSXMLParserFactory>());
+        std::ostringstream text;
+        text << std::ifstream(KIVUI_THEMES_DIR "/KIVCOLORTHEMESV5.xml", std::ios::binary).rdbuf();
+        document_ = ReadThemeDocument(text.str(), "KIVCOLORTHEMESV5");
+        kivcore::xml::NewParser()->Parse(text.str(), "KIVCOLORTHEMESV5", names_);
+    }
+    ~ShippedTheme() override { kivcore::xml::ResetParserFactory(); }
+
+    const ThemeDocument& Document() const { return document_; }
+    const std::map<std::string, std::size_t>& Names() const { return names_.indices; }
+
+    ColorRGBA ColorOf(const std::string& name, int percent) const
+    {
+        return ColorAt(document_.colors.at(names_.indices.at(name)), static_cast<float>(percent));
+    }
+
+    // `mark` on `ground`, with `tint` laid over the ground.
+    void ExpectContrast(const std::string& mark, const std::string& ground, const std::string& tint,
+                        double least) const
+    {
+        for (int percent = 0; percent <= 100; ++percent) {
+            ColorRGBA below = ColorOf(ground, percent);
+            if (!tint.empty()) {
+                below = Over(ColorOf(tint, percent), below);
+            }
+            const ColorRGBA above = ColorOf(mark, percent);
+            ASSERT_EQ(below.alpha, 1) << ground;
+            ASSERT_EQ(above.alpha, 1) << mark;
+            EXPECT_GE(Contrast(above, below), least)
+                << mark << " on " << ground << " " << tint << " at " << percent;
+        }
+    }
+
+private:
+    static ColorRGBA Over(const ColorRGBA& tint, const ColorRGBA& ground)
+    {
+        const auto mix = [&](float above, float below) {
+            return above * tint.alpha + below * (1 - tint.alpha);
+        };
+        return {mix(tint.red, ground.red), mix(tint.green, ground.green),
+                mix(tint.blue, ground.blue), ground.alpha};
+    }
+    // Of the byte that is drawn.
+    static double Linear(float part)
+    {
+        const double value = std::round(double{part} * 255) / 255;
+        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
+    }
+    static double Luminance(const ColorRGBA& color)
+    {
+        return 0.2126 * Linear(color.red) + 0.7152 * Linear(color.green) +
+               0.0722 * Linear(color.blue);
+    }
+    static double Contrast(const ColorRGBA& one, const ColorRGBA& other)
+    {
+        const double high = std::max(Luminance(one), Luminance(other));
+        const double low = std::min(Luminance(one), Luminance(other));
+        return (high + 0.05) / (low + 0.05);
+    }
+
+    ThemeDocument document_;
+    NameReader names_;
+};
+
+TEST_F(ShippedTheme, Has385NamedColorsWithKeyFrames)
+{
+    ASSERT_EQ(Document().colors.size(), 385u);
+    EXPECT_EQ(Names().size(), 385u);
+    for (std::size_t i = 0; i < Document().colors.size(); ++i) {
+        EXPECT_GE(Document().colors[i].size(), 3u) << i;
+    }
+    EXPECT_EQ(Document().fontSizes, (std::vector<double>{12, 13, 18}));
+}
+
+TEST_F(ShippedTheme, NamesAreThoseOfTheFramework)
+{
+    for (const ThemeColorName& row : kThemeColorNames) {
+        ASSERT_EQ(Names().count(row.name), 1u) << row.name;
+        EXPECT_EQ(Names().at(row.name), row.color) << row.name;
+    }
+}
+
+TEST_F(ShippedTheme, BuiltInColorsAreTheSame)
+{
+    const std::shared_ptr<const ThemeDocument> builtIn = BuiltInTheme();
+    EXPECT_EQ(builtIn->fontSizes, Document().fontSizes);
+    for (const ThemeColorName& row : kThemeColorNames) {
+        EXPECT_EQ(builtIn->colors.at(row.color), Document().colors[row.color]) << row.name;
+    }
+}
+
+constexpr const char* kGrounds[] = {"ground", "raised-ground", "field-ground"};
+constexpr const char* kTints[] = {kNoTint, "hover-tint", "pressed-tint"};
+
+TEST_F(ShippedTheme, TextsStandOutFromEveryGround)
+{
+    for (const char* const ground : kGrounds) {
+        for (const char* const text : {"text", "secondary-text", "error", "warning", "link"}) {
+            ExpectContrast(text, ground, kNoTint, kTextContrast);
+        }
+        for (const char* const text : {"text", "link"}) {
+            ExpectContrast(text, ground, "hover-tint", kTextContrast);
+            ExpectContrast(text, ground, "pressed-tint", kTextContrast);
+        }
+    }
+    ExpectContrast("placeholder", "field-ground", kNoTint, kTextContrast);
+    ExpectContrast("selection-text", "selection", kNoTint, kTextContrast);
+    for (const char* const tint : kTints) {
+        ExpectContrast("text", "accent-tint", tint, kTextContrast);
+        ExpectContrast("text", "chip-ground", tint, kTextContrast);
+    }
+    for (const char* const accent : {"accent", "accent-hover", "accent-pressed"}) {
+        ExpectContrast("accent-text", accent, kNoTint, kTextContrast);
+    }
+}
+
+TEST_F(ShippedTheme, MarksStandOutFromEveryGround)
+{
+    for (const char* const ground : kGrounds) {
+        for (const char* const mark :
+             {"accent", "accent-hover", "accent-pressed", "focus", "field-frame",
+              "field-frame-hover", "star", "star-empty", "changed-dot", "error", "warning"}) {
+            ExpectContrast(mark, ground, kNoTint, kMarkContrast);
+        }
+        for (const char* const tint : kTints) {
+            ExpectContrast("icon", ground, tint, kMarkContrast);
+        }
+        ExpectContrast("changed-dot", ground, "hover-tint", kMarkContrast);
+    }
+    for (const char* const mark : {"accent", "focus", "changed-dot", "icon"}) {
+        ExpectContrast(mark, "accent-tint", kNoTint, kMarkContrast);
+    }
+    for (const char* const tint : kTints) {
+        ExpectContrast("icon", "chip-ground", tint, kMarkContrast);
+    }
+    ExpectContrast("error", "chip-ground", kNoTint, kMarkContrast);
+    for (int number = 1; number <= 12; ++number) {
+        ExpectContrast("chart-" + std::to_string(number), "ground", kNoTint, kMarkContrast);
+    }
+    ExpectContrast("success", "success-ground", kNoTint, kTextContrast);
+}
+
+// "button.text.hover" stands on "button.ground.hover".
+TEST_F(ShippedTheme, SkinControlsAreReadableInEveryState)
+{
+    int pairs = 0;
+    for (const auto& [name, index] : Names()) {
+        const std::size_t part = name.find(".ground.");
+        if (part == std::string::npos || name.ends_with(".disabled")) {
+            continue;
+        }
+        const std::string control = name.substr(0, part);
+        const std::string state = name.substr(name.rfind('.'));
+        ExpectContrast(control + ".text" + state, name, kNoTint, kTextContrast);
+        ExpectContrast(control + ".icon" + state, name, kNoTint, kMarkContrast);
+        ++pairs;
+    }
+    EXPECT_EQ(pairs, 17 * 4);
+}
+
+TEST_F(ShippedTheme, GroundsGetLighterWithBrightness)
+{
+    for (const char* const ground : kGrounds) {
+        for (int percent = 1; percent <= 100; ++percent) {
+            EXPECT_GE(ColorOf(ground, percent).green, ColorOf(ground, percent - 1).green)
+                << ground << " at " << percent;
+        }
+    }
+}
+
+}  // namespace
+}  // namespace kivui::ui
