@@ -283,6 +283,7 @@ void DialogModel::Apply(__XMPMeta__& target) const
 
 void DialogModel::FieldChanged(Field& field)
 {
+    message_.clear();  // it was about what has changed since
     if (observer_ != nullptr) {
         observer_->FieldChanged(field);
         observer_->ModelChanged();

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -47,7 +49,23 @@ NumberKind KindOfNumber(ValueType type)
     return type == ValueType::kRational ? NumberKind::kRational : NumberKind::kReal;
 }
 
-std::unique_ptr<Field> MakeField(const PropertyDefinition& definition, FieldDescription description)
+// The definitions' forms know one type of language alternatives; a title is a line all the same.
+bool IsLongAlternative(const PropertyDefinition& definition, const Node* node)
+{
+    constexpr std::string_view kLongNames[] = {"description", "rights", "UsageTerms",
+                                               "AltTextAccessibility", "ExtDescrAccessibility"};
+    if (std::find(std::begin(kLongNames), std::end(kLongNames), definition.name) !=
+        std::end(kLongNames)) {
+        return true;
+    }
+    return node != nullptr &&
+           std::any_of(node->Children().begin(), node->Children().end(), [](const Node& item) {
+               return item.Value().find('\n') != std::string_view::npos;
+           });
+}
+
+std::unique_ptr<Field> MakeField(const PropertyDefinition& definition, const Node* node,
+                                 FieldDescription description)
 {
     switch (definition.type) {
         case ValueType::kText:
@@ -57,7 +75,8 @@ std::unique_ptr<Field> MakeField(const PropertyDefinition& definition, FieldDesc
         case ValueType::kUri:
             return std::make_unique<TextField>(FieldKind::kUri, std::move(description));
         case ValueType::kLanguageAlternative:
-            return std::make_unique<LanguageField>(std::move(description), /*isMultiline=*/true);
+            return std::make_unique<LanguageField>(std::move(description),
+                                                   IsLongAlternative(definition, node));
         case ValueType::kBag:
         case ValueType::kSequence:
             return std::make_unique<ListField>(std::move(description),
@@ -212,7 +231,7 @@ std::unique_ptr<Field> MakeFilledField(const PropertyDefinition& definition,
     const bool isStructured =
         definition.type == ValueType::kStructure || definition.type == ValueType::kStructureList;
     if (node == nullptr) {
-        return MakeField(definition, std::move(description));
+        return MakeField(definition, node, std::move(description));
     }
     const UString cameraText =
         definition.isReadOnly ? CameraText(path.back().uri, path.back().local, *node) : UString();
@@ -230,7 +249,7 @@ std::unique_ptr<Field> MakeFilledField(const PropertyDefinition& definition,
         field->Lock(explanation);
         return field;
     }
-    std::unique_ptr<Field> field = MakeField(definition, description);
+    std::unique_ptr<Field> field = MakeField(definition, node, description);
     field->Load(ReadItems(*node, definition.type));
     UString explanation = ValueExplanation(*field);
     if (!explanation.empty()) {
