@@ -17,26 +17,45 @@ std::unique_ptr<DocParserFactory>& Factory()
     return factory;
 }
 
-/// What stands for a character that cannot stand for itself; empty if it can.
-std::string Reference(unsigned char character)
+struct EscapeRow {
+    std::string_view character;
+    std::string_view written;
+};
+
+constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+
+constexpr EscapeRow kEscapeRows[] = {
+    {"&", "&amp;"},
+    {"<", "&lt;"},
+    {">", "&gt;"},
+    {"\"", "&quot;"},
+    {"\t", "&#9;"},
+    {"\n", "&#10;"},
+    {"\r", "&#13;"},
+    // U+FFFE and U+FFFF: XML has no spelling for them.
+    {"\xEF\xBF\xBE", kReplacement},
+    {"\xEF\xBF\xBF", kReplacement},
+};
+
+/// True for the first byte of what may have to be written in another way.
+constexpr bool IsSpecial(char byte)
 {
-    switch (character) {
-        case '&':
-            return "&amp;";
-        case '<':
-            return "&lt;";
-        case '>':
-            return "&gt;";
-        case '"':
-            return "&quot;";
-        case '\t':
-        case '\n':
-        case '\r':
-            return "&#" + std::to_string(character) + ";";
-        default:
-            // XML has no spelling at all for the other ones.
-            return character < 0x20 ? "\uFFFD" : std::string();
+    return static_cast<unsigned char>(byte) < 0x20 || byte == '&' || byte == '<' || byte == '>' ||
+           byte == '"' || byte == '\xEF';
+}
+
+/// The row for the character at the beginning of `text`; a row of its first byte where there is
+/// none.
+EscapeRow EscapeAt(std::string_view text)
+{
+    for (const EscapeRow& row : kEscapeRows) {
+        if (text.starts_with(row.character)) {
+            return row;
+        }
     }
+    // XML has no spelling for the other control characters either.
+    const std::string_view first = text.substr(0, 1);
+    return {first, static_cast<unsigned char>(first.front()) < 0x20 ? kReplacement : first};
 }
 
 }  // namespace
@@ -86,8 +105,6 @@ std::unique_ptr<DocParser> NewParser()
 
 std::string Escape(std::string_view text)
 {
-    // U+FFFE and U+FFFF are the only other characters that XML does not have.
-    constexpr std::string_view kNoCharacters[] = {"\xEF\xBF\xBE", "\xEF\xBF\xBF"};
     std::string wellFormed;
     if (!string::IsWellFormedUTF8(text)) {
         wellFormed = string::UTF16to8(string::UTF8to16(text));
@@ -95,22 +112,17 @@ std::string Escape(std::string_view text)
     }
     std::string escaped;
     escaped.reserve(text.size());
-    while (!text.empty()) {
-        const std::string_view head = text.substr(0, 3);
-        if (head == kNoCharacters[0] || head == kNoCharacters[1]) {
-            escaped += "\uFFFD";
-            text.remove_prefix(3);
-            continue;
+    for (;;) {
+        const auto* const special = std::find_if(text.begin(), text.end(), IsSpecial);
+        escaped.append(text.begin(), special);
+        text.remove_prefix(static_cast<std::size_t>(special - text.begin()));
+        if (text.empty()) {
+            return escaped;
         }
-        const std::string reference = Reference(static_cast<unsigned char>(text.front()));
-        if (reference.empty()) {
-            escaped += text.front();
-        } else {
-            escaped += reference;
-        }
-        text.remove_prefix(1);
+        const EscapeRow row = EscapeAt(text);
+        escaped += row.written;
+        text.remove_prefix(row.character.size());
     }
-    return escaped;
 }
 
 }  // namespace kivcore::xml

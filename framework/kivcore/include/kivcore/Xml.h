@@ -1,6 +1,6 @@
 // Parsing XML documents. The parser is made by a replaceable factory; ours is over Expat: entities
-// of the internal DTD are expanded (within Expat's amplification limits), external ones are
-// refused.
+// of the internal DTD are expanded (within Expat's amplification limits), external ones are refused
+// where they are used, an external document type among them.
 
 #pragma once
 
@@ -47,7 +47,7 @@ public:
     /// Parses a whole document. `sourceName` stands in messages. Throws ParseError, also above 256
     /// levels of nesting.
     virtual void Parse(std::string_view text, std::string_view sourceName, DocHandler& handler) = 0;
-    /// While Parse runs: the line being read, from 1.
+    /// While Parse runs: the line being read, from 1. 0 otherwise.
     virtual std::size_t Line() const = 0;
 };
 
@@ -74,7 +74,9 @@ KIVCORE_API void ResetParserFactory() noexcept;
 /// A parser from the factory; throws std::logic_error where none is set.
 KIVCORE_API std::unique_ptr<DocParser> NewParser();
 
-/// `text` with &, <, >, " and control characters written as references.
+/// `text` with &, <, >, ", tabs and line ends written as references, fit for texts and attributes.
+/// What XML cannot carry (other control characters, U+FFFE, U+FFFF, ill-formed parts) becomes
+/// U+FFFD.
 KIVCORE_API std::string Escape(std::string_view text);
 
 }  // namespace kivcore::xml
