@@ -1,0 +1,113 @@
+#include "host/Options.h"
+
+#include <gtest/gtest.h>
+
+namespace kivhost {
+namespace {
+
+TEST(Options, DefaultsAreADialog)
+{
+    const Options options = ParseOptions({"photo.jpg"});
+    EXPECT_EQ(options.mode, Mode::kDialog);
+    EXPECT_EQ(options.file, "photo.jpg");
+    EXPECT_EQ(options.language, "en_US");
+    EXPECT_EQ(options.brightnessPercent, 50U);
+    EXPECT_EQ(options.scale, 1.0f);
+    EXPECT_EQ(options.autoPress, AutoPress::kNone);
+}
+
+TEST(Options, EveryOptionIsRead)
+{
+    const Options options = ParseOptions({"--language",
+                                          "de_DE",
+                                          "--brightness=20",
+                                          "--scale",
+                                          "1.5",
+                                          "--text",
+                                          "Titel",
+                                          "--flags",
+                                          "3",
+                                          "--custom-definitions",
+                                          "--set",
+                                          "dc:title[@de]=a=b",
+                                          "--set=dc:subject=[\"x\"]",
+                                          "--auto",
+                                          "cancel",
+                                          "--screenshot",
+                                          "o.png",
+                                          "--view",
+                                          "iptc",
+                                          "photo.jpg"});
+    EXPECT_EQ(options.language, "de_DE");
+    EXPECT_EQ(options.brightnessPercent, 20U);
+    EXPECT_EQ(options.scale, 1.5f);
+    EXPECT_EQ(options.text, "Titel");
+    EXPECT_TRUE(options.hasText);
+    EXPECT_EQ(options.flags, 3);
+    EXPECT_TRUE(options.loadsCustomDefinitions);
+    ASSERT_EQ(options.sets.size(), 2U);
+    EXPECT_EQ(options.sets[0], (std::pair<std::string, std::string>("dc:title[@de]", "a=b")));
+    EXPECT_EQ(options.sets[1], (std::pair<std::string, std::string>("dc:subject", "[\"x\"]")));
+    EXPECT_EQ(options.autoPress, AutoPress::kCancel);
+    EXPECT_EQ(options.screenshot, "o.png");
+    EXPECT_EQ(options.view, "iptc");
+}
+
+TEST(Options, NamespacesInBracesMayHoldAnEqualsSign)
+{
+    const Options options = ParseOptions({"--set", "{http://x/?a=b}name=value", "f"});
+    ASSERT_EQ(options.sets.size(), 1U);
+    EXPECT_EQ(options.sets[0].first, "{http://x/?a=b}name");
+    EXPECT_EQ(options.sets[0].second, "value");
+}
+
+TEST(Options, FilesMayBeginWithADash)
+{
+    EXPECT_EQ(ParseOptions({"--dump", "--", "-odd.jpg"}).file, "-odd.jpg");
+    EXPECT_EQ(ParseOptions({"--extract", "-", "a.jpg"}).extractTo, "-");
+}
+
+TEST(Options, WrongLinesSaySo)
+{
+    struct Row {
+        std::vector<std::string> arguments;
+        const char* want;
+    };
+    const Row rows[] = {
+        {{}, "no file given"},
+        {{"--dump"}, "no file given"},
+        {{"a", "b"}, "more than one file given: 'b'"},
+        {{"--colour", "a"}, "unknown option '--colour'"},
+        {{"a", "--language"}, "--language needs xx_YY"},
+        {{"--brightness", "bright", "a"}, "--brightness: 'bright' is not a number it takes"},
+        {{"--brightness", "-1", "a"}, "--brightness: '-1' is not a number it takes"},
+        {{"--flags", "256", "a"}, "--flags: '256' is not a number it takes"},
+        {{"--scale", "1.5x", "a"}, "--scale: '1.5x' is not a number it takes"},
+        {{"--set", "dc:title", "a"}, "--set: 'dc:title' is not PATH=VALUE"},
+        {{"--set", "=x", "a"}, "--set: '=x' is not PATH=VALUE"},
+        {{"--auto", "yes", "a"}, "--auto: 'yes' is neither ok nor cancel"},
+        {{"--dump=1", "a"}, "--dump takes no value"},
+        {{"--screenshot", "o.png", "a"}, "--screenshot needs --auto"},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.want);
+        try {
+            ParseOptions(row.arguments);
+            FAIL() << "accepted";
+        } catch (const UsageError& error) {
+            EXPECT_STREQ(error.what(), row.want);
+        }
+    }
+}
+
+TEST(Options, HelpNamesEveryOption)
+{
+    const std::string help = HelpText();
+    for (const char* const name : {"--language xx_YY", "--set PATH=VALUE", "--list-definitions"}) {
+        EXPECT_NE(help.find(name), std::string::npos) << name;
+    }
+    EXPECT_EQ(ParseOptions({"--help"}).mode, Mode::kHelp);
+}
+
+}  // namespace
+}  // namespace kivhost
