@@ -75,3 +75,21 @@ function(kiv_add_header_check name)
     add_library(${name}_header_check OBJECT ${sources})
     target_link_libraries(${name}_header_check PRIVATE ${name} kiv_flags)
 endfunction()
+
+# kiv_copy_data(FOLDER FILES...): puts files of this folder under FOLDER of the application's data:
+# beside the programs in the build tree, and in the data folder when installed.
+function(kiv_copy_data folder)
+    set(copies)
+    foreach(name IN LISTS ARGN)
+        set(copy "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${folder}/${name}")
+        add_custom_command(
+            OUTPUT "${copy}"
+            COMMAND ${CMAKE_COMMAND} -E copy "${CMAKE_CURRENT_SOURCE_DIR}/${name}" "${copy}"
+            DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${name}"
+            VERBATIM)
+        list(APPEND copies "${copy}")
+    endforeach()
+    string(MAKE_C_IDENTIFIER "${folder}" target)
+    add_custom_target(data_${target} ALL DEPENDS ${copies})
+    install(FILES ${ARGN} DESTINATION "${CMAKE_INSTALL_DATADIR}/kivmetadataapi/${folder}")
+endfunction()
