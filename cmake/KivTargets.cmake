@@ -76,20 +76,26 @@ function(kiv_add_header_check name)
     target_link_libraries(${name}_header_check PRIVATE ${name} kiv_flags)
 endfunction()
 
-# kiv_copy_data(FOLDER FILES...): puts files of this folder under FOLDER of the application's data:
-# beside the programs in the build tree, and in the data folder when installed.
+# kiv_copy_data(FOLDER DIRECTORY dir): puts the files of the directory `dir` of this folder under FOLDER
+# of the application's data: beside the programs in the build tree, and in the data folder when
+# installed.
 function(kiv_copy_data folder)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "DIRECTORY" "")
+    file(GLOB files CONFIGURE_DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${arg_DIRECTORY}/*.*")
+    list(FILTER files EXCLUDE REGEX "CMakeLists.txt$|README.md$")
     set(copies)
-    foreach(name IN LISTS ARGN)
+    foreach(source IN LISTS files)
+        get_filename_component(name "${source}" NAME)
         set(copy "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${folder}/${name}")
         add_custom_command(
             OUTPUT "${copy}"
-            COMMAND ${CMAKE_COMMAND} -E copy "${CMAKE_CURRENT_SOURCE_DIR}/${name}" "${copy}"
-            DEPENDS "${CMAKE_CURRENT_SOURCE_DIR}/${name}"
+            COMMAND ${CMAKE_COMMAND} -E copy "${source}" "${copy}"
+            DEPENDS "${source}"
             VERBATIM)
         list(APPEND copies "${copy}")
     endforeach()
     string(MAKE_C_IDENTIFIER "${folder}" target)
     add_custom_target(data_${target} ALL DEPENDS ${copies})
-    install(FILES ${ARGN} DESTINATION "${CMAKE_INSTALL_DATADIR}/kivmetadataapi/${folder}")
+    add_dependencies(application_data data_${target})
+    install(FILES ${files} DESTINATION "${CMAKE_INSTALL_DATADIR}/kivmetadataapi/${folder}")
 endfunction()
