@@ -131,8 +131,8 @@ private:
     bool FindString(std::string_view key, DictionaryString& result) const;
     const morvish_private::ByteRunValue* FindValue(std::uint32_t index) const;
 
-    morvish_private::BucketChains chains_;  // 1021 heads, and what the last search found
-    std::uint8_t one_ = 1;                  // set at construction, used by nothing
+    morvish_private::BucketChains chains_;   // 1021 heads, and what the last search found
+    [[maybe_unused]] std::uint8_t one_ = 1;  // set at construction, used by nothing
     bool valid_ = true;
     std::shared_ptr<morvish_private::FastArray> binaryStore_;
     std::int8_t majorVersion_ = 0;

@@ -60,6 +60,7 @@ const ValueCase kEscapeCases[] = {
     // Unknown ones stay as they are, doubled ones become single.
     {u"\\q", u"\\q"},
     {u"^q", u"^q"},
+    {u"^1 of ^2", u"^1 of ^2"},
     {u"\\\\", u"\\"},
     {u"^^", u"^"},
     {u"\\\\n", u"\\n"},
@@ -157,6 +158,7 @@ TEST(ValuePasses, LiteralHashLeaks)
 {
     // A '#' that is no marker takes along what was skipped since the last marker.
     EXPECT_EQ(Substitute(u"A#{macos}B # C"), u"AB #");
+    EXPECT_EQ(Substitute(u"Size#{macos}Size # 1"), u"SizeSize #");
     EXPECT_EQ(Substitute(u"A#{macos}B#{none}C"), u"AB#");
     EXPECT_EQ(Substitute(u"A#{macos}B#{copy}C # D#"), u"AC # D#");
     EXPECT_EQ(Substitute(u"A#{macos}B # C#{mswindows}D"), u"D");
