@@ -4,6 +4,7 @@
 #include "dictionary/tests/TestSupport.h"
 
 #include <sstream>
+#include <typeinfo>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -71,12 +72,14 @@ TEST(DictionaryReader, ChoosesByTheFirstTwoBytes)
         SCOPED_TRACE(testing::PrintToString(row.bytes));
         const auto reader = CreateReader(row.bytes.data(), row.bytes.data() + row.bytes.size());
         ASSERT_TRUE(reader);
-        EXPECT_EQ(typeid(*reader), row.want);
+        const DictionaryReader& chosen = *reader;
+        EXPECT_EQ(typeid(chosen), row.want);
         EXPECT_EQ(reader->ReadsUtf16(), row.want != typeid(UTF8Reader));
 
         std::istringstream stream(row.bytes);
         const auto streamReader = CreateReader(stream);
-        EXPECT_EQ(typeid(*streamReader), row.want);
+        const DictionaryReader& chosenForStream = *streamReader;
+        EXPECT_EQ(typeid(chosenForStream), row.want);
         EXPECT_EQ(stream.tellg(), row.position);
     }
 }
