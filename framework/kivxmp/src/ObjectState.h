@@ -1,0 +1,69 @@
+// What an XMP object is made of: the packet as it was read, and its properties, each with what
+// became of it and where it came from.
+
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <unordered_map>
+#include <vector>
+
+#include "framework/kivxmp/src/NamePool.h"
+#include "framework/kivxmp/src/NodeAccess.h"
+#include "framework/kivxmp/src/Packet.h"
+
+#include <kivxmp/XMPMeta.h>
+
+namespace kivxmp {
+
+/// One property and its place in the packet.
+struct Slot {
+    enum class Place {
+        kNew,        ///< not in the packet
+        kElement,    ///< an element of a description; `span` is all of it
+        kAttribute,  ///< of a description; `span` begins with the white space in front of it
+        kTopLevel,   ///< an element of rdf:RDF that is no description of ours
+        kFixed,      ///< comes out of an entity and cannot be changed
+    };
+    std::shared_ptr<Node> current;         // null if removed; not changed while shared
+    std::shared_ptr<const Node> original;  // null for a new one
+    Place place = Place::kNew;
+    Span span;
+    std::size_t description = kNowhere;  // index in Packet::descriptions
+    bool hasTwins = false;               // the packet holds more properties of this name
+
+    bool IsChanged() const noexcept
+    {
+        if (current == original) {
+            return false;
+        }
+        return current == nullptr || original == nullptr || !(*current == *original);
+    }
+};
+
+class ObjectState {
+public:
+    std::shared_ptr<const Packet> packet;
+    std::shared_ptr<NamePool> names;
+    std::vector<Slot> slots;
+    std::unordered_map<const NameKey*, std::size_t> index;  // the first slot of each name
+    std::size_t nodeCount = 0;
+    std::shared_ptr<Origin> origin;
+
+    /// Null where there is none, or where it was removed.
+    const Node* FindProperty(const NameKey* key) const noexcept;
+    const Node* Find(const Path& path) const noexcept;
+    PrefixLookup Prefixes() const;
+};
+
+/// Where on the way from a node one step leads; null where nothing is.
+const Node* FindStep(const Node& node, const PathStep& step, const NamePool& names) noexcept;
+
+/// Reads a packet. Throws XMP_Error.
+std::unique_ptr<ObjectState> ReadPacket(std::string_view bytes);
+/// The object that has nothing.
+std::unique_ptr<ObjectState> NewPacket();
+
+std::string WritePacket(const ObjectState& object, const SerializeOptions& options);
+
+}  // namespace kivxmp
