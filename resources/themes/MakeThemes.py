@@ -67,7 +67,7 @@ DIALOG = [
     ("selection-text", "grey", (98, 100, 4, 8)),
     ("icon", "grey", (72, 88, 20, 36)),
     ("placeholder", "grey", (64, 82, 30, 46)),
-    ("star", "gold", (76, 84, 30, 48)),
+    ("star", "gold", (76, 84, 40, 54)),
     ("star-empty", "grey", (54, 74, 33, 52)),
     ("chip-ground", "grey", (16, 34, 78, 91)),
     ("disabled-ground", "grey", (10, 29, 77, 93)),

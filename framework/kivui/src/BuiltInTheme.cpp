@@ -38,7 +38,7 @@ constexpr Row kRows[] = {
     {19, {0xf6fafeff, 0xffffffff, 0x0b0e12ff, 0x16181bff}},   // selection-text
     {20, {0xaeb1b5ff, 0xdadde1ff, 0x2e3134ff, 0x525559ff}},   // icon
     {21, {0x999b9fff, 0xc9ccd0ff, 0x44474aff, 0x6b6d71ff}},   // placeholder
-    {22, {0xefb10eff, 0xffc963ff, 0x5d4200ff, 0x936b00ff}},   // star
+    {22, {0xefb10eff, 0xffc963ff, 0x7a5900ff, 0xa67a00ff}},   // star
     {23, {0x7f8185ff, 0xb3b6baff, 0x4b4e51ff, 0x7a7c80ff}},   // star-empty
     {24, {0x26282bff, 0x4e5054ff, 0xbec1c5ff, 0xe2e5eaff}},   // chip-ground
     {25, {0x191c1fff, 0x424548ff, 0xbbbec3ff, 0xe8ebf0ff}},   // disabled-ground

@@ -133,6 +133,14 @@ void DrawFramedGround(const Drawing& drawing, const Rect& rect, double radius,
                           drawing.Color(FrameOf(state)));
 }
 
+// A ring of the accent would melt into a control that is filled with it: a line inside parts them.
+void DrawFilledFocus(const Drawing& drawing, const Rect& rect)
+{
+    drawing.painter.Frame(rect, metrics::kCornerRadius * drawing.scale,
+                          SnapUnits(metrics::kFrameWidth, drawing.scale),
+                          drawing.Color(kAccentText));
+}
+
 }  // namespace
 
 double SnapUnits(double units, double scale)
@@ -219,6 +227,9 @@ void DrawButton(const Drawing& drawing, const Rect& rect, kivcore::UStringView l
         }
         case ButtonKind::kConfirming:
             drawing.painter.Fill(place, radius, drawing.Color(AccentOf(state)));
+            if (state.focused) {
+                DrawFilledFocus(drawing, place);
+            }
             break;
         case ButtonKind::kQuiet:
             FillTint(drawing, place, radius, state);
@@ -415,6 +426,9 @@ void DrawCheck(const Drawing& drawing, const Rect& rect, kivcore::UStringView la
         FillTint(drawing, box, radius, state);
     } else {
         drawing.painter.Fill(box, radius, drawing.Color(AccentOf(state)));
+        if (state.focused) {
+            DrawFilledFocus(drawing, box);
+        }
         DrawGlyph(drawing, value == CheckValue::kOn ? Glyph::kCheck : Glyph::kMinus, box,
                   drawing.Color(state.disabled ? kDisabledText : kAccentText));
     }

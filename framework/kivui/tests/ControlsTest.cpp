@@ -201,6 +201,7 @@ std::vector<Control> Controls()
           {"off focused", Check(CheckValue::kOff, Focused())},
           {"off disabled", Check(CheckValue::kOff, Disabled())},
           {"on", Check(CheckValue::kOn, {})},
+          {"on focused", Check(CheckValue::kOn, Focused())},
           {"on pressed", Check(CheckValue::kOn, Pressed())},
           {"on disabled", Check(CheckValue::kOn, Disabled())},
           {"mixed", Check(CheckValue::kMixed, {})}}},

@@ -1,5 +1,6 @@
 #include "framework/kivui/src/ThemeDocument.h"
 
+#include <cmath>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -53,7 +54,7 @@ private:
         std::string text = "(" + std::to_string(static_cast<int>(frame.percent * 10)) + " #";
         for (const float part :
              {frame.color.red, frame.color.green, frame.color.blue, frame.color.alpha}) {
-            const auto byte = static_cast<unsigned>(part * 255.0f + 0.5f);
+            const long byte = std::lround(part * 255.0f);
             text += kDigits[byte / 16];
             text += kDigits[byte % 16];
         }
