@@ -16,8 +16,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         kivcore::xml::SetParserFactory(std::make_unique<kivcore::xml::MSXMLParserFactory>());
     }
     try {
-        const kivui::ui::ThemeDocument document = kivui::ui::ReadThemeDocument(
-            {reinterpret_cast<const char*>(data), size}, "fuzz");
+        const kivui::ui::ThemeDocument document =
+            kivui::ui::ReadThemeDocument({reinterpret_cast<const char*>(data), size}, "fuzz");
         for (const kivui::ui::KeyFrames& frames : document.colors) {
             for (const float percent : {0.0f, 33.3f, 50.0f, 100.0f}) {
                 const kivui::ui::ColorRGBA color = kivui::ui::ColorAt(frames, percent);
