@@ -1,0 +1,39 @@
+#include <gtest/gtest.h>
+
+#include <kivxmp/PhotoFile.h>
+#include <kivxmp/kivxmp_file.h>
+
+#include "framework/kivcore/tests/TestFolder.h"
+#include "tests/JpegBuilder.h"
+
+extern "C" int KivXmpTryPhotoFromC(const char* path, const char* packetPath);
+
+namespace kivxmp {
+namespace {
+
+static_assert(static_cast<int>(PacketPlace::kSidecar) == kKivXmpPlaceSidecar);
+static_assert(static_cast<int>(PacketPlace::kEmbedded) == kKivXmpPlaceEmbedded);
+static_assert(static_cast<int>(SidecarName::kFull) == kKivXmpSidecarFull);
+static_assert(static_cast<int>(SidecarName::kShort) == kKivXmpSidecarShort);
+
+TEST(FileApi, FromC)
+{
+    const kivcore::testing::TestFolder folder;
+    folder.Write("p.jpg", test::Jpeg().Exif().Xmp(test::SmallPacket("t")).Scan().Bytes());
+    EXPECT_EQ(KivXmpTryPhotoFromC(folder.Of("p.jpg").c_str(), folder.Of("out.xmp").c_str()), 0);
+}
+
+TEST(FileApi, OptionsThatMeanNothing)
+{
+    const kivcore::testing::TestFolder folder;
+    folder.Write("p.jpg", test::Jpeg().Scan().Bytes());
+    __XMPMeta__* meta = nullptr;
+    KivXmpOpenOptions options = {static_cast<KivXmpPlace>(9), kKivXmpSidecarAuto};
+    EXPECT_EQ(KivXmpOpenPhoto(folder.Of("p.jpg").c_str(), &options, &meta), kKivXmpBadArgument);
+    options = {kKivXmpPlaceAuto, static_cast<KivXmpSidecar>(-1)};
+    EXPECT_EQ(KivXmpOpenPhoto(folder.Of("p.jpg").c_str(), &options, &meta), kKivXmpBadArgument);
+    EXPECT_EQ(meta, nullptr);
+}
+
+}  // namespace
+}  // namespace kivxmp

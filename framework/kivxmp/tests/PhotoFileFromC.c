@@ -1,0 +1,62 @@
+/* The C interface to files, used from C: opens the photo at `path`, sets its title, saves it twice,
+ * and writes the packet to `packetPath`. Returns 0, or the line of the first surprise. */
+
+#include <kivxmp/kivxmp_file.h>
+
+#include <string.h>
+
+#define EXPECT(condition)    \
+    do {                     \
+        if (!(condition)) {  \
+            return __LINE__; \
+        }                    \
+    } while (0)
+
+int KivXmpTryPhotoFromC(const char* path, const char* packetPath)
+{
+    __XMPMeta__* meta = NULL;
+    KivXmpPhotoInfo info;
+    KivXmpOpenOptions options = {kKivXmpPlaceEmbedded, kKivXmpSidecarAuto};
+    char* text = NULL;
+    int written = 7;
+
+    EXPECT(KivXmpOpenPhoto(NULL, NULL, &meta) == kKivXmpBadArgument);
+    EXPECT(KivXmpOpenPhoto(path, NULL, NULL) == kKivXmpBadArgument);
+    EXPECT(KivXmpOpenPhoto("/nonexistent/p.jpg", NULL, &meta) == kKivXmpFileNotFound);
+    EXPECT(meta == NULL && strstr(KivXmpLastErrorText(), "/nonexistent/p.jpg: ") != NULL);
+
+    EXPECT(KivXmpOpenPhoto(path, &options, &meta) == kKivXmpOk);
+    EXPECT(strcmp(KivXmpLastErrorText(), "") == 0);
+    EXPECT(KivXmpGetPhotoInfo(meta, &info) == kKivXmpOk);
+    EXPECT(strcmp(info.format, "JPEG") == 0 && strcmp(info.packetPath, path) == 0);
+    EXPECT(info.place == kKivXmpPlaceEmbedded && info.packetFound == 1 && info.canSave == 1);
+    EXPECT(info.packetOffset > 0 && info.packetBytes > 0);
+    EXPECT(strcmp(info.reason, "") == 0 && strcmp(info.note, "") == 0);
+
+    EXPECT(KivXmpSavePhoto(meta, &written) == kKivXmpOk && written == 0);
+    EXPECT(KivXmpSetText(meta, "dc:title[@x-default]", "from C") == kKivXmpOk);
+    EXPECT(KivXmpSavePhoto(meta, &written) == kKivXmpOk && written == 1);
+    EXPECT(KivXmpSetText(meta, "dc:title[@de]", "aus C") == kKivXmpOk);
+    EXPECT(KivXmpSavePhoto(meta, NULL) == kKivXmpOk);
+    EXPECT(KivXmpWritePacket(meta, packetPath) == kKivXmpOk);
+    EXPECT(KivXmpWritePacket(meta, path) == kKivXmpFileUnsupported);
+    EXPECT(KivXmpWritePacket(meta, NULL) == kKivXmpBadArgument);
+    KivXmpRelease(meta);
+
+    EXPECT(KivXmpOpenPhoto(packetPath, NULL, &meta) == kKivXmpOk);
+    EXPECT(KivXmpGetText(meta, "dc:title[@de]", &text) == kKivXmpOk && strcmp(text, "aus C") == 0);
+    KivXmpFree(text);
+    KivXmpRelease(meta);
+
+    EXPECT(KivXmpCreate(&meta) == kKivXmpOk);
+    memset(&info, 0xFF, sizeof info);
+    EXPECT(KivXmpGetPhotoInfo(meta, &info) == kKivXmpBadArgument);
+    EXPECT(strcmp(info.reason, "") == 0 && info.canSave == 0);
+    EXPECT(KivXmpSavePhoto(meta, &written) == kKivXmpBadArgument && written == 0);
+    EXPECT(KivXmpWritePacket(meta, packetPath) == kKivXmpNoPacket);
+    EXPECT(KivXmpSavePhoto(NULL, &written) == kKivXmpBadArgument);
+    EXPECT(KivXmpGetPhotoInfo(NULL, &info) == kKivXmpBadArgument);
+    EXPECT(KivXmpGetPhotoInfo(meta, NULL) == kKivXmpBadArgument);
+    KivXmpRelease(meta);
+    return 0;
+}
