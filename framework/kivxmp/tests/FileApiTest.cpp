@@ -28,9 +28,9 @@ TEST(FileApi, OptionsThatMeanNothing)
     const kivcore::testing::TestFolder folder;
     folder.Write("p.jpg", test::Jpeg().Scan().Bytes());
     __XMPMeta__* meta = nullptr;
-    KivXmpOpenOptions options = {static_cast<KivXmpPlace>(9), kKivXmpSidecarAuto};
+    KivXmpOpenOptions options = {9, kKivXmpSidecarAuto};
     EXPECT_EQ(KivXmpOpenPhoto(folder.Of("p.jpg").c_str(), &options, &meta), kKivXmpBadArgument);
-    options = {kKivXmpPlaceAuto, static_cast<KivXmpSidecar>(-1)};
+    options = {kKivXmpPlaceAuto, -1};
     EXPECT_EQ(KivXmpOpenPhoto(folder.Of("p.jpg").c_str(), &options, &meta), kKivXmpBadArgument);
     EXPECT_EQ(meta, nullptr);
 }

@@ -10,29 +10,30 @@
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
-#include <cstdlib>
-#include <functional>
+#include <cstdio>
 #include <string>
 
+#include "framework/kivcore/tests/ChildProcess_posix.h"
 #include "framework/kivcore/tests/TestFolder.h"
 #include "tests/JpegBuilder.h"
 
 namespace kivxmp {
 namespace {
 
+using namespace std::string_literals;
 using kivcore::filesupport::FileStep;
 using kivcore::filesupport::kKillProcess;
 using kivcore::filesupport::SetFileFault;
+using kivcore::testing::RunInChild;
+using kivcore::testing::RunUnprivileged;
 using test::Jpeg;
 using test::SmallPacket;
 using ::testing::ElementsAre;
 
 constexpr char kTitle[] = "dc:title[@x-default]";
-constexpr unsigned kNobody = 65534;
 
 // Sanitizers keep memory of their own.
 #if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
@@ -46,35 +47,6 @@ constexpr bool kMemoryIsOurs = true;
 #else
 constexpr bool kMemoryIsOurs = true;
 #endif
-
-/// Runs `work` in a process of its own; its result, or -1 where it was ended.
-int InChild(const std::function<int()>& work)
-{
-    const pid_t child = fork();
-    if (child == 0) {
-        int result = 99;
-        try {
-            result = work();
-        } catch (...) {
-            result = 98;
-        }
-        _exit(result);
-    }
-    int status = 0;
-    waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
-/// The same as a user without rights; run as one already, it runs as that one.
-int AsNobody(const std::function<int()>& work)
-{
-    return InChild([&] {
-        if (geteuid() == 0 && (setgid(kNobody) != 0 || setuid(kNobody) != 0)) {
-            return 97;
-        }
-        return work();
-    });
-}
 
 class PhotoFilePosixTest : public ::testing::Test {
 protected:
@@ -131,37 +103,37 @@ TEST_F(PhotoFilePosixTest, RefusedByTheSystem)
     // owner who runs this without such a user takes the write permission away from itself.)
     ASSERT_EQ(chmod(folder_.Folder().c_str(), 0777), 0);
     ASSERT_EQ(chmod(path.c_str(), administrator ? 0644 : 0444), 0);
-    EXPECT_EQ(AsNobody([&] {
+    EXPECT_EQ(RunUnprivileged([&] {
                   // The proof that the system refuses a plain write.
                   if (open(path.c_str(), O_WRONLY) != -1 || errno != EACCES) {
-                      return 95;
+                      return "a plain write is not refused"s;
                   }
-                  return Retitle("p.jpg");
+                  return std::to_string(Retitle("p.jpg"));
               }),
-              kKivXmpFileReadOnly);
+              std::to_string(kKivXmpFileReadOnly));
     EXPECT_TRUE(folder_.Read("p.jpg") == photo_);
 
     // A file that may be written, in a folder that takes no new file.
     ASSERT_EQ(chmod(path.c_str(), 0666), 0);
     ASSERT_EQ(chmod(folder_.Folder().c_str(), administrator ? 0755 : 0555), 0);
-    EXPECT_EQ(AsNobody([&] {
+    EXPECT_EQ(RunUnprivileged([&] {
                   if (open(beside.c_str(), O_WRONLY | O_CREAT, 0600) != -1 || errno != EACCES) {
-                      return 95;
+                      return "a plain new file is not refused"s;
                   }
-                  return Retitle("p.jpg");
+                  return std::to_string(Retitle("p.jpg"));
               }),
-              kKivXmpFileUnwritable);
+              std::to_string(kKivXmpFileUnwritable));
     EXPECT_TRUE(folder_.Read("p.jpg") == photo_);
 
     // A file that may not even be read.
     ASSERT_EQ(chmod(path.c_str(), 0200), 0);
-    EXPECT_EQ(AsNobody([&] {
+    EXPECT_EQ(RunUnprivileged([&] {
                   if (open(path.c_str(), O_RDONLY) != -1 || errno != EACCES) {
-                      return 95;
+                      return "plain reading is not refused"s;
                   }
-                  return Retitle("p.jpg");
+                  return std::to_string(Retitle("p.jpg"));
               }),
-              kKivXmpFileUnreadable);
+              std::to_string(kKivXmpFileUnreadable));
     ASSERT_EQ(chmod(folder_.Folder().c_str(), 0755), 0);
     ASSERT_EQ(chmod(path.c_str(), 0644), 0);
     EXPECT_TRUE(folder_.Read("p.jpg") == photo_);
@@ -191,11 +163,12 @@ TEST_F(PhotoFilePosixTest, Killed)
             SCOPED_TRACE(testing::Message()
                          << "step " << static_cast<int>(step) << ", occurrence " << countdown);
             folder_.Write("p.jpg", photo_);
-            const int result = InChild([&] {
+            const auto outcome = RunInChild([&](int) {
                 SetFileFault(step, kKillProcess, countdown);
                 return Retitle("p.jpg");
             });
-            if (result == 0) {
+            if (!outcome.WasKilled()) {
+                EXPECT_TRUE(outcome.Succeeded());
                 break;
             }
             ++kills;
@@ -218,19 +191,20 @@ TEST_F(PhotoFilePosixTest, MemoryDoesNotGrowWithThePhoto)
     folder_.Write("big.jpg", photo);
     photo = std::string();
     // A first save in the same process: what is loaded and kept anyway is not the photo's.
-    const int kib = InChild([&] {
+    const auto outcome = RunInChild([&](int out) {
         rusage before{};
         rusage after{};
         if (Retitle("small.jpg") != 0 || getrusage(RUSAGE_SELF, &before) != 0 ||
             Retitle("big.jpg") != 0 || getrusage(RUSAGE_SELF, &after) != 0) {
-            return 255;
+            return 1;
         }
-        return static_cast<int>(std::min((after.ru_maxrss - before.ru_maxrss) / 16, 254L));
+        dprintf(out, "%ld", after.ru_maxrss - before.ru_maxrss);
+        return 0;
     });
+    EXPECT_TRUE(outcome.Succeeded());
     EXPECT_EQ(Title("big.jpg"), "edited");
-    EXPECT_NE(kib, 255);
     if (kMemoryIsOurs) {
-        EXPECT_LE(kib * 16, 2048);
+        EXPECT_LE(std::stol(outcome.text), 2048);
     }
 }
 

@@ -37,8 +37,8 @@ typedef enum KivXmpSidecar {
 } KivXmpSidecar;
 
 typedef struct KivXmpOpenOptions {
-    KivXmpPlace place;
-    KivXmpSidecar sidecar;
+    int place;   /* KivXmpPlace */
+    int sidecar; /* KivXmpSidecar */
 } KivXmpOpenOptions;
 
 /* What was found in a file, and what can be done with it. Texts are never null, and valid until
@@ -57,8 +57,9 @@ typedef struct KivXmpPhotoInfo {
 
 /* Reads the packet of the photo at `path`; a file named .xmp is a sidecar itself. The object has no
  * properties if there is no packet yet. Of a photo only the part before its image data is read.
- * `options` may be null: all Auto. Fails with a code from kKivXmpFileNotFound on for the file, with
- * one below for the packet. */
+ * `options` may be null: all Auto;
+ * other numbers than those above give kKivXmpBadArgument. Fails with a code from
+ * kKivXmpFileNotFound on for the file, with one below for the packet. */
 KIVXMP_API KivXmpCode KivXmpOpenPhoto(const char* path, const KivXmpOpenOptions* options,
                                       __XMPMeta__** meta);
 
