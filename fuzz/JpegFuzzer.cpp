@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "src/JpegFile.h"
+#include "framework/kivxmp/src/JpegFile.h"
 
 using namespace kivxmp::photo;
 

@@ -1,9 +1,9 @@
-#include "src/ByteSource.h"
+#include "framework/kivxmp/src/ByteSource.h"
 
 #include <algorithm>
 #include <cstring>
 
-#include "src/PhotoFormat.h"
+#include "framework/kivxmp/src/PhotoFormat.h"
 
 namespace kivxmp::photo {
 

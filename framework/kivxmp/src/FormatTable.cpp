@@ -3,8 +3,8 @@
 
 #include <array>
 
-#include "src/JpegFile.h"
-#include "src/PhotoFormat.h"
+#include "framework/kivxmp/src/JpegFile.h"
+#include "framework/kivxmp/src/PhotoFormat.h"
 
 namespace kivxmp::photo {
 

@@ -1,10 +1,10 @@
-#include "src/JpegFile.h"
+#include "framework/kivxmp/src/JpegFile.h"
 
 #include <algorithm>
 #include <array>
 #include <optional>
 
-#include "src/MultiPictureIndex.h"
+#include "framework/kivxmp/src/MultiPictureIndex.h"
 
 namespace kivxmp::photo {
 

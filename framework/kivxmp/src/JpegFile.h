@@ -3,7 +3,7 @@
 
 #pragma once
 
-#include "src/PhotoFormat.h"
+#include "framework/kivxmp/src/PhotoFormat.h"
 
 #include <cstddef>
 #include <memory>

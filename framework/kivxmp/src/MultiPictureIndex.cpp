@@ -1,4 +1,4 @@
-#include "src/MultiPictureIndex.h"
+#include "framework/kivxmp/src/MultiPictureIndex.h"
 
 #include <cstddef>
 #include <limits>

@@ -8,8 +8,8 @@
 #include <exception>
 #include <utility>
 
-#include "src/PhotoOrigin.h"
-#include "src/SidecarFile.h"
+#include "framework/kivxmp/src/PhotoOrigin.h"
+#include "framework/kivxmp/src/SidecarFile.h"
 
 namespace kivxmp {
 
@@ -339,14 +339,6 @@ private:
     std::unique_ptr<__XMPMeta__> writtenObject_;
 };
 
-const PhotoOrigin& RequireOrigin(const std::shared_ptr<PhotoOrigin>& origin)
-{
-    if (origin == nullptr) {
-        throw XMP_Error(kKivXmpBadArgument, "the XMP object was not opened from a file");
-    }
-    return *origin;
-}
-
 }  // namespace
 
 void PhotoOrigin::Note(std::unique_ptr<PhotoFormat> newFormat,
@@ -363,9 +355,13 @@ void PhotoOrigin::Note(std::unique_ptr<PhotoFormat> newFormat,
     info.reason.clear();
 }
 
-std::shared_ptr<PhotoOrigin> PhotoOriginOf(const __XMPMeta__& meta)
+PhotoOrigin& RequirePhotoOrigin(const __XMPMeta__& meta)
 {
-    return std::dynamic_pointer_cast<PhotoOrigin>(meta.GetOrigin());
+    auto* const origin = dynamic_cast<PhotoOrigin*>(meta.GetOrigin().get());
+    if (origin == nullptr) {
+        throw XMP_Error(kKivXmpBadArgument, "the XMP object was not opened from a file");
+    }
+    return *origin;
 }
 
 void ThrowAsXMPError(const UString& path, FileUse use)
@@ -392,26 +388,25 @@ std::unique_ptr<__XMPMeta__> OpenPhoto(const UString& path, const OpenOptions& o
 
 PhotoInfo GetPhotoInfo(const __XMPMeta__& meta)
 {
-    return RequireOrigin(PhotoOriginOf(meta)).info;
+    return RequirePhotoOrigin(meta).info;
 }
 
 SaveResult SavePhoto(__XMPMeta__& meta)
 {
-    const std::shared_ptr<PhotoOrigin> origin = PhotoOriginOf(meta);
-    RequireOrigin(origin);
+    PhotoOrigin& origin = RequirePhotoOrigin(meta);
     if (!meta.IsChanged()) {
         return SaveResult::kNothingToSave;
     }
     try {
-        Save save(meta, *origin);
+        Save save(meta, origin);
         const FileIdentity identity = save.Run();
-        origin->Note(save.TakeFormat(), identity);
+        origin.Note(save.TakeFormat(), identity);
         const std::unique_ptr<__XMPMeta__> saved = save.TakeObject();
-        saved->SetOrigin(origin);
+        saved->SetOrigin(meta.GetOrigin());
         meta.Swap(*saved);
         return SaveResult::kSaved;
     } catch (const std::exception&) {
-        ThrowAsXMPError(origin->info.packetPath, FileUse::kWrite);
+        ThrowAsXMPError(origin.info.packetPath, FileUse::kWrite);
     }
 }
 
@@ -422,6 +417,7 @@ void WritePacket(const __XMPMeta__& meta, const UString& path)
     }
     const std::string packet = meta.Serialize();
     try {
+        RefusePhoto(path);
         ReplaceFile(path, [&](OutputFile& out) { out.Write(packet.data(), packet.size()); }, {});
     } catch (const std::exception&) {
         ThrowAsXMPError(path, FileUse::kWrite);

@@ -1,4 +1,4 @@
-#include "src/PhotoFormat.h"
+#include "framework/kivxmp/src/PhotoFormat.h"
 
 #include <algorithm>
 

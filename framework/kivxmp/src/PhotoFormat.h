@@ -4,7 +4,7 @@
 
 #pragma once
 
-#include "src/ByteSource.h"
+#include "framework/kivxmp/src/ByteSource.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -11,7 +11,7 @@
 #include <optional>
 #include <string>
 
-#include "src/PhotoFormat.h"
+#include "framework/kivxmp/src/PhotoFormat.h"
 
 namespace kivxmp {
 
@@ -33,8 +33,8 @@ public:
     std::optional<photo::PhotoError> refusal;
 };
 
-/// Null for an object that was not opened from a file.
-std::shared_ptr<PhotoOrigin> PhotoOriginOf(const __XMPMeta__& meta);
+/// Belongs to the object. Throws kKivXmpBadArgument for one that was not opened from a file.
+PhotoOrigin& RequirePhotoOrigin(const __XMPMeta__& meta);
 
 /// Inside a catch block: throws an XMP_Error that names the file for what files and formats throw,
 /// and anything else as it is.

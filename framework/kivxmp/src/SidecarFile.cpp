@@ -1,4 +1,4 @@
-#include "src/SidecarFile.h"
+#include "framework/kivxmp/src/SidecarFile.h"
 
 #include <kivcore/Dir.h>
 

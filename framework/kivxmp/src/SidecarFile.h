@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include "src/PhotoFormat.h"
+#include "framework/kivxmp/src/PhotoFormat.h"
 
 #include <kivcore/UString.h>
 

@@ -4,7 +4,7 @@
 #include <kivxmp/kivxmp_file.h>
 
 #include "framework/kivcore/tests/TestFolder.h"
-#include "tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/JpegBuilder.h"
 
 extern "C" int KivXmpTryPhotoFromC(const char* path, const char* packetPath);
 

@@ -1,4 +1,4 @@
-#include "tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/JpegBuilder.h"
 
 #include <stdexcept>
 

@@ -1,4 +1,4 @@
-#include "src/JpegFile.h"
+#include "framework/kivxmp/src/JpegFile.h"
 
 #include <gtest/gtest.h>
 
@@ -7,8 +7,8 @@
 #include <string>
 #include <string_view>
 
-#include "src/MultiPictureIndex.h"
-#include "tests/JpegBuilder.h"
+#include "framework/kivxmp/src/MultiPictureIndex.h"
+#include "framework/kivxmp/tests/JpegBuilder.h"
 
 namespace kivxmp::photo {
 namespace {

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "framework/kivcore/tests/TestFolder.h"
-#include "tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/JpegBuilder.h"
 
 namespace kivxmp {
 namespace {

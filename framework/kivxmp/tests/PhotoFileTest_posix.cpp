@@ -18,7 +18,7 @@
 
 #include "framework/kivcore/tests/ChildProcess_posix.h"
 #include "framework/kivcore/tests/TestFolder.h"
-#include "tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/JpegBuilder.h"
 
 namespace kivxmp {
 namespace {

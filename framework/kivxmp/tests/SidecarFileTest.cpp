@@ -1,4 +1,4 @@
-#include "src/SidecarFile.h"
+#include "framework/kivxmp/src/SidecarFile.h"
 
 #include <gmock/gmock.h>
 
@@ -9,7 +9,7 @@
 #include <string>
 
 #include "framework/kivcore/tests/TestFolder.h"
-#include "tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/JpegBuilder.h"
 
 namespace kivxmp {
 namespace {

@@ -1,0 +1,134 @@
+#!/usr/bin/env python3
+"""Edits real photographs and reads them back with independent readers: exiv2, ExifTool, and our own
+reader in Python.
+
+usage: photo_readback_test.py EDITOR
+
+EDITOR is kivxmp_photo_editor. The photographs are those of sample_photo.sh.
+"""
+
+import json
+import os
+import shutil
+import subprocess
+import sys
+import tempfile
+import unittest
+
+FOLDER = os.path.dirname(os.path.abspath(__file__))
+EDITOR = ""
+EDITS = {"dc:title[@x-default]": "Blinds, \u00e9t\u00e9 \u6d77", "xmp:Rating": "4"}
+
+
+def output(*command, status=0):
+    result = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
+    if result.returncode != status:
+        raise AssertionError("%s: %s" % (" ".join(command), result.stderr.decode()))
+    return result.stdout.decode("utf-8", "surrogateescape")
+
+
+def script(name, *arguments):
+    return output(sys.executable, os.path.join(FOLDER, name), *arguments)
+
+
+def listed_by_exiv2(photo):
+    """All that exiv2 sees but the packet as a whole."""
+    # 1 is how it ends where one of the kinds is missing.
+    result = subprocess.run(["exiv2", "-pa", photo], stdout=subprocess.PIPE, check=False)
+    lines = result.stdout.decode("utf-8", "surrogateescape").splitlines()
+    return {line for line in lines if not line.startswith("Exif.Image.XMLPacket")}
+
+
+def listed_by_exiftool(photo):
+    """All that ExifTool sees in the file but what changes with every file."""
+    values = json.loads(output("exiftool", "-j", "-a", "-G1", "-struct", photo))[0]
+    skipped = ("SourceFile", "System:", "ExifTool:")
+    return {key: value for key, value in values.items() if not key.startswith(skipped)}
+
+
+class RealPhotos(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.TemporaryDirectory()
+        self.addCleanup(self.folder.cleanup)
+
+    def sample(self, kind):
+        photo = output(os.path.join(FOLDER, "sample_photo.sh"), kind).strip()
+        before = shutil.copyfile(photo, os.path.join(self.folder.name, "before.jpg"))
+        return before, shutil.copyfile(photo, os.path.join(self.folder.name, "after.jpg"))
+
+    def edit(self, photo):
+        edits = ["%s=%s" % edit for edit in EDITS.items()]
+        self.assertEqual(output(EDITOR, photo, *edits), "saved\n")
+        self.assertEqual(output(EDITOR, photo, *edits), "nothing to save\n")
+
+    def check(self, before, after):
+        self.assertIn("equal: ", script("photo_equal.py", before, after))
+
+        # exiv2: the edit in the packet, all other lines as before.
+        packet = output("exiv2", "-px", after)
+        self.assertIn("Xmp.dc.title", packet)
+        self.assertIn('lang="x-default" ' + EDITS["dc:title[@x-default]"], packet)
+        added = listed_by_exiv2(after) - listed_by_exiv2(before)
+        self.assertEqual(sorted(line.split()[0] for line in added), ["Xmp.dc.title", "Xmp.xmp.Rating"])
+        self.assertEqual(listed_by_exiv2(before) - listed_by_exiv2(after), set())
+
+        # ExifTool, which warns of whatever it finds strange.
+        old, new = listed_by_exiftool(before), listed_by_exiftool(after)
+        self.assertEqual(new.pop("XMP-dc:Title"), EDITS["dc:title[@x-default]"])
+        self.assertEqual(new.pop("XMP-xmp:Rating"), 4)
+        self.assertEqual(new, old)
+
+    def test_with_a_packet_of_another_program(self):
+        before, after = self.sample("with-packet")
+        properties = script("xmp_reader.py", before).splitlines()
+        self.assertGreaterEqual(len(properties), 3)
+        self.edit(after)
+        self.check(before, after)
+        fresh = [line for line in script("xmp_reader.py", after).splitlines() if line not in properties]
+        self.assertEqual(
+            fresh,
+            [
+                "dc:title[@x-default]\t" + EDITS["dc:title[@x-default]"],
+                "dc:title[@x-default]/?xml:lang\tx-default",
+                "xmp:Rating\t4",
+            ],
+        )
+
+    def test_without_a_packet(self):
+        before, after = self.sample("without-packet")
+        self.edit(after)
+        self.check(before, after)
+        # The packet stands right behind the Exif segment.
+        with open(after, "rb") as file:
+            data = file.read(70000)
+        exif = data.index(b"Exif\0\0") - 4
+        end = exif + 2 + int.from_bytes(data[exif + 2 : exif + 4], "big")
+        self.assertEqual(data[end + 4 : end + 33], b"http://ns.adobe.com/xap/1.0/\0")
+
+    def test_after_another_editor(self):
+        before, after = self.sample("without-packet")
+        for photo in (before, after):
+            output("exiftool", "-q", "-overwrite_original", "-XMP-dc:Subject=sea", photo)
+        self.edit(after)
+        self.check(before, after)
+        # And that editor goes on with our file.
+        output("exiftool", "-q", "-overwrite_original", "-XMP-dc:Format=image/jpeg", after)
+        self.assertEqual(output(EDITOR, after), "nothing to save\n")
+        self.assertIn("dc:format\timage/jpeg\n", script("xmp_reader.py", after))
+
+    def test_many_rounds(self):
+        before, after = self.sample("with-packet")
+        self.edit(after)
+        size = os.path.getsize(after)
+        for number in range(10, 40):
+            output(EDITOR, after, "dc:source=%d" % number)
+            if number == 10:
+                size = os.path.getsize(after)
+            self.assertEqual(os.path.getsize(after), size)
+        self.assertIn("equal: ", script("photo_equal.py", before, after))
+        self.assertEqual(sorted(os.listdir(self.folder.name)), ["after.jpg", "before.jpg"])
+
+
+if __name__ == "__main__":
+    EDITOR = sys.argv.pop(1)
+    unittest.main()
