@@ -36,8 +36,9 @@ const std::string kHeader = "MM\0*\0\0\0\x08"s;
 const std::string kList = "\xB0\x02\0\x07\0\0\0\x20\0\0\0\x1A"s;  // 32 bytes at 26
 const std::string kNoNext = "\0\0\0\0"s;
 // Lengths 500 and 40; the second lies 600 behind the index's beginning.
-const std::string kPictures =
-    "aaaa\0\0\x01\xF4\0\0\0\0dddd"s + "aaaa\0\0\0\x28\0\0\x02\x58" + "dddd";
+const std::string kPictures = "aaaa\0\0\x01\xF4\0\0\0\0dddd"s +
+                              "aaaa\0\0\0\x28\0\0\x02\x58"
+                              "dddd"s;
 
 struct IndexCase {
     const char* name;
