@@ -28,7 +28,7 @@ struct Module {
     bool isToolkitStarted = false;
     bool isDialogOpen = false;
     RunningDialog* dialog = nullptr;  // while its loop runs
-    bool stopsLater = false;  // Terminate was called while a dialog was open
+    bool stopsLater = false;          // Terminate was called while a dialog was open
 };
 
 Module& TheModule()

@@ -1,0 +1,481 @@
+#include <kivmetadataui/MetadataDialog.h>
+
+#include <functional>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+#include "framework/kivmetadataui/src/ToolkitInForce.h"
+#include "framework/kivmetadataui/tests/FakeToolkit.h"
+#include "framework/kivmetadataui/tests/Samples.h"
+
+#include <gtest/gtest.h>
+#include <kivcore/Config.h>
+#include <kivcore/ErrorManager.h>
+#include <kivcore/LastFailure.h>
+#include <kivcore/Xml.h>
+#include <kivmetadata/Definitions.h>
+#include <kivmetadata/Provider.h>
+#include <kivmetadataui/DialogDriver.h>
+
+namespace kivmetadataui {
+namespace {
+
+constexpr char kSample[] = "<photoshop:City>Bonn</photoshop:City>";
+
+class Provider : public kivmetadata::TypicalProviderImpl {
+public:
+    explicit Provider(__XMPMeta__* meta) : TypicalProviderImpl(meta) {}
+    bool CanWriteChanges() const override { return canWrite; }
+    void ChangesWritten() override
+    {
+        ++written;
+        if (onWritten) {
+            onWritten();
+        }
+    }
+    void DoWriteChanges(const __XMPMeta__& changed) override
+    {
+        if (refuses) {
+            throw XMP_Error(kKivXmpBadValue, "the object refuses");
+        }
+        TypicalProviderImpl::DoWriteChanges(changed);
+    }
+    std::function<void()> onWritten;
+    bool canWrite = true;
+    bool refuses = false;
+    int written = 0;
+};
+
+class MetadataDialogTest : public testing::Test {
+protected:
+    void SetUp() override
+    {
+        kivcore::config::Initialize({});
+        kivcore::xml::SetParserFactory(std::make_unique<kivcore::xml::MSXMLParserFactory>());
+        SetToolkitModule(&toolkit_);
+        Initialize();
+        meta_ = samples::Parse(kSample);
+        provider_ = std::make_shared<Provider>(meta_.get());
+    }
+    void TearDown() override
+    {
+        Terminate();
+        SetToolkitModule(nullptr);
+        DialogDriver::Unregister();
+        kivcore::xml::ResetParserFactory();
+        kivcore::config::Terminate(nullptr);
+    }
+
+    bool Show(std::function<DialogResult(DialogSession&)> onRun = {}, std::uint32_t flags = 0)
+    {
+        toolkit_.onRun = std::move(onRun);
+        MetadataDialogParameters parameters;
+        parameters.title = u"sea.jpg";
+        parameters.flags = flags;
+        return DoMetadataDialog(provider_, nullptr, parameters);
+    }
+    bool IsUntouched() const { return meta_->Serialize() == samples::Packet(kSample); }
+
+    FakeToolkit toolkit_;
+    std::unique_ptr<__XMPMeta__> meta_;
+    std::shared_ptr<Provider> provider_;
+};
+
+TextField& CityOf(DialogSession& session)
+{
+    return static_cast<TextField&>(*session.Model().FindField("photoshop:City"));
+}
+
+std::string Failure()
+{
+    return KivLastFailureText();
+}
+
+TEST_F(MetadataDialogTest, ModuleInfo)
+{
+    EXPECT_EQ(ModuleInfo::Get().name, "kivmetadataui");
+    EXPECT_FALSE(ModuleInfo::Get().version.empty());
+}
+
+TEST_F(MetadataDialogTest, ConfirmWritesTheChanges)
+{
+    EXPECT_TRUE(Show([](DialogSession& session) {
+        EXPECT_EQ(session.Model().WindowTitle(), u"sea.jpg");
+        CityOf(session).SetText(u"Köln");
+        EXPECT_TRUE(session.Confirm());
+        return DialogResult::kConfirmed;
+    }));
+    EXPECT_EQ(meta_->Find("photoshop:City")->Value(), "Köln");
+    EXPECT_EQ(provider_->written, 1);
+    EXPECT_EQ(DialogDriver::LastChanges(),
+              (std::vector<DialogChange>{{"photoshop:City", "\"Bonn\"", "\"Köln\""}}));
+    EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(MetadataDialogTest, CancelLeavesTheObjectUntouched)
+{
+    kivcore::SetLastFailureText("from before");
+    EXPECT_FALSE(Show([](DialogSession& session) {
+        CityOf(session).SetText(u"Köln");
+        return DialogResult::kCancelled;
+    }));
+    EXPECT_TRUE(IsUntouched());
+    EXPECT_EQ(provider_->written, 0);
+    EXPECT_TRUE(DialogDriver::LastChanges().empty());
+    EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(MetadataDialogTest, ConfirmWithoutChangesWritesNothing)
+{
+    EXPECT_TRUE(Show([](DialogSession& session) {
+        CityOf(session).SetText(u"Köln");
+        CityOf(session).SetText(u"Bonn");
+        EXPECT_TRUE(session.Confirm());
+        return DialogResult::kConfirmed;
+    }));
+    EXPECT_TRUE(IsUntouched());
+    EXPECT_EQ(provider_->written, 0);
+}
+
+TEST_F(MetadataDialogTest, AnErrorKeepsTheDialogOpen)
+{
+    EXPECT_FALSE(Show([](DialogSession& session) {
+        auto& date = static_cast<DateField&>(*session.Model().FindField("xmp:CreateDate"));
+        date.SetText(u"2024-02-31");
+        EXPECT_FALSE(session.Confirm());
+        EXPECT_TRUE(date.HasError());
+        EXPECT_FALSE(session.Model().Message().empty());
+        EXPECT_EQ(session.Model().FirstError()->field, &date);
+        return DialogResult::kCancelled;
+    }));
+    EXPECT_TRUE(IsUntouched());
+}
+
+TEST_F(MetadataDialogTest, ARefusedWriteKeepsTheDialogOpen)
+{
+    provider_->refuses = true;
+    EXPECT_FALSE(Show([](DialogSession& session) {
+        CityOf(session).SetText(u"Köln");
+        EXPECT_FALSE(session.Confirm());
+        EXPECT_EQ(samples::Utf8(session.Model().Message()),
+                  "That did not work: the object refuses");
+        return DialogResult::kCancelled;
+    }));
+    EXPECT_TRUE(IsUntouched());
+    EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(MetadataDialogTest, ReadOnlyConfirmsNothing)
+{
+    const auto onRun = [](DialogSession& session) {
+        CityOf(session).SetText(u"Köln");
+        EXPECT_FALSE(session.Model().CanConfirm());
+        EXPECT_FALSE(session.Confirm());
+        return DialogResult::kCancelled;
+    };
+    EXPECT_FALSE(Show(onRun, kReadOnly));
+    provider_->canWrite = false;
+    EXPECT_FALSE(Show(onRun));
+    EXPECT_TRUE(IsUntouched());
+}
+
+TEST_F(MetadataDialogTest, PlainFlagReachesTheModel)
+{
+    Show([](DialogSession& session) {
+        EXPECT_TRUE(session.Model().FindView("all-properties").has_value());
+        return DialogResult::kCancelled;
+    });
+    Show(
+        [](DialogSession& session) {
+            EXPECT_FALSE(session.Model().FindView("all-properties").has_value());
+            return DialogResult::kCancelled;
+        },
+        kPlain);
+}
+
+// ---- what is refused ----
+
+TEST_F(MetadataDialogTest, RefusesWhatCannotBeShown)
+{
+    MetadataDialogParameters parameters;
+    EXPECT_FALSE(DoMetadataDialog(nullptr, nullptr, parameters));
+    EXPECT_EQ(Failure(), "There is no metadata to show.");
+    EXPECT_FALSE(DoMetadataDialog(std::make_shared<Provider>(nullptr), nullptr, parameters));
+    EXPECT_EQ(Failure(), "There is no metadata to show.");
+    Terminate();
+    EXPECT_FALSE(Show());
+    EXPECT_EQ(Failure(), "The dialog is not initialized.");
+    EXPECT_EQ(toolkit_.log, "") << "the toolkit is not touched";
+}
+
+TEST_F(MetadataDialogTest, NestedCallsAreRefused)
+{
+    EXPECT_TRUE(Show([this](DialogSession& session) {
+        const FakeToolkit* const toolkit = &toolkit_;
+        const std::string logBefore = toolkit->log;
+        EXPECT_FALSE(DoMetadataDialog(provider_, nullptr, {}));
+        EXPECT_EQ(Failure(), "A metadata dialog is open already.");
+        EXPECT_EQ(toolkit->log, logBefore);
+        EXPECT_TRUE(session.Confirm());
+        return DialogResult::kConfirmed;
+    }));
+    EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(MetadataDialogTest, AToolkitThatDoesNotStart)
+{
+    toolkit_.startFailure = "no display";
+    EXPECT_FALSE(Show());
+    EXPECT_EQ(Failure(), "no display");
+    EXPECT_EQ(toolkit_.log, "start\n");
+    Terminate();
+    EXPECT_EQ(toolkit_.log, "start\n") << "what did not start is not stopped";
+    Initialize();
+    toolkit_.startFailure.clear();
+    EXPECT_FALSE(Show());
+    EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(MetadataDialogTest, AWindowThatCannotBeMade)
+{
+    EXPECT_FALSE(
+        Show([](DialogSession&) -> DialogResult { throw std::runtime_error("no window"); }));
+    EXPECT_EQ(Failure(), "no window");
+    EXPECT_FALSE(Show());
+    EXPECT_EQ(Failure(), "") << "the next dialog is not held up";
+}
+
+TEST_F(MetadataDialogTest, InitializeNeedsTheFramework)
+{
+    Terminate();
+    kivcore::config::Terminate(nullptr);
+    EXPECT_THROW(Initialize(), std::runtime_error);
+    EXPECT_FALSE(IsInitialized());
+    kivcore::config::Initialize({});
+}
+
+// ---- the toolkit's life ----
+
+TEST_F(MetadataDialogTest, TheToolkitStartsAtTheFirstDialogAndEndsInTerminate)
+{
+    EXPECT_EQ(toolkit_.log, "");
+    Show();
+    Show();
+    EXPECT_EQ(toolkit_.log, "start\nrun\nran\nrun\nran\n");
+    Terminate();
+    Terminate();
+    EXPECT_EQ(toolkit_.log, "start\nrun\nran\nrun\nran\nstop\n");
+    Initialize();
+    Show();
+    EXPECT_EQ(toolkit_.log, "start\nrun\nran\nrun\nran\nstop\nstart\nrun\nran\n");
+}
+
+TEST_F(MetadataDialogTest, TerminateFromWithinCancels)
+{
+    std::weak_ptr<Provider> held = provider_;
+    MetadataDialogParameters parameters;
+    toolkit_.onRun = [this, &held](DialogSession& session) {
+        CityOf(session).SetText(u"Köln");
+        session.Run([] { Terminate(); });
+        EXPECT_FALSE(IsInitialized());
+        EXPECT_TRUE(toolkit_.isCancelled);
+        EXPECT_EQ(toolkit_.log, "start\nrun\ncancel\n") << "it is stopped once the loop is left";
+        EXPECT_FALSE(session.Confirm()) << "too late";
+        EXPECT_FALSE(session.Model().Views().empty());
+        EXPECT_FALSE(held.expired());
+        return DialogResult::kCancelled;
+    };
+    EXPECT_FALSE(DoMetadataDialog(std::move(provider_), nullptr, parameters));
+    EXPECT_TRUE(held.expired());
+    EXPECT_EQ(toolkit_.log, "start\nrun\ncancel\nran\nstop\n");
+    EXPECT_TRUE(IsUntouched());
+    EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(MetadataDialogTest, TerminateAndInitializeFromWithin)
+{
+    EXPECT_FALSE(Show([this](DialogSession&) {
+        Terminate();
+        Initialize();
+        EXPECT_FALSE(DoMetadataDialog(provider_, nullptr, {})) << "the old one is still open";
+        return DialogResult::kCancelled;
+    }));
+    EXPECT_TRUE(Show([](DialogSession& session) {
+        EXPECT_TRUE(session.Confirm());
+        return DialogResult::kConfirmed;
+    }));
+    EXPECT_EQ(toolkit_.log, "start\nrun\ncancel\nran\nstop\nstart\nrun\nran\n");
+}
+
+// Once the changes are in the object, the dialog was confirmed, whatever follows.
+TEST_F(MetadataDialogTest, TerminateWhileTheChangesAreWritten)
+{
+    provider_->onWritten = [] { Terminate(); };
+    EXPECT_TRUE(Show([](DialogSession& session) {
+        CityOf(session).SetText(u"Köln");
+        EXPECT_TRUE(session.Confirm());
+        return DialogResult::kConfirmed;
+    }));
+    EXPECT_EQ(meta_->Find("photoshop:City")->Value(), "Köln");
+}
+
+TEST_F(MetadataDialogTest, TerminateForgetsTheChangesAndDefinitions)
+{
+    Show([](DialogSession& session) {
+        CityOf(session).SetText(u"Köln");
+        session.Confirm();
+        return DialogResult::kConfirmed;
+    });
+    EXPECT_FALSE(DialogDriver::LastChanges().empty());
+    EXPECT_FALSE(kivmetadata::CommonViewDefinitions()->empty());
+    Terminate();
+    EXPECT_TRUE(DialogDriver::LastChanges().empty());
+    EXPECT_TRUE(kivmetadata::CommonViewDefinitions()->empty());
+}
+
+// ---- failing callbacks ----
+
+class CountingErrorManager : public kivcore::config::ErrorManager {
+public:
+    int RunAndContain(std::function<int()> function) noexcept override
+    {
+        ++count;
+        return ErrorManager::RunAndContain(std::move(function));
+    }
+    int count = 0;
+};
+
+TEST_F(MetadataDialogTest, CallbacksRunUnderTheErrorManager)
+{
+    const auto manager = std::make_shared<CountingErrorManager>();
+    kivcore::config::SetErrorManager(manager);
+    EXPECT_FALSE(Show([&manager](DialogSession& session) {
+        const int before = manager->count;
+        EXPECT_TRUE(session.Run([] {}));
+        EXPECT_EQ(manager->count, before + 1);
+        return DialogResult::kCancelled;
+    }));
+    kivcore::config::ResetToDefaultErrorManager();
+}
+
+TEST_F(MetadataDialogTest, AFailingCallbackLeavesTheDialogOpenWithAMessage)
+{
+    EXPECT_TRUE(Show([](DialogSession& session) {
+        EXPECT_FALSE(session.Run([] { throw std::runtime_error("broken"); }));
+        EXPECT_EQ(samples::Utf8(session.Model().Message()), "That did not work: broken");
+        EXPECT_FALSE(session.Run([] { throw XMP_Error(kKivXmpBadValue, "bad value"); }));
+        EXPECT_EQ(samples::Utf8(session.Model().Message()), "That did not work: bad value");
+        EXPECT_FALSE(session.Run([] { throw 5; }));
+        EXPECT_EQ(samples::Utf8(session.Model().Message()),
+                  "That did not work: the reason is not known");
+        CityOf(session).SetText(u"Köln");
+        EXPECT_TRUE(session.Confirm());
+        return DialogResult::kConfirmed;
+    }));
+    EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(MetadataDialogTest, AFailingObserverIsContained)
+{
+    class Failing : public DialogModelObserver {
+    public:
+        void FieldChanged(Field&) override { throw std::runtime_error("field"); }
+        void ModelChanged() override { throw std::runtime_error("model"); }
+    };
+    Show([](DialogSession& session) {
+        Failing observer;
+        session.Model().SetObserver(&observer);
+        EXPECT_FALSE(session.Run([&session] { CityOf(session).SetText(u"Köln"); }));
+        EXPECT_FALSE(session.Model().Message().empty());
+        session.Model().SetObserver(nullptr);
+        return DialogResult::kCancelled;
+    });
+}
+
+// ---- scripts ----
+
+/// A loop as the module has it: a step for each painted frame.
+std::function<DialogResult(DialogSession&)> Loop(std::string& log)
+{
+    return [&log](DialogSession& session) {
+        FakeSurface surface(session.Model(), log);
+        std::optional<DialogResult> result;
+        surface.onPress = [&](DialogButton button) {
+            if (button == DialogButton::kCancel) {
+                result = DialogResult::kCancelled;
+            } else if (session.Confirm()) {
+                result = DialogResult::kConfirmed;
+            }
+        };
+        while (!result) {
+            if (!session.RunScriptStep(surface) && !result) {
+                result = DialogResult::kCancelled;
+            }
+        }
+        return *result;
+    };
+}
+
+TEST_F(MetadataDialogTest, AScriptConfirms)
+{
+    DialogDriver::Register(DialogDriver().TypeValue("photoshop:City", "Köln").PressOk());
+    std::string log;
+    EXPECT_TRUE(Show(Loop(log)));
+    EXPECT_EQ(meta_->Find("photoshop:City")->Value(), "Köln");
+    // It is used up.
+    EXPECT_FALSE(Show([](DialogSession& session) {
+        EXPECT_FALSE(session.HasScript());
+        return DialogResult::kCancelled;
+    }));
+}
+
+TEST_F(MetadataDialogTest, AScriptWithoutAPressCancels)
+{
+    DialogDriver::Register(DialogDriver().TypeValue("photoshop:City", "Köln"));
+    std::string log;
+    EXPECT_FALSE(Show(Loop(log)));
+    EXPECT_TRUE(IsUntouched());
+    EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(MetadataDialogTest, AFailedStepCancelsAndSaysWhy)
+{
+    DialogDriver::Register(
+        DialogDriver().TypeValue("photoshop:City", "Köln").TypeValue("dc:nothing", "x").PressOk());
+    std::string log;
+    EXPECT_FALSE(Show(Loop(log)));
+    EXPECT_TRUE(IsUntouched());
+    EXPECT_EQ(Failure(), "There is no field for “dc:nothing”.");
+    EXPECT_EQ(log.find("press"), std::string::npos);
+}
+
+TEST_F(MetadataDialogTest, AnErrorThatKeepsOkFromWorkingIsNamed)
+{
+    DialogDriver::Register(DialogDriver().TypeValue("xmp:CreateDate", "2024-02-31").PressOk());
+    std::string log;
+    EXPECT_FALSE(Show(Loop(log)));
+    EXPECT_EQ(Failure(), "xmp:CreateDate: The 31st of February does not exist. Last day: 29.");
+}
+
+TEST_F(MetadataDialogTest, OkInAReadOnlyDialogIsNamed)
+{
+    DialogDriver::Register(DialogDriver().PressOk());
+    std::string log;
+    EXPECT_FALSE(Show(Loop(log), kReadOnly));
+    EXPECT_EQ(Failure(), "The dialog is read-only.");
+}
+
+TEST_F(MetadataDialogTest, UnregisteredScriptsAreForgotten)
+{
+    DialogDriver::Register(DialogDriver().PressOk());
+    DialogDriver::Unregister();
+    Show([](DialogSession& session) {
+        EXPECT_FALSE(session.HasScript());
+        return DialogResult::kCancelled;
+    });
+}
+
+}  // namespace
+}  // namespace kivmetadataui
