@@ -17,7 +17,6 @@ using namespace std::string_view_literals;
 using test::Jpeg;
 using test::PacketOfSize;
 using test::PicturesByIndex;
-using test::SmallPacket;
 
 /// Remembers how far a reader went.
 class WatchedSource final : public ByteSource {
