@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <iterator>
+#include <utility>
 
 #include <kivcore/Config.h>
 #include <kivcore/FileStream.h>
@@ -54,7 +55,7 @@ constexpr char kModuleAnchor = 0;
 
 FileError::~FileError() = default;
 
-Dir::Dir(UString path) : path_(AbsolutePath(path)) {}
+Dir::Dir(UString path) : path_(AbsolutePath(std::move(path))) {}
 
 Dir Dir::operator/(UStringView name) const
 {

@@ -59,7 +59,7 @@ bool IsBesideName(UStringView name)
     }
     name.remove_prefix(kPrefix.size());
     const UStringView number = name.substr(std::min(name.size(), kHashDigits + 1));
-    return number.size() >= 1 && number.size() <= 2 && name[kHashDigits] == u'-' &&
+    return !number.empty() && number.size() <= 2 && name[kHashDigits] == u'-' &&
            name.substr(0, kHashDigits).find_first_not_of(kHexDigits) == UStringView::npos &&
            number.find_first_not_of(kHexDigits.substr(0, 10)) == UStringView::npos;
 }
@@ -191,7 +191,7 @@ public:
     FileReplacement& operator=(const FileReplacement&) = delete;
     ~FileReplacement()
     {
-        // In this order: the lock goes last.
+        // The files are still open here, and so the names still ours.
         RemoveSilently(newName_);
         RemoveSilently(keptName_);
     }
@@ -252,10 +252,13 @@ private:
 
     void KeepOld()
     {
-        bool taken = exists_;
-        for (std::size_t number = 0; taken && number < kMaxNumbers; ++number) {
+        old_ = exists_ ? SystemFile::Hold(target_) : nullptr;
+        LinkResult result = old_ ? LinkResult::kTaken : LinkResult::kFailed;
+        for (std::size_t number = 0; result == LinkResult::kTaken && number < kMaxNumbers;
+             ++number) {
             UString name = BesideName(target_, number);
-            if (KeepUnder(target_, name, &taken)) {
+            result = old_->Link(name);
+            if (result == LinkResult::kMade) {
                 keptName_ = std::move(name);
             }
         }
@@ -264,6 +267,9 @@ private:
     void PutOldBack() noexcept
     {
         try {
+            if (FindIdentity(target_) != file_->Identity()) {
+                return;  // another writer's by now
+            }
             if (!exists_) {
                 RemoveFile(target_);
             } else if (!keptName_.empty()) {
@@ -291,9 +297,13 @@ private:
     const UString target_;  // with symbolic links followed
     const ReplaceOptions& options_;
     bool exists_ = false;
+    // A name beside the target is ours for as long as the file is open: all others leave it alone
+    // then. Without that, a name that another writer cleared and took would be removed, or even
+    // renamed over the target, half written.
     std::shared_ptr<SystemFile> file_;
-    UString newName_;   // while there is one
-    UString keptName_;  // the old file's second name, while there is one
+    std::shared_ptr<SystemFile> old_;
+    UString newName_;   // of file_, while it has one
+    UString keptName_;  // of old_, the second one, while it has it
 };
 
 FileIdentity ReplaceFile(const UString& path, const std::function<void(OutputFile& out)>& write,
@@ -302,7 +312,10 @@ FileIdentity ReplaceFile(const UString& path, const std::function<void(OutputFil
     return FileReplacement(AbsolutePath(path), options).Run(write);
 }
 
-void CheckReplaceable(const UString& path) { RefuseReadOnly(FollowLinks(AbsolutePath(path))); }
+void CheckReplaceable(const UString& path)
+{
+    RefuseReadOnly(FollowLinks(AbsolutePath(path)));
+}
 
 void RecoverReplacedFile(const UString& path) noexcept
 {

@@ -39,6 +39,8 @@ std::optional<FileIdentity> FindIdentity(const UString& path);
 /// the read-only attribute), or the system does not let us.
 void RefuseReadOnly(const UString& path);
 
+enum class LinkResult { kMade, kTaken, kFailed };
+
 /// An open file.
 class SystemFile {
 public:
@@ -50,6 +52,10 @@ public:
     static std::shared_ptr<SystemFile> CreateLocked(const UString& path, const UString& shownPath,
                                                     const std::optional<UString>& original);
 
+    /// Opens the file at `path` and marks it as in use by a living writer, so that
+    /// RemoveUnlessLocked leaves all its names alone. Null where that is not possible.
+    static std::shared_ptr<SystemFile> Hold(const UString& path);
+
     SystemFile(const SystemFile&) = delete;
     SystemFile& operator=(const SystemFile&) = delete;
     ~SystemFile();
@@ -59,6 +65,8 @@ public:
     std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes, FileStep step);
     void Append(const void* data, std::size_t bytes);
     void Flush();
+    /// Gives the file one more name in the same file system.
+    LinkResult Link(const UString& name);
 
 private:
     SystemFile(std::intptr_t handle, UString shownPath)
@@ -70,9 +78,6 @@ private:
     UString shownPath_;
 };
 
-/// Gives the file at `path` the second name `keptName`, so that it can be put back. False where
-/// that is not possible; `*taken` tells whether the name was the reason.
-bool KeepUnder(const UString& path, const UString& keptName, bool* taken);
 /// Puts the file `from` in the place of `to`, in one step.
 void RenameOver(const UString& from, const UString& to);
 /// Makes what was made and renamed in `folder` survive a power failure.

@@ -272,6 +272,17 @@ std::shared_ptr<SystemFile> SystemFile::CreateLocked(const UString& path, const 
     return std::shared_ptr<SystemFile>(new SystemFile(file.Release(), shownPath));
 }
 
+std::shared_ptr<SystemFile> SystemFile::Hold(const UString& path)
+{
+    Descriptor file(
+        open(Native(path).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
+    // Several may hold one file.
+    if (file.Get() == -1 || (flock(file.Get(), LOCK_SH | LOCK_NB) == -1 && errno == EWOULDBLOCK)) {
+        return nullptr;
+    }
+    return std::shared_ptr<SystemFile>(new SystemFile(file.Release(), path));
+}
+
 SystemFile::~SystemFile()
 {
     close(static_cast<int>(handle_));
@@ -328,11 +339,14 @@ void SystemFile::Flush()
     }
 }
 
-bool KeepUnder(const UString& path, const UString& keptName, bool* taken)
+LinkResult SystemFile::Link(const UString& name)
 {
-    const bool kept = link(Native(path).c_str(), Native(keptName).c_str()) == 0;
-    *taken = !kept && errno == EEXIST;
-    return kept;
+    // By way of the open file, because another one may stand under its name by now.
+    const std::string open = "/proc/self/fd/" + std::to_string(handle_);
+    if (linkat(AT_FDCWD, open.c_str(), AT_FDCWD, Native(name).c_str(), AT_SYMLINK_FOLLOW) == 0) {
+        return LinkResult::kMade;
+    }
+    return errno == EEXIST ? LinkResult::kTaken : LinkResult::kFailed;
 }
 
 void RenameOver(const UString& from, const UString& to)

@@ -19,7 +19,7 @@ bool IsSeparator(char16_t unit) noexcept;
 std::size_t RootLength(UStringView path) noexcept;
 
 /// `path` against the working folder where it is relative, without separators at its end.
-UString AbsolutePath(UStringView path);
+UString AbsolutePath(UString path);
 
 /// `relative` from `folder`, with ".." taken back by its text alone; `folder` is absolute.
 UString JoinPath(UStringView folder, UStringView relative);

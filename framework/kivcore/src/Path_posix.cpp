@@ -100,23 +100,22 @@ std::size_t RootLength(UStringView path) noexcept
     return !path.empty() && path.front() == u'/' ? 1 : 0;
 }
 
-UString AbsolutePath(UStringView path)
+UString AbsolutePath(UString path)
 {
-    UString absolute;
     if (RootLength(path) == 0 && !path.empty()) {
         const std::unique_ptr<char, decltype(&std::free)> current(getcwd(nullptr, 0), &std::free);
         if (current) {
-            absolute = PathFromUTF8(current.get());
+            UString absolute = PathFromUTF8(current.get());
             if (!absolute.ends_with(u'/')) {
                 absolute += u'/';
             }
+            path.insert(0, absolute);
         }
     }
-    absolute += path;
-    while (absolute.size() > 1 && absolute.back() == u'/') {
-        absolute.pop_back();
+    while (path.size() > 1 && path.back() == u'/') {
+        path.pop_back();
     }
-    return absolute;
+    return path;
 }
 
 UString RealPath(const UString& path)
