@@ -213,12 +213,12 @@ void Dictionary::Store(std::string_view key, std::u16string_view rawValue)
     index_.ReserveOne();
     DictionaryEntry* const entry = DictionaryEntry::Create(arena_, key, rawValue, processor_);
     const std::uint32_t hash = morvish_private::FullHash(key);
-    DictionaryEntry** const known = index_.Find(
+    TextIndex::Slot* const known = index_.Find(
         hash, [&](const DictionaryEntry* candidate) { return candidate->View() == key; });
     if (known != nullptr) {
-        chains_.NoteFound(**known);
+        chains_.NoteFound(*known->Get());
         chains_.Remove();
-        *known = entry;
+        known->Set(entry);
     } else {
         index_.Insert(hash, entry);
     }
@@ -237,10 +237,10 @@ const Dictionary* Dictionary::OtherFallback() const
 
 const DictionaryEntry* Dictionary::FindEntry(std::string_view key) const
 {
-    DictionaryEntry* const* const found =
+    const TextIndex::Slot* const found =
         index_.Find(morvish_private::FullHash(key),
                     [&](const DictionaryEntry* candidate) { return candidate->View() == key; });
-    return found != nullptr ? *found : nullptr;
+    return found != nullptr ? found->Get() : nullptr;
 }
 
 const ByteRunValue* Dictionary::FindValue(std::string_view key) const

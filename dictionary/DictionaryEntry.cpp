@@ -15,13 +15,15 @@ DictionaryEntry* DictionaryEntry::Create(TextArena& arena, std::string_view key,
     if (key.size() > std::numeric_limits<std::uint32_t>::max())
         throw std::length_error("dictionary: key longer than 4 GiB");
     const std::u16string_view text = processor.Process(rawValue);
-    const std::size_t valueBytes = PlacedValueBytes(text.size());
-
-    const TextArena::Run run = arena.Allocate(sizeof(DictionaryEntry) + valueBytes + key.size());
-    std::byte* const valueStart = run.start + sizeof(DictionaryEntry);
-    const ByteRunValue* const value = PlaceValue(valueStart, text);
-    char* const keyStart = reinterpret_cast<char*>(valueStart + valueBytes);
+    // What a search touches stands together in front: entry, value record, key.
+    const std::size_t keyBytes = key.size() + key.size() % alignof(char16_t);
+    constexpr std::size_t kKeyOffset = sizeof(DictionaryEntry) + sizeof(ByteRunValue);
+    const TextArena::Run run =
+        arena.Allocate(kKeyOffset + keyBytes + PlacedUnitsBytes(text.size()));
+    char* const keyStart = reinterpret_cast<char*>(run.start + kKeyOffset);
     std::copy(key.begin(), key.end(), keyStart);
+    const auto* const value = new (static_cast<void*>(run.start + sizeof(DictionaryEntry)))
+        ByteRunValue(PlaceUnits(keyStart + keyBytes, text));
     return new (static_cast<void*>(run.start)) DictionaryEntry(
         {keyStart, key.size()},
         morvish::DictionaryString(std::shared_ptr<const ByteRunValue>(*run.block, value)));

@@ -17,20 +17,18 @@ constexpr std::size_t kMaxLengthUnits =
 
 }  // namespace
 
-std::size_t PlacedValueBytes(std::size_t lengthUnits)
+std::size_t PlacedUnitsBytes(std::size_t lengthUnits)
 {
     if (lengthUnits > kMaxLengthUnits)
         throw std::length_error("dictionary: value longer than 4 GiB");
-    return sizeof(ByteRunValue) + (lengthUnits + 1) * sizeof(char16_t);
+    return (lengthUnits + 1) * sizeof(char16_t);
 }
 
-const ByteRunValue* PlaceValue(void* memory, std::u16string_view text)
+ByteRunValue PlaceUnits(void* memory, std::u16string_view text)
 {
-    auto* const units =
-        reinterpret_cast<char16_t*>(static_cast<std::byte*>(memory) + sizeof(ByteRunValue));
+    auto* const units = static_cast<char16_t*>(memory);
     *std::copy(text.begin(), text.end(), units) = 0;
-    return new (memory)
-        ByteRunValue{static_cast<std::uint32_t>(text.size() * sizeof(char16_t)), units};
+    return {static_cast<std::uint32_t>(text.size() * sizeof(char16_t)), units};
 }
 
 }  // namespace morvish_private
@@ -41,12 +39,14 @@ using morvish_private::ByteRunValue;
 
 void DictionaryString::Assign(const char16_t* units, std::size_t lengthUnits)
 {
-    const std::size_t wordCount =
-        (morvish_private::PlacedValueBytes(lengthUnits) + sizeof(std::uint64_t) - 1) /
-        sizeof(std::uint64_t);
-    const auto block = std::make_shared_for_overwrite<std::uint64_t[]>(wordCount);
-    const ByteRunValue* const value =
-        morvish_private::PlaceValue(block.get(), {units, lengthUnits});
+    // One block for the record and its units.
+    static_assert(sizeof(ByteRunValue) % sizeof(std::uint64_t) == 0);
+    const std::size_t bytes = sizeof(ByteRunValue) + morvish_private::PlacedUnitsBytes(lengthUnits);
+    const auto block = std::make_shared_for_overwrite<std::uint64_t[]>(
+        (bytes + sizeof(std::uint64_t) - 1) / sizeof(std::uint64_t));
+    std::uint64_t* const start = block.get();
+    const auto* const value = new (start) ByteRunValue(morvish_private::PlaceUnits(
+        start + sizeof(ByteRunValue) / sizeof(std::uint64_t), {units, lengthUnits}));
     value_ = std::shared_ptr<const ByteRunValue>(block, value);
 }
 

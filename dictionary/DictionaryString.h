@@ -20,13 +20,14 @@ struct ByteRunValue {
     std::u16string_view View() const { return {units, LengthUnits()}; }
 };
 
-/// The bytes that PlaceValue() takes for a value of `lengthUnits` units.
-/// Throws std::length_error for a length that the record cannot hold.
-std::size_t PlacedValueBytes(std::size_t lengthUnits);
+/// The bytes that PlaceUnits() takes for a value of `lengthUnits` units and its NUL.
+/// Throws std::length_error for a length that a value record cannot hold.
+std::size_t PlacedUnitsBytes(std::size_t lengthUnits);
 
-/// Builds a value record with its units behind it.
-/// @param memory  PlacedValueBytes() bytes, aligned for pointers
-const ByteRunValue* PlaceValue(void* memory, std::u16string_view text);
+/// Copies a value's units and a NUL to `memory`, which is PlacedUnitsBytes() long and aligned for
+/// units.
+/// @return the record for them
+ByteRunValue PlaceUnits(void* memory, std::u16string_view text);
 
 }  // namespace morvish_private
 

@@ -58,6 +58,9 @@ private:
         std::uint32_t keyLength;
     };
 
+    // Copies both texts into the arena.
+    Record Place(std::string_view key, std::u16string_view text);
+
     TextArena arena_;
     std::vector<Record> records_;
     FlatIndex<std::uint32_t, kNoIndex> index_;

@@ -4,6 +4,8 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <utility>
@@ -21,23 +23,38 @@ struct SearchCost {
 template <typename Payload, Payload kNone>
 class FlatIndex {
 public:
+    class Slot {
+    public:
+        Payload Get() const { return std::bit_cast<Payload>(words_); }
+        void Set(Payload payload) { words_ = std::bit_cast<Words>(payload); }
+
+    private:
+        friend class FlatIndex;
+        // As words, so that a pointer takes no padding in front.
+        using Words = std::array<std::uint32_t, sizeof(Payload) / sizeof(std::uint32_t)>;
+
+        bool IsUsed() const { return Get() != kNone; }
+
+        std::uint32_t hash_ = 0;
+        Words words_ = std::bit_cast<Words>(kNone);
+    };
+
     /// @param matches  called with a payload of the same hash, tells whether it is the one
-    /// @return null if there is none; the address is valid until the next insertion
+    /// @return null if there is none; the slot is valid until the next insertion
     template <typename Matches>
-    Payload* Find(std::uint32_t hash, Matches&& matches)
+    Slot* Find(std::uint32_t hash, Matches&& matches)
     {
-        return const_cast<Payload*>(std::as_const(*this).Find(hash, matches));
+        return const_cast<Slot*>(std::as_const(*this).Find(hash, matches));
     }
 
     template <typename Matches>
-    const Payload* Find(std::uint32_t hash, Matches&& matches) const
+    const Slot* Find(std::uint32_t hash, Matches&& matches) const
     {
         if (slots_.empty())
             return nullptr;
-        for (std::size_t at = Home(slots_, hash); slots_[at].payload != kNone;
-             at = Next(slots_, at)) {
-            if (slots_[at].hash == hash && matches(slots_[at].payload))
-                return &slots_[at].payload;
+        for (std::size_t at = Home(slots_, hash); slots_[at].IsUsed(); at = Next(slots_, at)) {
+            if (slots_[at].hash_ == hash && matches(slots_[at].Get()))
+                return &slots_[at];
         }
         return nullptr;
     }
@@ -45,7 +62,7 @@ public:
     /// Makes room for one more entry, so that the next Insert() does not allocate.
     void ReserveOne()
     {
-        if (count_ + 1 > slots_.size() / 4 * 3)
+        if (count_ + 1 > slots_.size() / 2)
             Grow();
     }
 
@@ -53,7 +70,9 @@ public:
     void Insert(std::uint32_t hash, Payload payload)
     {
         ReserveOne();
-        slots_[FreeSlot(slots_, hash)] = {hash, payload};
+        Slot& slot = slots_[FreeSlot(slots_, hash)];
+        slot.hash_ = hash;
+        slot.Set(payload);
         ++count_;
     }
 
@@ -70,9 +89,9 @@ public:
     {
         SearchCost cost;
         for (std::size_t at = 0; at < slots_.size(); ++at) {
-            if (slots_[at].payload == kNone)
+            if (!slots_[at].IsUsed())
                 continue;
-            const std::size_t home = Home(slots_, slots_[at].hash);
+            const std::size_t home = Home(slots_, slots_[at].hash_);
             const std::size_t length = (at < home ? at + slots_.size() : at) - home + 1;
             cost.longest = std::max(cost.longest, length);
             cost.total += length;
@@ -81,11 +100,6 @@ public:
     }
 
 private:
-    struct Slot {
-        std::uint32_t hash = 0;
-        Payload payload = kNone;
-    };
-
     static constexpr std::size_t kFirstSlots = 16;
 
     // Spreads the hashes over any number of slots, so that the table need not double.
@@ -102,7 +116,7 @@ private:
     static std::size_t FreeSlot(const std::vector<Slot>& slots, std::uint32_t hash)
     {
         std::size_t at = Home(slots, hash);
-        while (slots[at].payload != kNone)
+        while (slots[at].IsUsed())
             at = Next(slots, at);
         return at;
     }
@@ -111,8 +125,8 @@ private:
     {
         std::vector<Slot> grown(slots_.empty() ? kFirstSlots : slots_.size() / 2 * 3);
         for (const Slot& slot : slots_) {
-            if (slot.payload != kNone)
-                grown[FreeSlot(grown, slot.hash)] = slot;
+            if (slot.IsUsed())
+                grown[FreeSlot(grown, slot.hash_)] = slot;
         }
         slots_ = std::move(grown);
     }

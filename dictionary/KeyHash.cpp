@@ -53,11 +53,10 @@ std::uint64_t LoadWord(const char* bytes)
     return word;
 }
 
-// Up to eight bytes; the rest counts as zeros.
-std::uint64_t LoadTail(const char* bytes, std::size_t count)
+std::uint64_t LoadHalfWord(const char* bytes)
 {
-    std::uint64_t word = 0;
-    std::memcpy(&word, bytes, count);
+    std::uint32_t word;
+    std::memcpy(&word, bytes, sizeof word);
     return word;
 }
 
@@ -85,13 +84,19 @@ std::uint32_t FullHash(std::string_view key)
         bytes += 16;
         left -= 16;
     }
+    // The last bytes are read in pieces that may overlap; the length is in the hash already.
     std::uint64_t a = 0;
     std::uint64_t b = 0;
-    if (left > 8) {
+    if (left >= 8) {
         a = LoadWord(bytes);
-        b = LoadTail(bytes + 8, left - 8);
+        b = LoadWord(bytes + left - 8);
+    } else if (left >= 4) {
+        a = LoadHalfWord(bytes);
+        b = LoadHalfWord(bytes + left - 4);
     } else if (left > 0) {
-        a = LoadTail(bytes, left);
+        a = static_cast<unsigned char>(bytes[0]);
+        b = static_cast<unsigned char>(bytes[left / 2]) |
+            (static_cast<std::uint64_t>(static_cast<unsigned char>(bytes[left - 1])) << 8);
     }
     hash = Fold(a ^ salt.second, b ^ hash);
     return static_cast<std::uint32_t>(Fold(hash ^ kMixB, salt.first ^ kMixA) >> 32);

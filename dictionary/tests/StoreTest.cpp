@@ -170,14 +170,14 @@ TEST(FlatIndex, FindsWhatWasInserted)
     EXPECT_EQ(index.Count(), 10000u);
     compared = 0;
     for (std::uint32_t i = 0; i < 10000; ++i) {
-        const std::uint32_t* const found = index.Find(i * 2654435761u, is(i));
+        const Index::Slot* const found = index.Find(i * 2654435761u, is(i));
         ASSERT_NE(found, nullptr);
-        EXPECT_EQ(*found, i);
+        EXPECT_EQ(found->Get(), i);
     }
     EXPECT_EQ(compared, 10000);  // different hashes are never compared
     EXPECT_EQ(index.Find(1, is(1)), nullptr);
 
-    *index.Find(0, is(0)) = 77;
+    index.Find(0, is(0))->Set(77);
     EXPECT_NE(index.Find(0, is(77)), nullptr);
     index.Clear();
     EXPECT_EQ(index.Count(), 0u);
@@ -289,9 +289,9 @@ TEST(DictionaryString, SharesAndCompares)
 
 TEST(DictionaryString, LengthThatTheRecordCannotHold)
 {
-    EXPECT_EQ(PlacedValueBytes(3), sizeof(ByteRunValue) + 8);
-    EXPECT_NO_THROW(PlacedValueBytes(0x7FFFFFFF));
-    EXPECT_THROW(PlacedValueBytes(0x80000000), std::length_error);
+    EXPECT_EQ(PlacedUnitsBytes(3), 8u);
+    EXPECT_NO_THROW(PlacedUnitsBytes(0x7FFFFFFF));
+    EXPECT_THROW(PlacedUnitsBytes(0x80000000), std::length_error);
 }
 
 TEST(GrownCapacity, ByHalf)
