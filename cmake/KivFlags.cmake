@@ -45,6 +45,11 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_L
     # Optimized builds with GCC 12 see an overlap in `"text" + std::string` that is not there.
     target_compile_options(kiv_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
 endif()
+# A unique symbol would pin our libraries in the host's process; GCC makes one of every static in a
+# template.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT WIN32)
+    target_compile_options(kiv_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-fno-gnu-unique>)
+endif()
 if(KIV_SANITIZE)
     target_compile_options(kiv_flags INTERFACE
         -fsanitize=${KIV_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
