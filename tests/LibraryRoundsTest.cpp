@@ -1,0 +1,107 @@
+// The library in a host that is not linked to it: many rounds, loading and unloading.
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "tests/ProcessCounts.h"
+#include "tests/SharedLibrary.h"
+
+#ifndef KIV_LIBRARY_PATH
+#error "the build names the library"
+#endif
+
+namespace kivtests {
+namespace {
+
+constexpr std::size_t kAllowedGrowthBytes = 256 * 1024;
+
+MetadataAPIInitParams Params(const char* name, const char* language, float scale)
+{
+    MetadataAPIInitParams params = {};
+    params.clientName = name;
+    params.clientVersion = "1";
+    params.clientInternalVersion = "1.0";
+    params.clientBuildNumber = "1";
+    params.language = language;
+    params.uiScaleFactor = scale;
+    params.loadCustomDefinitions = 1;
+    return params;
+}
+
+TEST(ProcessCounts, OpenHandlesCountsWhatIsOpen)
+{
+    const std::size_t before = OpenHandles();
+    std::vector<std::unique_ptr<std::ifstream>> files;
+    for (int i = 0; i < 10; ++i) {
+        files.push_back(std::make_unique<std::ifstream>(KIV_LIBRARY_PATH));
+        ASSERT_TRUE(files.back()->is_open());
+    }
+    EXPECT_EQ(OpenHandles(), before + 10);
+    files.clear();
+    EXPECT_EQ(OpenHandles(), before);
+}
+
+TEST(ProcessCounts, HeapInUseCountsWhatIsHeld)
+{
+    const std::size_t before = HeapInUse();
+    const std::vector<char> block(kAllowedGrowthBytes * 4, 'x');
+    EXPECT_GE(HeapInUse(), before + block.size());
+}
+
+// First, while nothing of a dialog pins the framework's libraries in the process.
+TEST(LibraryRounds, AHundredLoadsAndUnloads)
+{
+    constexpr int kRounds = 100;
+    const std::size_t handles = OpenHandles();
+    std::size_t heapHalfway = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        {
+            const SharedLibrary library(KIV_LIBRARY_PATH);
+            const Functions functions(library);
+            EXPECT_TRUE(IsModuleLoaded("libkivmetadataapi"));
+            EXPECT_FALSE(functions.initialize(nullptr));
+            const MetadataAPIInitParams params = Params("Loader", "en_US", 1);
+            ASSERT_TRUE(functions.initialize(&params));
+            EXPECT_FALSE(functions.doDialog(nullptr, nullptr));
+            EXPECT_EQ(functions.getVector() == nullptr, functions.getVectorSize() == 0);
+            functions.terminate();
+        }
+        // All of ours is gone: nothing pins a library in the host.
+        ASSERT_FALSE(IsModuleLoaded("libkiv")) << "after round " << round;
+        if (round == kRounds / 2) {
+            heapHalfway = HeapInUse();
+        }
+    }
+    EXPECT_EQ(OpenHandles(), handles);
+    EXPECT_LE(HeapInUse(), heapHalfway + kAllowedGrowthBytes);
+}
+
+TEST(LibraryRounds, AThousandRoundsOfInitializeAndTerminate)
+{
+    constexpr int kRounds = 1000;
+    const SharedLibrary library(KIV_LIBRARY_PATH);
+    const Functions functions(library);
+    const char* const names[] = {"One", "Another", "A third"};
+    const char* const languages[] = {"en_US", "de-DE", "ja_JP.UTF-8", nullptr};
+    const float scales[] = {1.0f, 2.0f, 0.0f};
+    const std::size_t handles = OpenHandles();
+    std::size_t heapHalfway = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        const MetadataAPIInitParams params =
+            Params(names[round % 3], languages[round % 4], scales[round % 3]);
+        ASSERT_TRUE(functions.initialize(&params));
+        functions.terminate();
+        if (round == kRounds / 2) {
+            heapHalfway = HeapInUse();
+        }
+    }
+    EXPECT_EQ(OpenHandles(), handles);
+    EXPECT_LE(HeapInUse(), heapHalfway + kAllowedGrowthBytes);
+}
+
+}  // namespace
+}  // namespace kivtests
