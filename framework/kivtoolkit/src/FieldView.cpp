@@ -1,0 +1,263 @@
+#include "framework/kivtoolkit/src/FieldView.h"
+
+#include "framework/kivtoolkit/src/NativeText.h"
+#include "framework/kivtoolkit/src/Texts.h"
+
+#include <wx/app.h>
+#include <wx/weakref.h>
+
+#include <algorithm>
+
+namespace kivtoolkit {
+
+namespace ui = kivui::ui;
+
+namespace {
+
+// Design units.
+constexpr double kLabelGap = 4;
+constexpr double kDotRoom = 12;
+
+// Not at once: the call may come from one of the window's own events. Where the page goes first,
+// the window goes with it.
+void DeleteSoon(wxWindow* window)
+{
+    window->Hide();
+    wxTheApp->CallAfter([gone = wxWeakRef<wxWindow>(window)] {
+        if (gone) {
+            gone->Destroy();
+        }
+    });
+}
+
+}  // namespace
+
+FieldView::FieldView(Look& look, Page& page, PopupHost& popups, kivmetadataui::Field& field)
+    : look_(look), page_(page), popups_(popups), field_(field)
+{
+}
+
+FieldView::~FieldView()
+{
+    for (wxWindow* window : windows_) {
+        DeleteSoon(window);
+    }
+}
+
+void FieldView::Drop(wxWindow* window)
+{
+    std::erase(windows_, window);
+    DeleteSoon(window);
+}
+
+ui::MessageKind FieldView::Kind() const
+{
+    return field_.HasError() ? ui::MessageKind::kError : ui::MessageKind::kHint;
+}
+
+std::vector<kivcore::UString> FieldView::MessageLines(int width)
+{
+    const kivcore::UString* text = &field_.Hint();
+    if (field_.HasError()) {
+        text = &field_.Error();
+    } else if (!field_.Explanation().empty()) {
+        text = &field_.Explanation();
+    }
+    if (text->empty()) {
+        return {};
+    }
+    const double indent = ui::MessageIndent(look_.Measuring(), Kind());
+    return WrapText(look_.Font(ui::TextRole::kHint), *text, width - static_cast<int>(indent));
+}
+
+int FieldView::Measure(int width)
+{
+    const int gap = look_.Px(kLabelGap);
+    int height = look_.LineHeight(ui::TextRole::kLabel) + gap + MeasureBody(width);
+    messages_ = MessageLines(width);
+    if (!messages_.empty()) {
+        height += gap + static_cast<int>(messages_.size()) * look_.LineHeight(ui::TextRole::kHint);
+    }
+    return height;
+}
+
+void FieldView::Create()
+{
+    isCreated_ = true;
+    CreateBody();
+    UpdateBody();
+    ShowBody(true);
+    if (!field_.IsReadOnly()) {
+        revert_ = Keep(new IconButton(look_, page_, ui::kGround, ui::Glyph::kRevert,
+                                      Text("$$$/Kiv/Dialog/Field/Revert=Revert to the saved value"),
+                                      [this] { Revert(); }));
+        revert_->Hide();
+    }
+    isShown_ = true;
+}
+
+void FieldView::Revert()
+{
+    field_.Revert();
+    // The button goes; the field's own part takes the focus.
+    std::vector<wxWindow*> stops;
+    CollectBodyStops(stops);
+    if (!stops.empty()) {
+        stops.front()->SetFocus();
+    }
+}
+
+void FieldView::Place(const wxRect& area)
+{
+    if (!isCreated_) {
+        Create();
+    }
+    area_ = area;
+    const int top = look_.LineHeight(ui::TextRole::kLabel) + look_.Px(kLabelGap);
+    body_ = wxRect(area.x, area.y + top, area.width, MeasureBody(area.width));
+    if (!isShown_) {
+        isShown_ = true;
+        ShowBody(true);
+    }
+    PlaceBody(body_);
+    if (revert_ != nullptr) {
+        const int side = look_.Px(ui::metrics::kIconButton);
+        const int gap = look_.Px(kLabelGap);
+        const int line = look_.Px(ui::metrics::kFieldHeight);
+        const int x = look_.IsMirrored() ? body_.x - gap - side : body_.x + body_.width + gap;
+        revert_->Place(wxRect(x, body_.y + (std::min(line, body_.height) - side) / 2, side, side));
+        revert_->Show(field_.IsChanged());
+    }
+}
+
+void FieldView::Hide()
+{
+    if (!isShown_ || Owns(wxWindow::FindFocus())) {
+        return;
+    }
+    isShown_ = false;
+    ShowBody(false);
+    if (revert_ != nullptr) {
+        revert_->Hide();
+    }
+}
+
+void FieldView::FinishTyping()
+{
+    if (isCreated_) {
+        FinishBody();
+        field_.EndEdit();
+    }
+}
+
+bool FieldView::Owns(const wxWindow* window)
+{
+    std::vector<wxWindow*> stops;
+    CollectStops(stops);
+    return window != nullptr && isCreated_ &&
+           (std::find(stops.begin(), stops.end(), window) != stops.end() || OwnsPart(window));
+}
+
+void FieldView::CollectStops(std::vector<wxWindow*>& stops)
+{
+    if (!isCreated_) {
+        return;
+    }
+    CollectBodyStops(stops);
+    if (revert_ != nullptr && field_.IsChanged()) {
+        stops.push_back(revert_);
+    }
+}
+
+void FieldView::Update()
+{
+    if (isCreated_) {
+        UpdateBody();
+        if (revert_ != nullptr) {
+            revert_->Show(field_.IsChanged() && isShown_);
+        }
+    }
+    RequestLayout();
+    RefreshAll();
+}
+
+void FieldView::RefreshAll()
+{
+    wxRect area = area_;
+    page_.RefreshRect(area.Inflate(look_.Px(kDotRoom * 2)));
+}
+
+void FieldView::Draw(const ui::Drawing& drawing)
+{
+    if (!isShown_) {
+        return;
+    }
+    const wxSize page = page_.GetClientSize();
+    ui::Rect label = FromWx(area_);
+    label.height = look_.LineHeight(ui::TextRole::kLabel);
+    ui::DrawTextLine(drawing, field_.Label(), label, ui::TextRole::kLabel);
+    if (field_.IsChanged()) {
+        const double room = look_.Px(kDotRoom);
+        const double x = look_.IsMirrored() ? label.x + label.width : label.x - room;
+        if (x >= 0 && x < page.x) {
+            ui::DrawChangedDot(drawing, {x, label.y, room, label.height});
+        }
+    }
+    DrawBody(drawing, body_);
+    ui::Rect line{label.x, static_cast<double>(body_.y + body_.height + look_.Px(kLabelGap)),
+                  label.width, static_cast<double>(look_.LineHeight(ui::TextRole::kHint))};
+    const double indent = ui::MessageIndent(drawing, Kind());
+    for (std::size_t i = 0; i < messages_.size(); ++i) {
+        if (i == 0) {
+            ui::DrawMessage(drawing, line, messages_[i], Kind());
+        } else {
+            ui::Rect rest = line;
+            rest.width -= indent;
+            rest.x += look_.IsMirrored() ? 0 : indent;
+            ui::DrawTextLine(drawing, messages_[i], rest,
+                             field_.HasError() ? ui::TextRole::kErrorText : ui::TextRole::kHint);
+        }
+        line.y += line.height;
+    }
+}
+
+TextEntry::Actions FieldView::UsualActions()
+{
+    TextEntry::Actions actions;
+    actions.committed = [this] { field_.EndEdit(); };
+    actions.entered = [this] {
+        RefreshAll();
+        page_.Reveal(area_);
+    };
+    actions.left = [this] {
+        field_.EndEdit();
+        RefreshAll();
+    };
+    actions.composing = [this] { RefreshAll(); };
+    actions.wheel = [this](wxMouseEvent& event) { page_.HandleWheel(event); };
+    return actions;
+}
+
+wxRect FieldView::TextRectOf(const wxRect& frame)
+{
+    return ToWx(ui::FieldTextRect(look_.Measuring(), FromWx(frame)));
+}
+
+void FieldView::DrawEntryFrame(const ui::Drawing& drawing, const wxRect& frame,
+                               const TextEntry* entry, const wxRect& text)
+{
+    ui::ControlState state;
+    state.focused = entry != nullptr && entry->HasFocus();
+    state.error = field_.HasError();
+    state.changed = field_.IsChanged();
+    ui::DrawFieldFrame(drawing, FromWx(frame), state);
+    if (entry == nullptr || !entry->IsBlank()) {
+        return;
+    }
+    ui::Rect line = FromWx(text);
+    line.height = std::min<double>(
+        line.height, look_.Px(ui::metrics::kFieldHeight) - 2 * look_.Px(ui::metrics::kFrameWidth));
+    ui::DrawTextLine(drawing, field_.Placeholder(), line, ui::TextRole::kPlaceholder);
+}
+
+}  // namespace kivtoolkit

@@ -1,0 +1,47 @@
+// Being a guest in a foreign process: what of the system's windowing must be checked, chosen, put
+// aside and put back so that the host finds everything as it left it.
+
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace kivtoolkit {
+
+/// Throws std::runtime_error, before the windowing system's toolkit is touched, where no window can
+/// be shown: no display, or another generation of the toolkit in the process.
+void RequireDisplay();
+
+/// To be called right before the toolkit starts, once RequireDisplay has passed: chooses the kind
+/// of display and takes over message writers that nobody else can have taken.
+void PrepareToolkitStart();
+
+/// True if nobody but us has opened the display.
+bool IsToolkitOurs() noexcept;
+
+/// True once the connection to the display broke; nothing can be shown any more.
+bool IsConnectionLost() noexcept;
+
+/// Called from deep within the toolkit when the connection to the display breaks; must only note
+/// it. A null function takes it away.
+void SetConnectionLostHandler(void (*handler)()) noexcept;
+
+/// While it lives the process's locale and error handlers may be changed by the toolkit, and errors
+/// of our own display connection end in the trace instead of reaching the host. The destructor puts
+/// everything back, unless the host itself changed it meanwhile.
+class GuestGuard {
+public:
+    GuestGuard();
+    GuestGuard(const GuestGuard&) = delete;
+    GuestGuard& operator=(const GuestGuard&) = delete;
+    ~GuestGuard();
+
+    /// To be called when the toolkit has started, which may have set handlers of its own.
+    void Reinstall();
+
+private:
+    struct Saved;
+    std::unique_ptr<Saved> saved_;
+};
+
+}  // namespace kivtoolkit

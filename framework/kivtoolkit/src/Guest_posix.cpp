@@ -1,0 +1,244 @@
+// X11 and GTK as a guest. GDK sets X error handlers that end the process; ours take their place
+// while a guard lives, keep what concerns GDK's connection to themselves and pass on the rest.
+
+#include "framework/kivtoolkit/src/Guest.h"
+
+#include "framework/kivtoolkit/src/Texts.h"
+#include "framework/kivtoolkit/src/Tracing.h"
+
+#include <dlfcn.h>
+#include <gdk/gdkx.h>
+#include <gtk/gtk.h>
+#include <link.h>
+
+#include <X11/Xlib.h>
+
+#include <clocale>
+#include <cstring>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+namespace kivtoolkit {
+
+namespace {
+
+// Plain data, because it outlives every static destructor.
+constinit bool connectionLost = false;
+using Handler = void (*)();
+constinit Handler connectionLostHandler = nullptr;
+constinit bool logWriterIsOurs = false;
+constinit Display* ourConnection = nullptr;  // that GDK opened for us
+constinit XErrorHandler hostErrorHandler = nullptr;
+constinit XIOErrorHandler hostFatalHandler = nullptr;
+constinit int guardDepth = 0;
+
+// The display that GDK uses, if it is an X11 one.
+Display* GdkConnection()
+{
+    GdkDisplay* display = gdk_display_get_default();
+    return display != nullptr && GDK_IS_X11_DISPLAY(display) ? gdk_x11_display_get_xdisplay(display)
+                                                             : nullptr;
+}
+
+int OnError(Display* connection, XErrorEvent* error)
+{
+    if (connection == GdkConnection()) {
+        Trace("X error " + std::to_string(error->error_code) + " of request " +
+              std::to_string(error->request_code) + "." + std::to_string(error->minor_code));
+        return 0;
+    }
+    return hostErrorHandler != nullptr ? hostErrorHandler(connection, error) : 0;
+}
+
+int OnFatalError(Display* connection)
+{
+    if (connection == ourConnection) {
+        return 0;  // OnConnectionLost follows
+    }
+    return hostFatalHandler != nullptr ? hostFatalHandler(connection) : 0;
+}
+
+// In place of Xlib's exit().
+void OnConnectionLost(Display*, void*)
+{
+    connectionLost = true;
+    if (connectionLostHandler != nullptr) {
+        connectionLostHandler();
+    }
+}
+
+struct LoadOrder {
+    bool ourselvesSeen = false;
+    bool glibWasFirst = false;
+    bool otherGtk = false;
+};
+
+bool Contains(const char* name, std::string_view part)
+{
+    return std::string_view(name).find(part) != std::string_view::npos;
+}
+
+// The loader lists modules in the order in which they came: what stands before us was there before
+// us, and what we need comes behind.
+LoadOrder LookAtModules()
+{
+    LoadOrder order;
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, std::size_t, void* data) {
+            auto& seen = *static_cast<LoadOrder*>(data);
+            const char* name = info->dlpi_name != nullptr ? info->dlpi_name : "";
+            if (Contains(name, "/kivtoolkit.so")) {
+                seen.ourselvesSeen = true;
+            } else if (Contains(name, "libglib-2.0.so") && !seen.ourselvesSeen) {
+                seen.glibWasFirst = true;
+            } else if (Contains(name, "libgtk-4.so") || Contains(name, "libgtk-x11-2.0.so")) {
+                seen.otherGtk = true;
+            }
+            return 0;
+        },
+        &order);
+    return order;
+}
+
+bool IsToolkitDomain(std::string_view domain)
+{
+    for (const std::string_view own : {"GLib", "Gtk", "Gdk", "Pango", "Atk", "dconf"}) {
+        if (domain.substr(0, own.size()) == own) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string_view FieldText(const GLogField& field)
+{
+    const auto* text = static_cast<const char*>(field.value);
+    return field.length < 0 ? std::string_view(text)
+                            : std::string_view(text, static_cast<std::size_t>(field.length));
+}
+
+GLogWriterOutput WriteLog(GLogLevelFlags level, const GLogField* fields, gsize count, gpointer)
+{
+    std::string_view domain;
+    std::string_view message;
+    for (gsize i = 0; i < count; ++i) {
+        if (std::strcmp(fields[i].key, "GLIB_DOMAIN") == 0) {
+            domain = FieldText(fields[i]);
+        } else if (std::strcmp(fields[i].key, "MESSAGE") == 0) {
+            message = FieldText(fields[i]);
+        }
+    }
+    if (!IsToolkitDomain(domain)) {
+        return g_log_writer_default(level, fields, count, nullptr);
+    }
+    Trace(std::string(domain) + ": " + std::string(message));
+    return G_LOG_WRITER_HANDLED;
+}
+
+}  // namespace
+
+void RequireDisplay()
+{
+    if (connectionLost) {
+        throw std::runtime_error(
+            Utf8Text("$$$/Kiv/Dialog/Failure/DisplayLost=The connection to the display was lost."));
+    }
+    const LoadOrder order = LookAtModules();
+    // The second symbol is that of a GTK 2 linked into the program itself.
+    if (order.otherGtk || dlsym(RTLD_DEFAULT, "gtk_progress_get_type") != nullptr) {
+        throw std::runtime_error(Utf8Text(
+            "$$$/Kiv/Dialog/Failure/OtherGtk=This program uses another version of GTK, so that no "
+            "dialog can be shown."));
+    }
+    if (gdk_display_get_default() != nullptr) {
+        return;
+    }
+    Display* probe = XOpenDisplay(nullptr);
+    if (probe == nullptr) {
+        throw std::runtime_error(
+            Utf8Text("$$$/Kiv/Dialog/Failure/NoDisplay=There is no display that a dialog could be "
+                     "shown on."));
+    }
+    XCloseDisplay(probe);
+}
+
+void PrepareToolkitStart()
+{
+    if (!logWriterIsOurs && !LookAtModules().glibWasFirst) {
+        g_log_set_writer_func(WriteLog, nullptr, nullptr);
+        logWriterIsOurs = true;
+    }
+    if (gdk_display_get_default() == nullptr) {
+        gdk_set_allowed_backends("x11");
+    }
+}
+
+bool IsToolkitOurs() noexcept
+{
+    return ourConnection != nullptr;
+}
+
+bool IsConnectionLost() noexcept
+{
+    return connectionLost;
+}
+
+void SetConnectionLostHandler(void (*handler)()) noexcept
+{
+    connectionLostHandler = handler;
+}
+
+struct GuestGuard::Saved {
+    std::string locale;
+    bool handlersAreOurs = false;
+};
+
+GuestGuard::GuestGuard() : saved_(std::make_unique<Saved>())
+{
+    const char* locale = std::setlocale(LC_ALL, nullptr);
+    saved_->locale = locale != nullptr ? locale : "";
+    // Where the host opened the display, the handlers are its own affair.
+    const bool gdkIsHosts = ourConnection == nullptr && gdk_display_get_default() != nullptr;
+    if (++guardDepth == 1 && !gdkIsHosts) {
+        saved_->handlersAreOurs = true;
+        hostErrorHandler = XSetErrorHandler(OnError);
+        hostFatalHandler = XSetIOErrorHandler(OnFatalError);
+    }
+}
+
+void GuestGuard::Reinstall()
+{
+    if (!saved_->handlersAreOurs) {
+        return;
+    }
+    XSetErrorHandler(OnError);
+    XSetIOErrorHandler(OnFatalError);
+    if (ourConnection == nullptr) {
+        ourConnection = GdkConnection();
+        if (ourConnection != nullptr) {
+            XSetIOErrorExitHandler(ourConnection, OnConnectionLost, nullptr);
+        }
+    }
+}
+
+GuestGuard::~GuestGuard()
+{
+    --guardDepth;
+    if (saved_->handlersAreOurs) {
+        // What our last requests did wrong must be told while the handler is ours.
+        if (ourConnection != nullptr && !connectionLost) {
+            XSync(ourConnection, False);
+        }
+        const XErrorHandler error = XSetErrorHandler(nullptr);
+        XSetErrorHandler(error == OnError ? hostErrorHandler : error);
+        const XIOErrorHandler fatal = XSetIOErrorHandler(nullptr);
+        XSetIOErrorHandler(fatal == OnFatalError ? hostFatalHandler : fatal);
+    }
+    const char* locale = std::setlocale(LC_ALL, nullptr);
+    if (locale == nullptr || saved_->locale != locale) {
+        std::setlocale(LC_ALL, saved_->locale.c_str());
+    }
+}
+
+}  // namespace kivtoolkit

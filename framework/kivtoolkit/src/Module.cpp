@@ -1,0 +1,80 @@
+// The module's entry point, and the object behind it.
+
+#include "framework/kivmetadataui/src/ToolkitModule.h"
+#include "framework/kivtoolkit/src/DialogWindow.h"
+#include "framework/kivtoolkit/src/Guest.h"
+#include "framework/kivtoolkit/src/NativeText.h"
+#include "framework/kivtoolkit/src/Texts.h"
+#include "framework/kivtoolkit/src/ToolkitLife.h"
+#include "framework/kivtoolkit/src/WxPainter.h"
+
+#include <wx/app.h>
+
+#include <memory>
+#include <stdexcept>
+
+namespace kivtoolkit {
+
+namespace {
+
+constinit DialogWindow* running = nullptr;
+
+class Module : public kivmetadataui::ToolkitModule {
+public:
+    void Start() override { life_.Start(); }
+
+    kivmetadataui::DialogResult RunDialog(kivmetadataui::DialogSession& session,
+                                          HWND parent) override
+    {
+        RequireDisplay();  // it may have gone since the start
+        const GuestGuard guard;
+        kivmetadataui::DialogResult result = kivmetadataui::DialogResult::kCancelled;
+        {
+            DialogWindow window(session, parent);
+            running = &window;
+            SetConnectionLostHandler([] {
+                if (running != nullptr) {
+                    running->CancelSoon();
+                }
+            });
+            result = window.RunModal();
+            running = nullptr;
+            SetConnectionLostHandler(nullptr);
+        }
+        // What was left for later would otherwise wait for the next dialog.
+        wxTheApp->ProcessPendingEvents();
+        if (IsConnectionLost()) {
+            throw std::runtime_error(Utf8Text(
+                "$$$/Kiv/Dialog/Failure/DisplayLost=The connection to the display was lost."));
+        }
+        return result;
+    }
+
+    void CancelDialog() noexcept override
+    {
+        if (running != nullptr) {
+            running->CancelSoon();
+        }
+    }
+
+    void Stop() noexcept override
+    {
+        ForgetFonts();
+        ForgetNativeStyles();
+        life_.Stop();
+    }
+
+private:
+    ToolkitLife life_;
+};
+
+}  // namespace
+
+}  // namespace kivtoolkit
+
+extern "C" __attribute__((visibility("default"))) kivmetadataui::ToolkitModule* KivToolkitOpen(
+    std::uint32_t version)
+{
+    static auto& module = *new kivtoolkit::Module;
+    return version == kivmetadataui::kToolkitVersion ? &module : nullptr;
+}

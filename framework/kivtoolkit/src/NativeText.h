@@ -1,0 +1,55 @@
+// What text needs of the system behind the toolkit: its measures, the look of native text fields,
+// and whether an input method is at work in one.
+
+#pragma once
+
+#include <functional>
+#include <vector>
+
+#include <wx/font.h>
+#include <wx/textctrl.h>
+
+#include <kivcore/UString.h>
+#include <kivui/Theme.h>
+
+namespace kivtoolkit {
+
+/// Pixels of the toolkit's own coordinates in one point of a font size.
+double PixelsPerPoint();
+
+/// The toolkit's pixels in one pixel of the screen's own scale, and the scale that the screen asks
+/// for in all.
+struct ScreenScale {
+    double toolkit = 1;  ///< pixels of the screen in one of the toolkit's
+    double wanted = 1;   ///< what a window of scale 1 is to be multiplied by
+};
+ScreenScale ScaleOfScreen();
+
+/// The lines of `text` when it is broken at `width` pixels, at words where possible.
+std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView text, int width);
+
+/// The height of `lines` lines in a native text field of several lines.
+int NativeLinesHeight(const wxFont& font, int lines);
+/// How many lines a native text field breaks `text` into.
+int NativeLineCount(const wxFont& font, kivcore::UStringView text, int width);
+
+struct TextColors {
+    kivui::ui::ColorRGBA text;
+    kivui::ui::ColorRGBA selection;
+    kivui::ui::ColorRGBA selectionText;
+};
+
+/// Takes frame, ground, padding and the system's colours off a text field: what lies under it
+/// shows.
+void StyleNativeText(wxTextCtrl& text, const TextColors& colors);
+
+/// True while an input method composes in `text`: keys belong to it then.
+bool IsComposing(const wxTextCtrl& text);
+
+/// Lets `changed` run whenever composing begins or ends in `text`; it must not throw.
+void WatchComposing(wxTextCtrl& text, std::function<void()> changed);
+
+/// To be called before the toolkit ends.
+void ForgetNativeStyles() noexcept;
+
+}  // namespace kivtoolkit

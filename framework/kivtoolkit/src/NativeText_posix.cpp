@@ -1,0 +1,201 @@
+#include "framework/kivtoolkit/src/NativeText.h"
+
+#include "framework/kivtoolkit/src/Texts.h"
+
+#include <gtk/gtk.h>
+
+#include <wx/fontutil.h>
+
+#include <kivcore/StringConversion.h>
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <memory>
+#include <string>
+#include <utility>
+
+namespace kivtoolkit {
+
+namespace {
+
+constexpr double kPointsPerInch = 72;
+constexpr double kUsualResolution = 96;
+constexpr const char* kComposingKey = "kivtoolkit-composing";
+
+double Resolution()
+{
+    const double resolution = gdk_screen_get_resolution(gdk_screen_get_default());
+    return resolution > 0 ? resolution : kUsualResolution;
+}
+
+struct UnrefObject {
+    void operator()(void* object) const { g_object_unref(object); }
+};
+
+using LayoutHandle = std::unique_ptr<PangoLayout, UnrefObject>;
+
+LayoutHandle NewLayout(const wxFont& font, const std::string& text, int width)
+{
+    std::unique_ptr<PangoContext, UnrefObject> context(gdk_pango_context_get());
+    pango_context_set_language(context.get(), pango_language_get_default());
+    LayoutHandle layout(pango_layout_new(context.get()));
+    pango_layout_set_font_description(layout.get(), font.GetNativeFontInfo()->description);
+    pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);
+    pango_layout_set_width(layout.get(), std::max(1, width) * PANGO_SCALE);
+    pango_layout_set_text(layout.get(), text.data(), static_cast<int>(text.size()));
+    return layout;
+}
+
+GtkWidget* TextWidget(const wxTextCtrl& text)
+{
+    GtkWidget* widget = text.GetHandle();
+    return GTK_IS_BIN(widget) ? gtk_bin_get_child(GTK_BIN(widget)) : widget;
+}
+
+std::string CssColor(const kivui::ui::ColorRGBA& color)
+{
+    std::string css = "rgba(";
+    for (const float part : {color.red, color.green, color.blue}) {
+        css += std::to_string(std::lround(std::clamp(part, 0.0F, 1.0F) * 255.0F)) + ",";
+    }
+    std::array<char, 16> alpha{};
+    const auto written =
+        std::to_chars(alpha.data(), alpha.data() + alpha.size(),
+                      std::clamp(color.alpha, 0.0F, 1.0F), std::chars_format::fixed, 3);
+    return css + std::string(alpha.data(), written.ptr) + ")";
+}
+
+// The last style in use: all fields of a dialog share it.
+struct StyleCache {
+    std::string css;
+    GtkCssProvider* provider = nullptr;
+};
+
+StyleCache& Styles()
+{
+    static auto& styles = *new StyleCache;
+    return styles;
+}
+
+GtkCssProvider* ProviderFor(const std::string& css)
+{
+    StyleCache& styles = Styles();
+    if (styles.provider == nullptr || styles.css != css) {
+        ForgetNativeStyles();
+        styles.provider = gtk_css_provider_new();
+        styles.css = css;
+        gtk_css_provider_load_from_data(styles.provider, css.data(),
+                                        static_cast<gssize>(css.size()), nullptr);
+    }
+    return styles.provider;
+}
+
+void OnPreedit(GtkWidget* widget, const char* preedit, gpointer data)
+{
+    const bool composes = preedit != nullptr && *preedit != '\0';
+    g_object_set_data(G_OBJECT(widget), kComposingKey, GINT_TO_POINTER(composes ? 1 : 0));
+    (*static_cast<std::function<void()>*>(data))();
+}
+
+void DeleteWatcher(gpointer data, GClosure*)
+{
+    delete static_cast<std::function<void()>*>(data);
+}
+
+}  // namespace
+
+double PixelsPerPoint()
+{
+    return Resolution() / kPointsPerInch;
+}
+
+ScreenScale ScaleOfScreen()
+{
+    ScreenScale scale;
+    GdkDisplay* display = gdk_display_get_default();
+    GdkMonitor* monitor = gdk_display_get_primary_monitor(display);
+    if (monitor == nullptr && gdk_display_get_n_monitors(display) > 0) {
+        monitor = gdk_display_get_monitor(display, 0);
+    }
+    scale.toolkit = monitor != nullptr ? gdk_monitor_get_scale_factor(monitor) : 1;
+    scale.wanted = scale.toolkit * Resolution() / kUsualResolution;
+    return scale;
+}
+
+std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView text, int width)
+{
+    const std::string utf8 = kivcore::string::UTF16to8(text);
+    const LayoutHandle layout = NewLayout(font, utf8, width);
+    std::vector<kivcore::UString> lines;
+    for (GSList* at = pango_layout_get_lines_readonly(layout.get()); at != nullptr; at = at->next) {
+        const auto* line = static_cast<const PangoLayoutLine*>(at->data);
+        std::string_view part(utf8.data() + line->start_index,
+                              static_cast<std::size_t>(line->length));
+        while (!part.empty() && part.back() == ' ') {
+            part.remove_suffix(1);
+        }
+        lines.push_back(kivcore::string::UTF8to16(part));
+    }
+    return lines;
+}
+
+int NativeLinesHeight(const wxFont& font, int lines)
+{
+    int height = 0;
+    pango_layout_get_pixel_size(NewLayout(font, "Xg", 1000).get(), nullptr, &height);
+    return height * lines;
+}
+
+int NativeLineCount(const wxFont& font, kivcore::UStringView text, int width)
+{
+    const LayoutHandle layout = NewLayout(font, kivcore::string::UTF16to8(text), width);
+    return pango_layout_get_line_count(layout.get());
+}
+
+void StyleNativeText(wxTextCtrl& text, const TextColors& colors)
+{
+    const std::string color = CssColor(colors.text);
+    const std::string css =
+        "entry, scrolledwindow, textview, textview text { background: none; border: none;"
+        " box-shadow: none; outline: none; margin: 0; padding: 0; min-height: 0; min-width: 0;"
+        " color: " +
+        color + "; caret-color: " + color +
+        "; }"
+        " entry selection, textview text selection { background-color: " +
+        CssColor(colors.selection) + "; color: " + CssColor(colors.selectionText) +
+        "; }"
+        " entry undershoot, scrolledwindow undershoot { background: none; }";
+    GtkStyleProvider* provider = GTK_STYLE_PROVIDER(ProviderFor(css));
+    for (GtkWidget* widget : {text.GetHandle(), TextWidget(text)}) {
+        GtkStyleContext* context = gtk_widget_get_style_context(widget);
+        gtk_style_context_add_provider(context, provider, GTK_STYLE_PROVIDER_PRIORITY_USER);
+    }
+    if (GTK_IS_ENTRY(TextWidget(text))) {
+        gtk_entry_set_width_chars(GTK_ENTRY(TextWidget(text)), 0);
+    }
+}
+
+bool IsComposing(const wxTextCtrl& text)
+{
+    return g_object_get_data(G_OBJECT(TextWidget(text)), kComposingKey) != nullptr;
+}
+
+void WatchComposing(wxTextCtrl& text, std::function<void()> changed)
+{
+    g_signal_connect_data(TextWidget(text), "preedit-changed", G_CALLBACK(OnPreedit),
+                          new std::function<void()>(std::move(changed)), DeleteWatcher,
+                          static_cast<GConnectFlags>(0));
+}
+
+void ForgetNativeStyles() noexcept
+{
+    StyleCache& styles = Styles();
+    if (styles.provider != nullptr) {
+        g_object_unref(styles.provider);
+        styles.provider = nullptr;
+    }
+}
+
+}  // namespace kivtoolkit

@@ -1,0 +1,181 @@
+#include "framework/kivtoolkit/src/TextEntry.h"
+
+#include "framework/kivtoolkit/src/Accessible.h"
+#include "framework/kivtoolkit/src/NativeText.h"
+#include "framework/kivtoolkit/src/Texts.h"
+
+#include <wx/app.h>
+#include <wx/weakref.h>
+
+namespace kivtoolkit {
+
+namespace ui = kivui::ui;
+
+namespace {
+
+long StyleOf(TextShape shape)
+{
+    switch (shape) {
+        case TextShape::kLines:
+            return wxBORDER_NONE | wxTE_MULTILINE;
+        case TextShape::kReadOnlyLines:
+            return wxBORDER_NONE | wxTE_MULTILINE | wxTE_READONLY | wxTE_NO_VSCROLL;
+        case TextShape::kLine:
+            break;
+    }
+    return wxBORDER_NONE | wxTE_PROCESS_ENTER;
+}
+
+}  // namespace
+
+TextEntry::TextEntry(Look& look, wxWindow& parent, TextShape shape, Actions actions)
+    : look_(look),
+      core_(std::make_shared<Core>()),
+      control_(new wxTextCtrl(&parent, wxID_ANY, wxString(), wxDefaultPosition, wxSize(10, 10),
+                              StyleOf(shape)))
+{
+    core_->shape = shape;
+    core_->actions = std::move(actions);
+    core_->control = control_;
+    control_->SetFont(look.Font(ui::TextRole::kBody));
+    const ui::Theme& theme = look.Theme();
+    StyleNativeText(*control_, {theme.Color(ui::kText), theme.Color(ui::kSelection),
+                                theme.Color(ui::kSelectionText)});
+    if (look.IsMirrored()) {
+        control_->SetLayoutDirection(wxLayout_RightToLeft);
+    }
+    BindAll();
+}
+
+TextEntry::~TextEntry()
+{
+    core_->actions = {};
+    control_->Hide();
+    wxTheApp->CallAfter([control = wxWeakRef<wxTextCtrl>(control_)] {
+        if (control) {
+            control->Destroy();
+        }
+    });
+}
+
+void TextEntry::Core::PressKey(wxKeyEvent& event)
+{
+    if (IsComposing(*control)) {
+        event.Skip();
+        return;
+    }
+    if (actions.key && actions.key(event)) {
+        return;
+    }
+    const int key = event.GetKeyCode();
+    if (shape == TextShape::kLine && (key == WXK_RETURN || key == WXK_NUMPAD_ENTER)) {
+        if (actions.committed) {
+            actions.committed();
+        }
+        return;
+    }
+    event.Skip();
+}
+
+void TextEntry::BindAll()
+{
+    BindContained(look_, *control_, wxEVT_TEXT, [core = core_](wxCommandEvent&) {
+        if (core->actions.typed) {
+            core->actions.typed(FromWx(core->control->GetValue()));
+        }
+    });
+    BindContained(look_, *control_, wxEVT_SET_FOCUS, [core = core_](wxFocusEvent& event) {
+        event.Skip();
+        if (core->actions.entered) {
+            core->actions.entered();
+        }
+    });
+    BindContained(look_, *control_, wxEVT_KILL_FOCUS, [core = core_](wxFocusEvent& event) {
+        event.Skip();
+        if (core->actions.left) {
+            core->actions.left();
+        }
+    });
+    BindContained(look_, *control_, wxEVT_KEY_DOWN,
+                  [core = core_](wxKeyEvent& event) { core->PressKey(event); });
+    BindContained(look_, *control_, wxEVT_MOUSEWHEEL, [core = core_](wxMouseEvent& event) {
+        if (core->actions.wheel) {
+            core->actions.wheel(event);
+        } else {
+            event.Skip();
+        }
+    });
+    WatchComposing(*control_, [look = &look_, core = core_] {
+        look->Run([&] {
+            if (core->actions.composing) {
+                core->actions.composing();
+            }
+        });
+    });
+}
+
+void TextEntry::Place(const wxRect& rect)
+{
+    if (control_->GetRect() != rect) {
+        control_->SetSize(rect);
+    }
+}
+
+void TextEntry::Show(bool isShown)
+{
+    if (control_->IsShown() != isShown) {
+        control_->Show(isShown);
+    }
+}
+
+void TextEntry::SetText(kivcore::UStringView text)
+{
+    if (Text() != text) {
+        control_->ChangeValue(ToWx(text));
+        control_->SetInsertionPointEnd();
+    }
+}
+
+kivcore::UString TextEntry::Text() const
+{
+    return FromWx(control_->GetValue());
+}
+
+bool TextEntry::HasFocus() const
+{
+    return wxWindow::FindFocus() == control_;
+}
+
+void TextEntry::SetFocus()
+{
+    control_->SetFocus();
+}
+
+void TextEntry::PutCaret(bool atEnd)
+{
+    if (atEnd) {
+        control_->SetInsertionPointEnd();
+    } else {
+        control_->SetInsertionPoint(0);
+    }
+}
+
+bool TextEntry::IsCaretAtStart() const
+{
+    long from = 0;
+    long to = 0;
+    control_->GetSelection(&from, &to);
+    return from == to && control_->GetInsertionPoint() == 0;
+}
+
+bool TextEntry::IsBlank() const
+{
+    return control_->IsEmpty() && !IsComposing(*control_);
+}
+
+void TextEntry::Describe(const kivcore::UString& name, const kivcore::UString& description)
+{
+    DescribeControl(*control_, AccessibleRole::kText, name, description);
+}
+
+}  // namespace kivtoolkit
