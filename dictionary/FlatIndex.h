@@ -30,7 +30,8 @@ public:
 
     private:
         friend class FlatIndex;
-        // As words, so that a pointer takes no padding in front.
+        // As words, so that a pointer takes no padding in front. The size of the pointer is meant.
+        // NOLINTNEXTLINE(bugprone-sizeof-expression)
         using Words = std::array<std::uint32_t, sizeof(Payload) / sizeof(std::uint32_t)>;
 
         bool IsUsed() const { return Get() != kNone; }
