@@ -155,7 +155,7 @@ void ModelBuilder::AddAllProperties()
     view.kind = ViewKind::kAllProperties;
     view.name = "com.orvan.xmp/all-properties";
     view.label = DialogText("$$$/Kiv/Dialog/View/AllProperties=All properties");
-    view.icon = "all-properties";
+    view.icon = "list";
     for (const Node* const node : meta_.Properties()) {
         const Path path{FieldStep(node->NamespaceUri(), node->LocalName(), node->Prefix())};
         view.rows.push_back(
