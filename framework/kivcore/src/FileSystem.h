@@ -20,8 +20,8 @@ enum class EntryKind { kFile, kFolder };
 bool IsFile(const UString& path);
 bool IsFolder(const UString& path);
 
-/// Sorted by unit; none if the folder cannot be read. Links are followed. Only names that begin
-/// with `prefix`.
+/// Sorted by unit; none if the folder cannot be read, which is traced on "kivcore" where it is
+/// there. Links are followed. Only names that begin with `prefix`.
 std::vector<UString> NamesInFolder(const UString& folder, EntryKind kind, UStringView prefix = {});
 
 /// One folder in one that is there; silent if another program was faster.

@@ -21,6 +21,8 @@
 #include "framework/kivcore/src/Path.h"
 #include "framework/kivcore/src/SystemError.h"
 
+#include <kivcore/Trace.h>
+
 namespace kivcore::filesupport {
 
 namespace {
@@ -108,6 +110,18 @@ bool Names(const std::string& name, int descriptor)
            named.st_dev == open.st_dev && named.st_ino == open.st_ino;
 }
 
+void TraceUnlessMissing(const UString& folder, int error)
+{
+    if (error == ENOENT) {
+        return;
+    }
+    try {
+        ThrowSystemError(folder, "cannot be listed", error);
+    } catch (const FileError& failure) {
+        debug::Trace(0, "kivcore", failure.what());
+    }
+}
+
 }  // namespace
 
 bool IsFile(const UString& path)
@@ -126,6 +140,7 @@ std::vector<UString> NamesInFolder(const UString& folder, EntryKind kind, UStrin
     const std::string native = Native(folder);
     const std::unique_ptr<DIR, FolderCloser> stream(opendir(native.c_str()));
     if (!stream) {
+        TraceUnlessMissing(folder, errno);
         return names;
     }
     const std::string nativePrefix = Native(UString(prefix));

@@ -12,6 +12,7 @@
 #include <kivcore/Config.h>
 #include <kivcore/FileStream.h>
 #include <kivcore/Resource.h>
+#include <kivcore/Trace.h>
 
 #include "framework/kivcore/tests/ChildProcess_posix.h"
 #include "framework/kivcore/tests/TestFolder.h"
@@ -124,6 +125,37 @@ TEST(DirPosix, ListsWhatLinksLeadTo)
     ASSERT_EQ(mkfifo(folder.Of("pipe").c_str(), 0600), 0);
     EXPECT_THAT(Dir(folder.Path("")).FileNames(), ElementsAre(u"file", u"to file"));
     EXPECT_THAT(Dir(folder.Path("")).FolderNames(), ElementsAre(u"folder", u"to folder"));
+}
+
+// Who put something there wants to know why it has no effect.
+TEST(DirPosix, AFolderThatCannotBeReadIsTraced)
+{
+    const TestFolder folder;
+    std::filesystem::create_directory(folder.Of("sub"));
+    folder.Write("sub/x", "content");
+    folder.Write("file", "content");
+    ASSERT_EQ(chmod(folder.Of("sub").c_str(), 0), 0);
+    const std::string text = RunUnprivileged([&]() -> std::string {
+        if (open(folder.Of("sub").c_str(), O_RDONLY) != -1) {
+            return "the system does not refuse";
+        }
+        std::string traced;
+        kivcore::debug::SetTraceLevel("kivcore", 0);
+        kivcore::debug::AddTraceSink([&](int, const char* channel, std::string_view line) {
+            traced += std::string(channel) + ": " + std::string(line) + "\n";
+        });
+        for (const char* const name : {"sub", "file", "missing"}) {
+            if (!Dir(folder.Path(name)).FileNames().empty()) {
+                return "there are names";
+            }
+        }
+        return traced;
+    });
+    ASSERT_EQ(chmod(folder.Of("sub").c_str(), 0700), 0);
+    EXPECT_EQ(text, "kivcore: " + folder.Of("sub").string() +
+                        ": cannot be listed: permission denied\n" +
+                        "kivcore: " + folder.Of("file").string() +
+                        ": cannot be listed: a part of the path is not a folder\n");
 }
 
 TEST(InputFilePosix, NamedPipesAndDevicesAreRefusedAtOnce)

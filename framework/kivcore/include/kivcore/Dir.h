@@ -49,7 +49,8 @@ public:
     bool Exists() const;
     /// Makes the folder and those above it where they are missing. Throws FileError.
     void Create() const;
-    /// Names of the files (or folders) in it, sorted by unit; none if it cannot be read.
+    /// Names of the files (or folders) in it, sorted by unit; none if it cannot be read. Why one
+    /// that is there cannot be read is traced on "kivcore".
     std::vector<UString> FileNames() const;
     std::vector<UString> FolderNames() const;
 
