@@ -1,6 +1,6 @@
-#include "src/DefinitionFile.h"
+#include "framework/kivmetadata/src/DefinitionFile.h"
 
-#include "src/Tracing.h"
+#include "framework/kivmetadata/src/Tracing.h"
 
 #include <exception>
 #include <new>

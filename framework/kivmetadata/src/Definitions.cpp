@@ -1,13 +1,14 @@
 #include <kivmetadata/Definitions.h>
 
-#include "src/DefinitionFile.h"
-#include "src/SchemaReader.h"
-#include "src/Tracing.h"
-#include "src/Translations.h"
-#include "src/ViewReader.h"
+#include "framework/kivmetadata/src/DefinitionFile.h"
+#include "framework/kivmetadata/src/SchemaReader.h"
+#include "framework/kivmetadata/src/Tracing.h"
+#include "framework/kivmetadata/src/Translations.h"
+#include "framework/kivmetadata/src/ViewReader.h"
 
 #include <kivcore/Dir.h>
 
+#include <algorithm>
 #include <stdexcept>
 #include <string_view>
 
@@ -58,16 +59,32 @@ void LoadSchemas(const Dir& folder, const TextSource& texts, Loaded& loaded)
     }
 }
 
+// Preferences remember a view by its owner and name, so each pair is there once.
+void AddView(std::shared_ptr<const ViewDefinition> view, const std::string& sourceName,
+             Loaded& loaded)
+{
+    const bool isKnown =
+        std::any_of(loaded.views.begin(), loaded.views.end(), [&](const auto& other) {
+            return other->owner == view->owner && other->name == view->name;
+        });
+    if (isKnown) {
+        TraceProblem(sourceName + ": left out, there is a view '" + view->name + "' of '" +
+                     view->owner + "' already");
+        return;
+    }
+    loaded.views.push_back(std::move(view));
+}
+
 void LoadViews(const Dir& folder, const std::string& owner, const TextSource& texts, Loaded& loaded)
 {
     for (const UString& name : folder.FileNames()) {
         if (!name.ends_with(u".xml")) {
             continue;
         }
-        ReadDefinitionFile(File(folder, name),
-                           [&](std::string_view text, const std::string& sourceName) {
-                               loaded.views.push_back(ReadView(text, sourceName, owner, texts));
-                           });
+        ReadDefinitionFile(
+            File(folder, name), [&](std::string_view text, const std::string& sourceName) {
+                AddView(ReadView(text, sourceName, owner, texts), sourceName, loaded);
+            });
     }
 }
 
@@ -112,6 +129,10 @@ void LoadCustomFolders(const Dir& parent, Loaded& loaded)
 void LoadCustom(const Dir& required, Loaded& loaded)
 {
     if (const Dir only = Dir::FromEnvironment("KIV_DEFINITIONS_DIR"); !only.IsEmpty()) {
+        if (!only.Exists()) {
+            TraceProblem(kivcore::filesupport::PathToUTF8(only.FullPath()) +
+                         ": there is no such folder");
+        }
         LoadCustomFolders(only, loaded);
         return;
     }
@@ -119,6 +140,8 @@ void LoadCustom(const Dir& required, Loaded& loaded)
     try {
         LoadCustomFolders(Dir::PrefDir() / u"Definitions", loaded);
     } catch (const std::logic_error&) {  // no client name, so no preferences folder
+    } catch (const kivcore::filesupport::FileError& error) {
+        TraceProblem(error.what());
     }
 }
 

@@ -1,4 +1,4 @@
-#include "src/Element.h"
+#include "framework/kivmetadata/src/Element.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,6 +9,9 @@ namespace kivmetadata {
 namespace {
 
 constexpr std::size_t kMaxElements = 100'000;
+// A file's own entities may grow it beyond its size; the parser alone would let them give a hundred
+// times as much.
+constexpr std::size_t kMaxTextBytes = std::size_t{4} << 20;
 
 class TreeBuilder : public kivcore::xml::DocHandler {
 public:
@@ -26,6 +29,9 @@ public:
         if (++count_ > kMaxElements) {
             reader_.Fail(element, "too many elements");
         }
+        for (const auto& [attribute, value] : attributes) {
+            Count(element, value.size());
+        }
         open_.push_back(std::move(element));
     }
 
@@ -36,16 +42,29 @@ public:
         (open_.empty() ? root_ : open_.back().children.emplace_back()) = std::move(element);
     }
 
-    void Text(std::string_view text) override { open_.back().text += text; }
+    void Text(std::string_view text) override
+    {
+        Count(open_.back(), text.size());
+        open_.back().text += text;
+    }
 
     Element TakeRoot() { return std::move(root_); }
 
 private:
+    void Count(const Element& element, std::size_t bytes)
+    {
+        if (bytes > kMaxTextBytes - textBytes_) {
+            reader_.Fail(element, "too much text");
+        }
+        textBytes_ += bytes;
+    }
+
     const ElementReader& reader_;
     const kivcore::xml::DocParser& parser_;
     std::vector<Element> open_;
     Element root_;
     std::size_t count_ = 0;
+    std::size_t textBytes_ = 0;
 };
 
 bool Contains(std::initializer_list<std::string_view> names, std::string_view name)
@@ -54,6 +73,16 @@ bool Contains(std::initializer_list<std::string_view> names, std::string_view na
 }
 
 }  // namespace
+
+std::string_view Element::TrimmedText() const noexcept
+{
+    constexpr std::string_view kSpace = " \t\r\n";
+    const std::size_t first = text.find_first_not_of(kSpace);
+    if (first == std::string::npos) {
+        return {};
+    }
+    return std::string_view(text).substr(first, text.find_last_not_of(kSpace) - first + 1);
+}
 
 std::string_view Element::Get(std::string_view attribute) const noexcept
 {
@@ -123,6 +152,22 @@ double ElementReader::Number(const Element& element, std::string_view attribute)
 void ElementReader::Expect(const Element& element,
                            std::initializer_list<std::string_view> attributes,
                            std::initializer_list<std::string_view> children) const
+{
+    ExpectParts(element, attributes, children);
+    if (!element.TrimmedText().empty()) {
+        Fail(element, "has text, which would be lost");
+    }
+}
+
+void ElementReader::ExpectText(const Element& element,
+                               std::initializer_list<std::string_view> attributes) const
+{
+    ExpectParts(element, attributes, {});
+}
+
+void ElementReader::ExpectParts(const Element& element,
+                                std::initializer_list<std::string_view> attributes,
+                                std::initializer_list<std::string_view> children) const
 {
     for (const auto& [name, value] : element.attributes) {
         if (!Contains(attributes, name)) {

@@ -1,4 +1,4 @@
-#include "src/Tracing.h"
+#include "framework/kivmetadata/src/Tracing.h"
 
 #include <kivcore/Trace.h>
 

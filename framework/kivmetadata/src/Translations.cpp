@@ -1,7 +1,7 @@
-#include "src/Translations.h"
+#include "framework/kivmetadata/src/Translations.h"
 
-#include "src/DefinitionFile.h"
-#include "src/Tracing.h"
+#include "framework/kivmetadata/src/DefinitionFile.h"
+#include "framework/kivmetadata/src/Tracing.h"
 
 #include <kivcore/Locale.h>
 #include <kivcore/Localizer.h>
@@ -33,7 +33,9 @@ UString FolderTexts::Text(const Element& element, const std::string& name) const
     const std::string_view identifier = element.Get(name + "-id");
     if (!identifier.empty()) {
         for (const auto& texts : texts_) {
-            if (const auto found = texts.find(identifier); found != texts.end()) {
+            // An empty text is one that nobody has translated yet.
+            const auto found = texts.find(identifier);
+            if (found != texts.end() && !found->second.empty()) {
                 return kivcore::string::UTF8to16(found->second);
             }
         }
@@ -49,8 +51,8 @@ std::map<std::string, std::string, std::less<>> ReadTranslations(std::string_vie
     reader.Expect(root, {}, {"text"});
     std::map<std::string, std::string, std::less<>> texts;
     for (const Element& child : root.children) {
-        reader.Expect(child, {"id"}, {});
-        if (!texts.emplace(reader.Required(child, "id"), child.text).second) {
+        reader.ExpectText(child, {"id"});
+        if (!texts.emplace(reader.Required(child, "id"), child.TrimmedText()).second) {
             reader.Fail(child, "'" + std::string(child.Get("id")) + "' is there already");
         }
     }

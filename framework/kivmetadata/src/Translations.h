@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-#include "src/Element.h"
+#include "framework/kivmetadata/src/Element.h"
 
 #include <kivcore/Dir.h>
 #include <kivcore/UString.h>
@@ -29,8 +29,8 @@ public:
 };
 
 /// Texts of one folder of custom definitions. An attribute `label` may have a `label-id` beside it,
-/// whose text in "loc/xx_YY.xml" goes first: by the fallback of the application's language. These
-/// texts never reach the localizer.
+/// whose text in "loc/xx_YY.xml" goes first where there is one: by the fallback of the
+/// application's language. These texts never reach the localizer.
 class FolderTexts : public TextSource {
 public:
     /// Reads the files of `folder` that the application's language asks for. A broken one is left
@@ -43,7 +43,8 @@ private:
     std::vector<std::map<std::string, std::string, std::less<>>> texts_;  // best language first
 };
 
-/// The texts of one translation file by identifier. Throws kivcore::xml::ParseError.
+/// The texts of one translation file by identifier, without white space around them. Throws
+/// kivcore::xml::ParseError.
 std::map<std::string, std::string, std::less<>> ReadTranslations(std::string_view text,
                                                                  const std::string& sourceName);
 

@@ -1,4 +1,4 @@
-#include "src/ViewReader.h"
+#include "framework/kivmetadata/src/ViewReader.h"
 
 namespace kivmetadata {
 
@@ -18,10 +18,8 @@ public:
         auto view = std::make_shared<ViewDefinition>();
         view->owner = owner;
         view->name = reader_.Required(root, "name");
+        reader_.Required(root, "label");
         view->label = texts_.Text(root, "label");
-        if (view->label.empty()) {
-            reader_.Fail(root, "needs the attribute 'label'");
-        }
         view->icon = root.Get("icon");
         view->isCamera = reader_.YesNo(root, "camera", false);
         for (const Element& child : root.children) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "src/Translations.h"
+#include "framework/kivmetadata/src/Translations.h"
 
 #include <kivmetadata/Definitions.h>
 

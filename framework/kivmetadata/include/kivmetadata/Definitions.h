@@ -22,14 +22,14 @@ enum class ValueType {
     kLanguageAlternative,
     kBag,       ///< unordered list of texts
     kSequence,  ///< ordered list of texts
-    kChoice,    ///< one of a closed or open list
+    kChoice,    ///< one of a list, which may be open to others
     kDate,
     kInteger,
     kNumber,
     kRational,
     kBoolean,
     kRating,
-    kUri,
+    kUri,            ///< written as a URI; most standards' addresses are plain texts
     kStructure,      ///< members are properties of their own
     kStructureList,  ///< list of structures
 };
@@ -87,11 +87,11 @@ struct ViewDefinition {
     std::string icon;        ///< name of the artwork; may be empty
     bool isCamera = false;   ///< left out of a plain dialog
     std::vector<std::shared_ptr<const ViewItem>> items;
-    std::vector<ViewGroup>
-        groups;  ///< cover the items in order; empty for one group without heading
+    /// Cover the items in order; empty for one group without heading.
+    std::vector<ViewGroup> groups;
 };
 
-/// Walks schemas in their order. Valid until the definitions are loaded again.
+/// Walks schemas in their order. Valid as long as the definitions it was taken from.
 class KIVMETADATA_API SchemaIterator {
 public:
     bool AtEnd() const noexcept { return position_ == end_; }
@@ -126,8 +126,8 @@ using ViewDefinitions = std::vector<std::shared_ptr<const ViewDefinition>>;
 /// Loads the built-in and the custom definitions, in place of what was loaded before: built-in ones
 /// first, then the folders under "Required/Definitions", then those under "Definitions" in the
 /// preferences folder, each sorted by name; KIV_DEFINITIONS_DIR takes the place of the last two. A
-/// broken file is left out, and the reason is traced on "kivmetadata". Labels are in the
-/// application's language. Throws only std::bad_alloc.
+/// broken file is left out, and so is a view whose owner and name are there already; the reason is
+/// traced on "kivmetadata". Labels are in the application's language. Throws only std::bad_alloc.
 KIVMETADATA_API void LoadAllViewDefinitions();
 
 /// Drops what was loaded; what is still held stays valid.
