@@ -166,17 +166,17 @@ private:
         if (front.empty() && back.empty()) {
             return;
         }
-        const Layout own = OwnLayout(place);
+        const std::string close =
+            ContentLayout(place).isPretty ? OwnLayout(place).Break() : std::string();
         if (place.isEmpty) {
             const StartTag tag = ScanStartTag(text_, place.begin);
-            edits_.push_back(
-                {{place.startTagEnd - 2, place.startTagEnd},
-                 ">" + front + back + own.Break() + "</" + std::string(tag.name) + ">"});
+            edits_.push_back({{place.startTagEnd - 2, place.startTagEnd},
+                              ">" + front + back + close + "</" + std::string(tag.name) + ">"});
             return;
         }
         const std::size_t end = BeginOfSpace(place.contentEnd, place.startTagEnd);
         if (end == place.contentEnd) {
-            (back.empty() ? front : back) += own.Break();
+            (back.empty() ? front : back) += close;
         }
         edits_.push_back({{place.startTagEnd, place.startTagEnd}, std::move(front)});
         edits_.push_back({{end, end}, std::move(back)});

@@ -1,8 +1,6 @@
 #include "framework/kivxmp/src/RdfWriter.h"
 
 #include <algorithm>
-#include <array>
-#include <charconv>
 
 #include "framework/kivxmp/src/Encoding.h"
 #include "framework/kivxmp/src/TagScanner.h"
@@ -12,6 +10,19 @@
 #include <kivxmp/XMPNamespaces.h>
 
 namespace kivxmp {
+namespace {
+
+std::string HexDigits(std::uint32_t number)
+{
+    std::string digits;
+    do {
+        digits.insert(digits.begin(), "0123456789ABCDEF"[number % 16]);
+        number /= 16;
+    } while (number != 0);
+    return digits;
+}
+
+}  // namespace
 
 Layout Layout::Deeper() const
 {
@@ -61,8 +72,9 @@ std::string NamespaceContext::PrefixFor(std::string_view uri, std::string_view p
         base = "ns";
     }
     std::string prefix = base;
-    for (int number = 1; uriOfPrefix_.find(prefix) != uriOfPrefix_.end(); ++number) {
-        prefix = base + "_" + std::to_string(number);
+    std::size_t& lastNumber = lastNumbers_[base];
+    while (uriOfPrefix_.find(prefix) != uriOfPrefix_.end()) {
+        prefix = base + "_" + std::to_string(++lastNumber);
     }
     uriOfPrefix_.emplace(prefix, uri);
     prefixOfUri_.emplace(uri, prefix);
@@ -100,7 +112,7 @@ void RdfWriter::Write(std::string& out, const Node& node, const Layout& layout, 
 void RdfWriter::WriteNamed(std::string& out, const Node& node, const std::string& name,
                            const Layout& layout, std::size_t depth, bool isValueOnly)
 {
-    if (depth > kMaxNesting) {
+    if (depth + (node.IsArray() ? 1 : 0) > kMaxNesting) {
         throw XMP_Error(kKivXmpTooDeep, "the changed packet would be nested deeper than " +
                                             std::to_string(kMaxNesting) + " elements");
     }
@@ -252,10 +264,7 @@ std::string RdfWriter::Escaped(std::string_view text, bool isAttribute) const
             out += "&quot;";
         } else if (c == '\r' || (isAttribute && (c == '\t' || c == '\n')) || c > maxCharacter_) {
             // Written as themselves they would come back as spaces or line feeds, or not at all.
-            std::array<char, 8> digits{};
-            const auto result = std::to_chars(digits.data(), digits.data() + digits.size(), c, 16);
-            out += "&#x";
-            out.append(digits.data(), result.ptr);
+            out += "&#x" + HexDigits(c);
             out += ";";
         } else {
             out.append(begin, current);

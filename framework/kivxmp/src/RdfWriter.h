@@ -51,6 +51,7 @@ private:
     std::map<std::string, std::string, std::less<>> uriOfPrefix_;
     std::map<std::string, std::string, std::less<>> prefixOfUri_;
     std::vector<std::pair<std::string, std::string>> added_;
+    std::map<std::string, std::size_t> lastNumbers_;  // of prefixes that were made from another
 };
 
 class RdfWriter {

@@ -160,7 +160,7 @@ void TreeEditor::CheckSlot() const
     }
 }
 
-TreeEditor::Reached TreeEditor::CheckWay() const
+void TreeEditor::CheckWay(std::size_t inside) const
 {
     CheckNames();
     CheckSlot();
@@ -180,10 +180,9 @@ TreeEditor::Reached TreeEditor::CheckWay() const
             node = FindStep(*node, step, *object_.names);
         }
     }
-    if (depth > kMaxNesting) {
+    if (depth + inside > kMaxNesting) {
         Fail(kKivXmpTooDeep, "this is nested too deep");
     }
-    return {node, depth};
 }
 
 void TreeEditor::CheckStep(const Node* node, const PathStep& step) const
@@ -318,7 +317,9 @@ Node& TreeEditor::ReachStep(Node& node, std::size_t number)
         NodeAccess::ClearContent(node);
         NodeAccess::RemoveQualifier(node, terms_.datatype);
         NodeAccess::SetForm(node, NodeForm::kAlt);
-        NodeAccess::Children(node).push_back(std::move(item));
+        if (!item.Value().empty()) {
+            NodeAccess::Children(node).push_back(std::move(item));
+        }
     }
     if (const Node* const found = FindStep(node, step, *object_.names)) {
         return const_cast<Node&>(*found);  // `node` is ours to change, and so are its parts
@@ -389,7 +390,7 @@ void TreeEditor::SetText(NodeForm form, std::string_view value)
         CheckIsNoLanguage();
     }
     CheckText(value);
-    CheckWay();
+    CheckWay(/*inside=*/0);
     CheckNodeCount(0);
     std::string text(value);  // it may belong to the node that is about to change
     Node& node = Reach(path_.size());
@@ -408,7 +409,7 @@ void TreeEditor::SetList(NodeForm form, std::span<const std::string> items)
     }
     CheckIsNoLanguage();
     std::for_each(items.begin(), items.end(), [this](const std::string& item) { CheckText(item); });
-    CheckWay();
+    CheckWay(/*inside=*/2);
     CheckNodeCount(items.size());
     Node& node = Reach(path_.size());
     const std::size_t before = CountNodes(node);
@@ -439,7 +440,7 @@ void TreeEditor::SetLanguages(std::span<const LanguageText> items)
         CheckText(item.text);
         CheckText(item.language);
     }
-    CheckWay();
+    CheckWay(/*inside=*/2);
     CheckNodeCount(2 * items.size());
     Node& node = Reach(path_.size());
     const std::size_t before = CountNodes(node);
@@ -468,7 +469,7 @@ void TreeEditor::Ensure(NodeForm form)
         Fail(kKivXmpBadArgument, "this is no form of a list or structure");
     }
     CheckIsNoLanguage();
-    CheckWay();
+    CheckWay(/*inside=*/1);
     CheckNodeCount(0);
     Node& node = Reach(path_.size());
     const std::size_t before = CountNodes(node);
@@ -507,10 +508,7 @@ void TreeEditor::SetCopy(const Node& source)
     if (source.Form() != NodeForm::kSimple) {
         CheckIsNoLanguage();
     }
-    const Reached reached = CheckWay();
-    if (reached.depth + ElementDepth(source, terms_) - 1 > kMaxNesting) {
-        Fail(kKivXmpTooDeep, "this is nested too deep");
-    }
+    CheckWay(ElementDepth(source, terms_) - 1);
     Node copy = Adopt(source);
     const bool hasThatName = IsName(last)
                                  ? copy.LocalName() == last.local && copy.NamespaceUri() == last.uri
@@ -544,7 +542,7 @@ void TreeEditor::InsertItem(std::size_t index, NodeForm form, std::string_view v
     if (index == 0 || index > list.Children().size() + 1) {
         Fail(kKivXmpNotFound, "the list has " + std::to_string(list.Children().size()) + " items");
     }
-    CheckWay();
+    CheckWay(/*inside=*/3);  // the list's element, the item's, and that of a list as item
     CheckNodeCount(1);
     Node item =
         MakeText(object_.names->Ensure("rdf", terms_.li), isText ? value : std::string_view());

@@ -26,15 +26,10 @@ public:
     bool Remove();
 
 private:
-    struct Reached {
-        const Node* node;   // null if it is to be made
-        std::size_t depth;  // of its element in the packet
-    };
-
     void CheckNames() const;
     void CheckSlot() const;
-    /// Checks that the path can be followed, or made.
-    Reached CheckWay() const;
+    /// Checks that the path can be followed, or made, and has room for so many elements inside.
+    void CheckWay(std::size_t inside) const;
     void CheckStep(const Node* node, const PathStep& step) const;
     void CheckNodeCount(std::size_t added) const;
     void CheckText(std::string_view value) const;
