@@ -89,7 +89,7 @@ class Edits(KivhostTest):
     def test_typed_values_arrive_in_the_file_and_nothing_else_changes(self):
         before = self.independent()
         run = self.run_host(
-            "--set", "dc:title[x-default]=Größe, 大きさ & <size>",
+            "--set", "dc:title[@x-default]=Größe, 大きさ & <size>",
             "--set", 'dc:subject=["sea", "Möwe", "空"]',
             "--set", "photoshop:City=Göteborg",
             "--set", "xmp:Rating=4",
@@ -125,7 +125,7 @@ class Edits(KivhostTest):
 
     def test_exiv2_and_exiftool_see_the_edit(self):
         self.expect(
-            self.run_host("--set", "dc:title[x-default]=Lighthouse", "--auto", "ok", self.photo), 0
+            self.run_host("--set", "dc:title[@x-default]=Lighthouse", "--auto", "ok", self.photo), 0
         )
         for command in (["exiv2", "-px", self.photo], ["exiftool", "-XMP-dc:Title", self.photo]):
             run = subprocess.run(command, capture_output=True, text=True, check=False)
@@ -134,14 +134,14 @@ class Edits(KivhostTest):
     def test_a_photo_without_a_packet_gets_one(self):
         shutil.copy(sample("without-packet"), self.photo)
         self.original = self.photo.read_bytes()
-        self.expect(self.run_host("--set", "dc:title[x-default]=New", "--auto", "ok", self.photo), 0)
+        self.expect(self.run_host("--set", "dc:title[@x-default]=New", "--auto", "ok", self.photo), 0)
         self.assertEqual(self.independent()["dc:title[@x-default]"], "New")
         self.assert_only_the_packet_differs()
 
     def test_one_edit_after_the_other(self):
         for title in ("One", "Two", "Three"):
             self.expect(
-                self.run_host("--set", f"dc:title[x-default]={title}", "--auto", "ok", self.photo), 0
+                self.run_host("--set", f"dc:title[@x-default]={title}", "--auto", "ok", self.photo), 0
             )
             self.assertEqual(self.independent()["dc:title[@x-default]"], title)
         self.assert_only_the_packet_differs()
@@ -160,7 +160,7 @@ class Edits(KivhostTest):
         self.assert_untouched()
 
     def test_cancelling_leaves_the_file_alone(self):
-        run = self.run_host("--set", "dc:title[x-default]=No", "--auto", "cancel", self.photo)
+        run = self.run_host("--set", "dc:title[@x-default]=No", "--auto", "cancel", self.photo)
         self.expect(run, 2)
         self.assertEqual(run.stdout, "cancelled\n")
         self.assert_untouched()
@@ -266,9 +266,9 @@ class BadInput(KivhostTest):
         self.put(b"")
         self.refuse(message="photo.jpg")
         self.put(b"this is no photo")
-        self.refuse("--set", "dc:title[x-default]=x", message="photo.jpg")
+        self.refuse("--set", "dc:title[@x-default]=x", message="photo.jpg")
         self.put(self.original[:2])
-        self.refuse("--set", "dc:title[x-default]=x", message="photo.jpg")
+        self.refuse("--set", "dc:title[@x-default]=x", message="photo.jpg")
         self.assert_untouched()
 
     def test_a_photo_cut_before_and_within_its_packet(self):
@@ -276,7 +276,7 @@ class BadInput(KivhostTest):
         packet = whole.index(b"http://ns.adobe.com/xap/1.0/")
         for length in (packet - 10, packet + 200):
             self.put(whole[:length])
-            self.refuse("--set", "dc:title[x-default]=x", message="photo.jpg")
+            self.refuse("--set", "dc:title[@x-default]=x", message="photo.jpg")
             self.assert_untouched()
 
     def test_a_missing_file(self):
@@ -285,12 +285,12 @@ class BadInput(KivhostTest):
 
     def test_a_read_only_file(self):
         self.photo.chmod(0o444)
-        self.refuse("--set", "dc:title[x-default]=x", message="photo.jpg.*read-only")
+        self.refuse("--set", "dc:title[@x-default]=x", message="photo.jpg.*read-only")
         self.assert_untouched()
 
     def test_a_full_disk(self):
         self.refuse(
-            "--set", "dc:title[x-default]=x", message="photo.jpg", KIV_FILE_FAULT="write:ENOSPC:1"
+            "--set", "dc:title[@x-default]=x", message="photo.jpg", KIV_FILE_FAULT="write:ENOSPC:1"
         )
         self.assert_untouched()
 
@@ -304,7 +304,7 @@ class BadInput(KivhostTest):
         (preferences / "MetadataDialogPrefs.xml").write_bytes(b"<not <xml")
         (preferences / "UIPrefs.xml").write_bytes(b"\xff\xfe\x00")
         run = self.run_host(
-            "--set", "dc:title[x-default]=x", "--auto", "ok", self.photo, KIV_TRACE="*"
+            "--set", "dc:title[@x-default]=x", "--auto", "ok", self.photo, KIV_TRACE="*"
         )
         self.expect(run, 0)
 
