@@ -260,9 +260,6 @@ public:
         if (origin.identity) {
             RefuseReadOnly(origin.info.packetPath);
             file_.emplace(origin.info.packetPath);
-            if (file_->Identity() != *origin.identity) {
-                ThrowChanged("was changed since it was read");
-            }
             source_ = std::make_unique<FileSource>(*file_);
         } else {
             source_ = std::make_unique<MemorySource>(std::string_view());
@@ -292,12 +289,6 @@ public:
     std::unique_ptr<__XMPMeta__> TakeObject() { return std::move(writtenObject_); }
 
 private:
-    [[noreturn]] void ThrowChanged(const char* how) const
-    {
-        throw XMP_Error(kKivXmpFileChanged,
-                        origin_.packetPathUTF8 + ": " + how + "; nothing was written");
-    }
-
     void Write(OutputFile& out)
     {
         photo::ApplyPlan(
@@ -325,7 +316,9 @@ private:
         }
         // A sidecar that is to be made has no state to compare with, but it must still be missing.
         if (!origin_.identity && File(origin_.info.packetPath).Exists()) {
-            ThrowChanged("was made by another program meanwhile");
+            throw XMP_Error(kKivXmpFileChanged,
+                            origin_.packetPathUTF8 +
+                                ": was made by another program meanwhile; nothing was written");
         }
     }
 

@@ -1,0 +1,73 @@
+// How much memory a save takes. A program of its own, because it counts what all of it allocates.
+
+#include <gtest/gtest.h>
+
+#include <kivxmp/PhotoFile.h>
+
+#include <malloc.h>
+
+#include <algorithm>
+#include <cstddef>
+#include <cstdlib>
+#include <new>
+#include <string>
+
+#include "framework/kivcore/tests/TestFolder.h"
+#include "framework/kivxmp/tests/JpegBuilder.h"
+
+namespace {
+
+std::size_t bytesInUse = 0;
+std::size_t mostBytesInUse = 0;
+
+}  // namespace
+
+void* operator new(std::size_t bytes)
+{
+    void* const block = std::malloc(bytes);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    bytesInUse += malloc_usable_size(block);
+    mostBytesInUse = std::max(mostBytesInUse, bytesInUse);
+    return block;
+}
+
+void operator delete(void* block) noexcept
+{
+    bytesInUse -= malloc_usable_size(block);
+    std::free(block);
+}
+
+void operator delete(void* block, std::size_t) noexcept
+{
+    operator delete(block);
+}
+
+namespace kivxmp {
+namespace {
+
+TEST(PhotoMemory, ASaveTakesTwoMebibytesWhateverThePhotosSize)
+{
+    constexpr std::size_t kMiB = std::size_t{1024} * 1024;
+    const kivcore::testing::TestFolder folder;
+    const std::string photo = test::Jpeg().App0().Exif().Xmp(test::SmallPacket("t")).Scan().Bytes();
+    for (const std::size_t bytes : {photo.size(), 48 * kMiB}) {
+        SCOPED_TRACE(bytes);
+        folder.Write("p.jpg", photo);
+        std::filesystem::resize_file(folder.Of("p.jpg"), bytes);
+        const std::unique_ptr<__XMPMeta__> meta = OpenPhoto(folder.Path("p.jpg"));
+        meta->SetText("dc:title[@x-default]", "edited");
+        const std::size_t before = bytesInUse;
+        mostBytesInUse = before;
+        EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+        const std::size_t most = mostBytesInUse - before;
+        EXPECT_LE(most, 2 * kMiB);
+        // The buffers alone are more than this: the count does count.
+        EXPECT_GE(most, kMiB / 8);
+        RecordProperty("bytes", static_cast<int>(most));
+    }
+}
+
+}  // namespace
+}  // namespace kivxmp
