@@ -22,7 +22,8 @@ public:
     MetaDataProvider& operator=(const MetaDataProvider&) = delete;
 
     virtual ~MetaDataProvider();
-    /// Whether the property at `path` ("dc:title[@de]") is there and may change.
+    /// Whether the property at `path` ("dc:title[@de]") is there and may change. Throws XMP_Error
+    /// for what is no path.
     virtual PathStatus QueryPathStatus(const std::string& path) const = 0;
     /// Whether changes may be written at all.
     virtual bool CanWriteChanges() const = 0;
