@@ -22,14 +22,22 @@ std::size_t mostBytesInUse = 0;
 
 }  // namespace
 
-void* operator new(std::size_t bytes)
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept
 {
     void* const block = std::malloc(bytes);
+    if (block != nullptr) {
+        bytesInUse += malloc_usable_size(block);
+        mostBytesInUse = std::max(mostBytesInUse, bytesInUse);
+    }
+    return block;
+}
+
+void* operator new(std::size_t bytes)
+{
+    void* const block = operator new(bytes, std::nothrow);
     if (block == nullptr) {
         throw std::bad_alloc();
     }
-    bytesInUse += malloc_usable_size(block);
-    mostBytesInUse = std::max(mostBytesInUse, bytesInUse);
     return block;
 }
 
