@@ -65,6 +65,16 @@ bool RefersToEntities(std::string_view text) noexcept
     return false;
 }
 
+/// True if the node has nothing but this part, doubles of a field counted as one.
+bool IsAllOf(const Node& node, const Node& part) noexcept
+{
+    const std::vector<Node>& parts = node.Children();
+    return parts.size() == 1 ||
+           (!node.IsArray() && std::all_of(parts.begin(), parts.end(), [&part](const Node& one) {
+               return NodeAccess::Key(one) == NodeAccess::Key(part);
+           }));
+}
+
 std::string LowerCase(std::string_view text)
 {
     std::string lower(text);
@@ -603,7 +613,7 @@ bool TreeEditor::Remove()
     CheckSlot();
     std::size_t last = path_.size() - 1;
     while (last > 0 && path_[last].kind != PathStep::Kind::kQualifier &&
-           way[last - 1]->Children().size() == 1) {
+           IsAllOf(*way[last - 1], *way[last])) {
         --last;  // what would be left empty goes, too
     }
     const std::size_t removed = CountNodes(*way[last]);
@@ -626,7 +636,13 @@ void TreeEditor::RemovePart(std::size_t last)
         return;
     }
     std::vector<Node>& parts = NodeAccess::Children(parent);
-    parts.erase(parts.begin() + (part - parts.data()));
+    if (parent.IsArray()) {
+        parts.erase(parts.begin() + (part - parts.data()));
+        return;
+    }
+    // Doubles of a field go with it; else the next one would take its place.
+    const NameKey* const key = NodeAccess::Key(*part);
+    std::erase_if(parts, [key](const Node& one) { return NodeAccess::Key(one) == key; });
 }
 
 }  // namespace kivxmp

@@ -24,6 +24,7 @@ constexpr const char* kContent =
     "<ex:a><rdf:Alt><rdf:li xml:lang=\"x-default\">D</rdf:li>"
     "<rdf:li xml:lang=\"de\">G</rdf:li></rdf:Alt></ex:a>"
     "<ex:r rdf:ID=\"r\"/>"
+    "<ex:w rdf:parseType=\"Resource\"><ex:b>1</ex:b><ex:c>3</ex:c><ex:b>2</ex:b></ex:w>"
     "<ex:q rdf:value=\"v\" q:z=\"1\"/><ex:d rdf:datatype=\"i\">5</ex:d>";
 
 struct EditCase {
@@ -161,6 +162,8 @@ TEST(XMPMeta, Edits)
              m.Remove("ex:l[4]/ex:b/ex:c");
          },
          "ex:l[4]", ""},
+        {"a doubled field goes whole", [](M m) { m.Remove("ex:w/ex:b"); }, "ex:w",
+         "ex:w struct\nex:w/ex:c simple 3\n"},
         {"the last qualifier", [](M m) { m.Remove("ex:q/?q:z"); }, "ex:q", "ex:q simple v\n"},
         {"raw RDF", [](M m) { m.Remove("ex:r"); }, "ex:r", ""},
 
@@ -273,7 +276,7 @@ TEST(XMPMeta, RefusedEditsChangeNothing)
         const auto meta = Parse(InDescription(kContent));
         EXPECT_EQ(CodeThrownBy([&] { row.edit(*meta); }), row.want);
         EXPECT_FALSE(meta->IsChanged());
-        EXPECT_EQ(meta->PropertyCount(), 8u);
+        EXPECT_EQ(meta->PropertyCount(), 9u);
     }
 }
 
