@@ -1,7 +1,6 @@
 #include "framework/kivxmp/src/Encoding.h"
 
 #include <algorithm>
-#include <array>
 #include <iterator>
 
 #include <kivcore/StringConversion.h>
@@ -120,11 +119,11 @@ constexpr bool IsLowSurrogate(std::uint32_t unit) noexcept
 
 Encoding DetectEncoding(std::string_view bytes) noexcept
 {
-    std::array<unsigned char, 4> first = {1, 1, 1, 1};
-    for (std::size_t i = 0; i < std::min(first.size(), bytes.size()); ++i) {
-        first[i] = static_cast<unsigned char>(bytes[i]);
-    }
-    const bool isZero[4] = {first[0] == 0, first[1] == 0, first[2] == 0, first[3] == 0};
+    const auto byteAt = [bytes](std::size_t at) -> unsigned {
+        return at < bytes.size() ? static_cast<unsigned char>(bytes[at]) : 1u;
+    };
+    const unsigned first[2] = {byteAt(0), byteAt(1)};
+    const bool isZero[4] = {byteAt(0) == 0, byteAt(1) == 0, byteAt(2) == 0, byteAt(3) == 0};
     if (isZero[0] && isZero[1]) {
         return Encoding::kUtf32Be;
     }
