@@ -18,6 +18,7 @@ import sys
 TOP = pathlib.Path(__file__).resolve().parent.parent
 CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME", pathlib.Path.home() / ".cache"))
 CACHE = CACHE / "kivmetadataapi" / "tidy"
+GCC_ONLY = {"-fno-gnu-unique", "-Wno-restrict"}
 
 
 def is_ours(entry):
@@ -33,6 +34,12 @@ def command_of(entry):
     if pathlib.Path(words[0]).name == "ccache":
         words = words[1:]
     return words
+
+
+def for_clang(entry):
+    """The entry without what only GCC understands."""
+    words = [word for word in command_of(entry) if word not in GCC_ONLY]
+    return {"directory": entry["directory"], "file": entry["file"], "arguments": words}
 
 
 def fingerprint(entry):
@@ -55,16 +62,8 @@ def check(build, entry):
     if mark.exists():
         mark.touch()
         return entry["file"], True, ""
-    # The build may be GCC's, which knows warnings that Clang does not.
     run = subprocess.run(
-        [
-            "clang-tidy",
-            "--quiet",
-            "-p",
-            str(build),
-            "--extra-arg=-Wno-unknown-warning-option",
-            entry["file"],
-        ],
+        ["clang-tidy", "--quiet", "-p", str(build), entry["file"]],
         capture_output=True,
         text=True,
         check=False,
@@ -81,6 +80,9 @@ def main():
         if is_ours(entry):
             entries.setdefault(entry["file"], entry)
     CACHE.mkdir(parents=True, exist_ok=True)
+    build = build / "tidy"
+    build.mkdir(exist_ok=True)
+    (build / "compile_commands.json").write_text(json.dumps([for_clang(e) for e in entries.values()]))
     bad = 0
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
         results = pool.map(lambda entry: check(build, entry), entries.values())

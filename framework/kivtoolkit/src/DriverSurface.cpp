@@ -162,8 +162,12 @@ void DriverSurface::Choose(Field& field, std::optional<std::size_t> index)
         }
     } else if (auto* yesNo = dynamic_cast<YesNoFieldView*>(&view); yesNo != nullptr) {
         const auto& answer = static_cast<kivmetadataui::YesNoField&>(field);
-        const std::optional<bool> wanted = index ? std::optional<bool>(*index != 0) : std::nullopt;
-        for (int click = 0; click < kYesNoStates && answer.Value() != wanted; ++click) {
+        const bool isYes = index.value_or(0) != 0;
+        const auto isDone = [&] {
+            const std::optional<bool> value = answer.Value();
+            return value.has_value() == index.has_value() && value.value_or(false) == isYes;
+        };
+        for (int click = 0; click < kYesNoStates && !isDone(); ++click) {
             ClickAt(*control, middle(*control));
         }
     } else if (field.Kind() == FieldKind::kChoice && control != nullptr) {
