@@ -1,7 +1,9 @@
 #include <kivcore/Config.h>
 
+#include <cstddef>
 #include <memory>
 #include <utility>
+#include <vector>
 
 #include <kivcore/ErrorManager.h>
 #include <kivcore/LastFailure.h>
@@ -22,7 +24,7 @@ struct Client {
     UString buildNumber;
     bool hasName = false;
     bool headless = false;
-    MessageCallback messageCallback;
+    std::vector<MessageCallback> messageCallbacks;  // one for each Initialize not undone
 };
 
 Client& CurrentClient() noexcept
@@ -38,7 +40,7 @@ constinit bool isEnding = false;
 
 bool Initialize(const MessageCallback& callback)
 {
-    CurrentClient().messageCallback = callback;
+    CurrentClient().messageCallbacks.push_back(callback);
     return ++initializeCount == 1;
 }
 
@@ -48,6 +50,7 @@ void Terminate(const std::function<void()>* lastStep)
     if (initializeCount == 0 || isEnding) {
         return;
     }
+    const auto ended = static_cast<std::ptrdiff_t>(initializeCount - 1);
     if (initializeCount == 1 && lastStep != nullptr) {
         isEnding = true;
         try {
@@ -58,10 +61,14 @@ void Terminate(const std::function<void()>* lastStep)
         isEnding = false;
     }
     if (--initializeCount != 0) {  // the last step may have initialized anew
+        std::vector<MessageCallback>& callbacks = CurrentClient().messageCallbacks;
+        // Out of the list first: what a callback holds may look at the configuration when it goes.
+        const MessageCallback gone = std::move(callbacks[static_cast<std::size_t>(ended)]);
+        callbacks.erase(callbacks.begin() + ended);
         return;
     }
     {
-        // Moved out first: what the callback holds may look at the configuration when it goes.
+        // For the same reason moved out first.
         const Client gone = std::exchange(CurrentClient(), Client());
     }
     Locale::Reset();
@@ -76,7 +83,8 @@ bool IsInitialized() noexcept
 void SendMessageToClient(const char* message)
 {
     // A copy, because the callback may end the framework.
-    const MessageCallback callback = CurrentClient().messageCallback;
+    const std::vector<MessageCallback>& callbacks = CurrentClient().messageCallbacks;
+    const MessageCallback callback = callbacks.empty() ? MessageCallback() : callbacks.back();
     if (callback) {
         callback(message != nullptr ? message : "");
     }

@@ -19,9 +19,9 @@ using MessageCallback = boost::function<void(const char*)>;
 /// in force. Returns false if the framework was up already.
 KIVCORE_API bool Initialize(const MessageCallback& callback);
 
-/// Undoes one Initialize; silent when there is none. The one that reaches zero forgets client
-/// identity, headless mode, locale and message callback, and frees recycled blocks. `lastStep`, if
-/// not null, runs before that; what it throws is dropped.
+/// Undoes the newest Initialize, its callback included: the one before is in force again. Silent
+/// when there is none. The one that reaches zero forgets client identity, headless mode and locale,
+/// and frees recycled blocks. `lastStep`, if not null, runs before that; what it throws is dropped.
 KIVCORE_API void Terminate(const std::function<void()>* lastStep);
 
 /// True between the first Initialize and the last Terminate.
