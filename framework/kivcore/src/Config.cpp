@@ -10,7 +10,7 @@
 #include <kivcore/Locale.h>
 #include <kivcore/Trace.h>
 
-#include "src/NeverDestroyed.h"
+#include "framework/kivcore/src/NeverDestroyed.h"
 
 namespace kivcore::config {
 

@@ -1,4 +1,4 @@
-#include "src/Debugger.h"
+#include "framework/kivcore/src/Debugger.h"
 
 #include <array>
 #include <charconv>

@@ -13,7 +13,7 @@
 #include <kivcore/StringConversion.h>
 #include <kivcore/Trace.h>
 
-#include "src/NeverDestroyed.h"
+#include "framework/kivcore/src/NeverDestroyed.h"
 
 namespace kivcore::config {
 

@@ -10,7 +10,7 @@
 
 #include <kivcore/StringConversion.h>
 
-#include "src/NeverDestroyed.h"
+#include "framework/kivcore/src/NeverDestroyed.h"
 
 namespace kivcore {
 

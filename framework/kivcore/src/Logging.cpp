@@ -2,7 +2,7 @@
 
 #include <map>
 
-#include "src/NeverDestroyed.h"
+#include "framework/kivcore/src/NeverDestroyed.h"
 
 namespace kivcore::logging {
 

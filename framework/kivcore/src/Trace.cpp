@@ -12,8 +12,8 @@
 #include <string>
 #include <utility>
 
-#include "src/Debugger.h"
-#include "src/NeverDestroyed.h"
+#include "framework/kivcore/src/Debugger.h"
+#include "framework/kivcore/src/NeverDestroyed.h"
 
 namespace kivcore::debug {
 

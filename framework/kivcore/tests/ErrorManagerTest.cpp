@@ -17,7 +17,7 @@
 #include <kivcore/StringConversion.h>
 #include <kivcore/Trace.h>
 
-#include "VirtualSlot.h"
+#include "framework/kivcore/tests/VirtualSlot.h"
 
 namespace kivcore::config {
 namespace {

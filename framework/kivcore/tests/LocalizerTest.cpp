@@ -12,7 +12,7 @@
 #include <kivcore/Locale.h>
 #include <kivcore/StringConversion.h>
 
-#include "VirtualSlot.h"
+#include "framework/kivcore/tests/VirtualSlot.h"
 
 namespace kivcore::config {
 namespace {

@@ -1,10 +1,11 @@
+#include "framework/kivmetadataui/src/ToolkitLoader.h"
+
 #include <dlfcn.h>
 
 #include <stdexcept>
 #include <string>
 
 #include "framework/kivmetadataui/src/Texts.h"
-#include "framework/kivmetadataui/src/ToolkitLoader.h"
 
 namespace kivmetadataui {
 

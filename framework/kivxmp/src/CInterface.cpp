@@ -1,12 +1,12 @@
 // The plain C interface: each call runs the C++ one and turns exceptions into codes.
 
+#include "framework/kivxmp/src/CInterface.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <exception>
 #include <new>
 #include <vector>
-
-#include "framework/kivxmp/src/CInterface.h"
 
 #include <kivcore/LastFailure.h>
 #include <kivxmp/XMPAccess.h>
