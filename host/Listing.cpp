@@ -2,8 +2,6 @@
 
 #include "include/kivmetadataapi.h"
 
-#include <kivcore/StringConversion.h>
-
 #include <array>
 
 namespace kivhost {
@@ -31,7 +29,43 @@ int DumpNode(void* context, const KivXmpNode* node)
     return 0;
 }
 
+void AppendUtf8(std::uint32_t code, std::string& text)
+{
+    const auto append = [&text](std::uint32_t byte) { text += static_cast<char>(byte); };
+    if (code < 0x80) {
+        append(code);
+    } else if (code < 0x800) {
+        append(0xC0 | (code >> 6));
+        append(0x80 | (code & 0x3F));
+    } else if (code < 0x10000) {
+        append(0xE0 | (code >> 12));
+        append(0x80 | ((code >> 6) & 0x3F));
+        append(0x80 | (code & 0x3F));
+    } else {
+        append(0xF0 | (code >> 18));
+        append(0x80 | ((code >> 12) & 0x3F));
+        append(0x80 | ((code >> 6) & 0x3F));
+        append(0x80 | (code & 0x3F));
+    }
+}
+
 }  // namespace
+
+std::string ToUtf8(const std::uint16_t* units)
+{
+    constexpr std::uint32_t kReplacement = 0xFFFD;
+    std::string text;
+    while (*units != 0) {
+        std::uint32_t code = *units++;
+        if (code >= 0xD800 && code < 0xDC00 && *units >= 0xDC00 && *units < 0xE000) {
+            code = 0x10000 + ((code - 0xD800) << 10) + (*units++ - 0xDC00U);
+        } else if (code >= 0xD800 && code < 0xE000) {
+            code = kReplacement;
+        }
+        AppendUtf8(code, text);
+    }
+    return text;
+}
 
 std::string JsonString(std::string_view text)
 {
@@ -76,10 +110,9 @@ void ListDefinitions(std::ostream& out)
 {
     const auto* record = static_cast<const KIVMetadataRecord*>(GetGlobalKIVMetadataVector());
     for (std::size_t i = 0; i < GetGlobalKIVMetadataVectorSize(); ++i, ++record) {
-        const std::u16string_view label(reinterpret_cast<const char16_t*>(record->label));
         out << R"({"view":)" << JsonString(record->viewText) << R"(,"namespace":)"
             << JsonString(record->itemText) << R"(,"name":)" << JsonString(record->itemKeyText)
-            << R"(,"label":)" << JsonString(kivcore::string::UTF16to8(label)) << R"(,"editable":)"
+            << R"(,"label":)" << JsonString(ToUtf8(record->label)) << R"(,"editable":)"
             << (record->propertyFlag != 0 ? "true" : "false") << "}\n";
     }
 }

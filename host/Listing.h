@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstdint>
 #include <ostream>
 #include <string>
 #include <string_view>
@@ -9,6 +10,10 @@
 #include <kivxmp/kivxmp.h>
 
 namespace kivhost {
+
+/// UTF-16 units up to a zero, as the records of definitions have them, in UTF-8. A lone surrogate
+/// becomes U+FFFD.
+std::string ToUtf8(const std::uint16_t* units);
 
 /// `text` (UTF-8) as a JSON string, quotes included.
 std::string JsonString(std::string_view text);
