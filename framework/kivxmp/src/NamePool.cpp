@@ -4,47 +4,84 @@
 
 namespace kivxmp {
 
-NamePool::NamePool()
+NamePool::NamePool(std::size_t count)
 {
-    const auto rdf = [this](std::string_view local) { return EnsureKey(kRdfUri, local); };
-    terms_ = {rdf("RDF"),       rdf("Description"), rdf("Bag"),
-              rdf("Seq"),       rdf("Alt"),         rdf("li"),
-              rdf("value"),     rdf("type"),        rdf("about"),
-              rdf("ID"),        rdf("nodeID"),      rdf("resource"),
-              rdf("parseType"), rdf("datatype"),    EnsureKey(kXmlUri, "lang")};
+    keyTable_.Reserve(count);
+    const std::string* const rdfUri = EnsureText(kRdfUri);
+    const std::string* const xmlUri = EnsureText(kXmlUri);
+    const auto rdf = [this, rdfUri](std::string_view local) { return EnsureKey(rdfUri, local); };
+    terms_ = {rdfUri,
+              xmlUri,
+              rdf("RDF"),
+              rdf("Description"),
+              rdf("Bag"),
+              rdf("Seq"),
+              rdf("Alt"),
+              rdf("li"),
+              rdf("value"),
+              rdf("type"),
+              rdf("about"),
+              rdf("ID"),
+              rdf("nodeID"),
+              rdf("resource"),
+              rdf("parseType"),
+              rdf("datatype"),
+              EnsureKey(xmlUri, "lang")};
 }
 
-const NameKey* NamePool::FindKey(std::string_view uri, std::string_view local) const
+const std::string* NamePool::EnsureText(std::string_view text)
 {
-    const auto found = keyIndex_.find({local, uri});
-    return found == keyIndex_.end() ? nullptr : found->second;
+    const auto found = texts_.find(text);
+    return &(found != texts_.end() ? found : texts_.emplace(text, true).first)->first;
 }
 
-const NameKey* NamePool::EnsureKey(std::string_view uri, std::string_view local)
+std::uint64_t NamePool::HashOfKey(const std::string* uri, std::string_view local) const noexcept
 {
-    if (const NameKey* known = FindKey(uri, local)) {
+    return HashOf(local, seed_ ^ reinterpret_cast<std::uintptr_t>(uri));
+}
+
+const NameKey* NamePool::FindKey(std::uint64_t hash, const std::string* uri,
+                                 std::string_view local) const noexcept
+{
+    NameKey* const* const found = keyTable_.Find(
+        hash, [&](const NameKey* key) { return key->uri == uri && key->local == local; });
+    return found != nullptr ? *found : nullptr;
+}
+
+const NameKey* NamePool::FindKey(std::string_view uri, std::string_view local) const noexcept
+{
+    const auto found = texts_.find(uri);
+    return found == texts_.end() ? nullptr
+                                 : FindKey(HashOfKey(&found->first, local), &found->first, local);
+}
+
+const NameKey* NamePool::EnsureKey(const std::string* uri, std::string_view local)
+{
+    const std::uint64_t hash = HashOfKey(uri, local);
+    if (const NameKey* const known = FindKey(hash, uri, local)) {
         return known;
     }
-    const NameKey& key = keys_.emplace_back(NameKey{std::string(uri), std::string(local)});
-    // Local names differ early, URIs late.
-    keyIndex_.emplace(std::pair<std::string_view, std::string_view>(key.local, key.uri), &key);
-    return &key;
+    if (keyCount_ == kBlockKeys * keys_.size()) {
+        keys_.push_back(std::make_unique<NameKey[]>(kBlockKeys));
+    }
+    NameKey& key = keys_.back()[keyCount_ % kBlockKeys];
+    key = {uri, std::string(local), keyCount_, {&key, nullptr}};
+    ++keyCount_;
+    return keyTable_.Insert(hash, &key);
 }
 
-const QName* NamePool::Ensure(std::string_view prefix, const NameKey* key)
+const QName* NamePool::Ensure(const std::string* prefix, const NameKey* key)
 {
-    const auto found = nameIndex_.find({key, prefix});
-    if (found != nameIndex_.end()) {
-        return found->second;
+    if (key->first.prefix == nullptr) {
+        keys_[key->number / kBlockKeys][key->number % kBlockKeys].first.prefix = prefix;
     }
-    const QName& name = names_.emplace_back(QName{key, std::string(prefix)});
-    nameIndex_.emplace(std::pair<const NameKey*, std::string_view>(key, name.prefix), &name);
-    return &name;
+    return key->first.prefix == prefix ? &key->first
+                                       : &others_.emplace(QName{key, prefix}, true).first->first;
 }
 
 const QName* NamePool::Ensure(std::string_view prefix, std::string_view uri, std::string_view local)
 {
-    return Ensure(prefix, EnsureKey(uri, local));
+    return Ensure(prefix, EnsureKey(EnsureText(uri), local));
 }
 
 void NamePool::NoteDeclaration(std::string_view prefix, std::string_view uri)

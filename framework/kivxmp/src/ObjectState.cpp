@@ -1,11 +1,21 @@
 #include "framework/kivxmp/src/ObjectState.h"
 
+#include <algorithm>
+
 namespace kivxmp {
 
 const Node* ObjectState::FindProperty(const NameKey* key) const noexcept
 {
-    const auto found = index.find(key);
-    return found == index.end() ? nullptr : slots[found->second].current.get();
+    const std::size_t number = SlotOf(key);
+    return number == kNowhere ? nullptr : slots[number].Current();
+}
+
+void ObjectState::SetSlotOf(const NameKey* key, std::size_t number)
+{
+    if (key->number >= slotOfName_.size()) {
+        slotOfName_.resize(std::max(key->number + 1, 2 * slotOfName_.size()), kNowhere);
+    }
+    slotOfName_[key->number] = number;
 }
 
 const Node* ObjectState::Find(const Path& path) const noexcept

@@ -5,7 +5,6 @@
 
 #include <cstddef>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 #include "framework/kivxmp/src/NamePool.h"
@@ -18,22 +17,29 @@ namespace kivxmp {
 
 /// One property and its place in the packet.
 struct Slot {
-    enum class Place {
+    enum class Place : unsigned char {
         kNew,        ///< not in the packet
         kElement,    ///< an element of a description; `span` is all of it
         kAttribute,  ///< of a description; `span` begins with the white space in front of it
         kTopLevel,   ///< an element of rdf:RDF that is no description of ours
         kFixed,      ///< comes out of an entity and cannot be changed
     };
-    std::shared_ptr<Node> current;         // null if removed; not changed while shared
-    std::shared_ptr<const Node> original;  // null for a new one
-    Place place = Place::kNew;
+    const Node* original = nullptr;  // in ObjectState::originals; null for a new one
+    std::shared_ptr<Node> changed;   // what took its place; not changed while shared
     Span span;
     std::size_t description = kNowhere;  // index in Packet::descriptions
-    bool hasTwins = false;               // the packet holds more properties of this name
+    Place place = Place::kNew;
+    bool isRemoved = false;
+    bool hasTwins = false;  // the packet holds more properties of this name
 
+    /// Null if it was removed.
+    const Node* Current() const noexcept
+    {
+        return isRemoved ? nullptr : changed != nullptr ? changed.get() : original;
+    }
     bool IsChanged() const noexcept
     {
+        const Node* const current = Current();
         if (current == original) {
             return false;
         }
@@ -45,15 +51,25 @@ class ObjectState {
 public:
     std::shared_ptr<const Packet> packet;
     std::shared_ptr<NamePool> names;
+    std::shared_ptr<const std::vector<Node>> originals;  // the properties as they were read
     std::vector<Slot> slots;
-    std::unordered_map<const NameKey*, std::size_t> index;  // the first slot of each name
     std::size_t nodeCount = 0;
     std::shared_ptr<Origin> origin;
 
+    /// Number of the first slot of that name; kNowhere where there is none.
+    std::size_t SlotOf(const NameKey* key) const noexcept
+    {
+        return key != nullptr && key->number < slotOfName_.size() ? slotOfName_[key->number]
+                                                                  : kNowhere;
+    }
+    void SetSlotOf(const NameKey* key, std::size_t number);
     /// Null where there is none, or where it was removed.
     const Node* FindProperty(const NameKey* key) const noexcept;
     const Node* Find(const Path& path) const noexcept;
     PrefixLookup Prefixes() const;
+
+private:
+    std::vector<std::size_t> slotOfName_;  // by the number of the name
 };
 
 /// Where on the way from a node one step leads; null where nothing is.

@@ -34,7 +34,7 @@ public:
         if (parser_ == nullptr) {
             throw std::bad_alloc();
         }
-        bindings_["xml"].emplace_back(kXmlUri);
+        BindingOf("xml").uris.push_back(names_.Terms().xmlUri);
         XML_SetUserData(parser_.get(), this);
         XML_SetElementHandler(parser_.get(), &OnStart, &OnEnd);
         XML_SetCharacterDataHandler(parser_.get(), &OnText);
@@ -57,17 +57,18 @@ public:
         if (status != XML_STATUS_OK && !isEmptyWrapper) {
             Fail(CodeOf(error), XML_ErrorString(error));
         }
+        builder_.Finish();
         if (packet_->rdf.begin == kNowhere && packet_->root.begin == kNowhere && !isEmptyWrapper) {
             throw XMP_Error(kKivXmpNoPacket, "there is no rdf:RDF element in this XML");
         }
     }
 
 private:
-    struct CachedName {
-        std::size_t version = 0;  // the bindings it was resolved with
-        const QName* name = nullptr;
+    /// What a prefix stands for, in the elements that are open.
+    struct Binding {
+        const std::string* prefix = nullptr;   // of the name pool
+        std::vector<const std::string*> uris;  // innermost last
     };
-    using NameCache = std::map<std::string, CachedName, std::less<>>;
 
     /// Runs a handler. What it throws must not cross the parser's own frames.
     template <class Function>
@@ -164,14 +165,14 @@ private:
         for (std::size_t i = 0; attributes[2 * i] != nullptr; ++i) {
             const std::string_view attribute = attributes[2 * i];
             if (attribute != "xmlns" && attribute.substr(0, 6) != "xmlns:") {
-                attributes_.push_back({Resolve(attribute, attributeCache_, /*isElement=*/false),
+                attributes_.push_back({Resolve(attribute, /*isElement=*/false),
                                        attributes[2 * i + 1], i < specified ? i : kNowhere});
             }
         }
         const std::size_t begin = Offset();
         const bool isLiteral = begin < packet_->text.size() && packet_->text[begin] == '<';
-        builder_.Start({Resolve(name, elementCache_, /*isElement=*/true), attributes_, begin,
-                        isLiteral, outer, scope});
+        builder_.Start(
+            {Resolve(name, /*isElement=*/true), attributes_, begin, isLiteral, outer, scope});
     }
 
     void End()
@@ -182,9 +183,8 @@ private:
         const Scope* const outer = scopes_.empty() ? nullptr : scopes_.back();
         if (own != outer) {
             for (const auto& [prefix, uri] : own->bindings) {
-                bindings_.find(prefix)->second.pop_back();
+                bindings_.find(prefix)->second.uris.pop_back();
             }
-            version_ = ++lastVersion_;
         }
     }
 
@@ -205,39 +205,24 @@ private:
                 own = &packet_->scopes.emplace_back(Scope{outer, {}});
             }
             own->bindings.emplace_back(prefix, attributes[1]);
-            Bindings(prefix).emplace_back(attributes[1]);
+            BindingOf(prefix).uris.push_back(names_.EnsureText(attributes[1]));
             if (!prefix.empty() && *attributes[1] != '\0') {
                 names_.NoteDeclaration(prefix, attributes[1]);
             }
         }
-        if (own == nullptr) {
-            return outer;
-        }
-        version_ = ++lastVersion_;
-        return own;
+        return own != nullptr ? own : outer;
     }
 
-    std::vector<std::string>& Bindings(std::string_view prefix)
+    Binding& BindingOf(std::string_view prefix)
     {
-        const auto found = bindings_.find(prefix);
-        return found != bindings_.end() ? found->second : bindings_[std::string(prefix)];
+        auto found = bindings_.find(prefix);
+        if (found == bindings_.end()) {
+            found = bindings_.emplace(prefix, Binding{names_.EnsureText(prefix), {}}).first;
+        }
+        return found->second;
     }
 
-    const QName* Resolve(std::string_view name, NameCache& cache, bool isElement)
-    {
-        auto found = cache.find(name);
-        if (found == cache.end()) {
-            found = cache.emplace(name, CachedName()).first;
-        }
-        CachedName& cached = found->second;
-        if (cached.version != version_) {
-            cached.name = ResolveAnew(name, isElement);
-            cached.version = version_;
-        }
-        return cached.name;
-    }
-
-    const QName* ResolveAnew(std::string_view name, bool isElement)
+    const QName* Resolve(std::string_view name, bool isElement)
     {
         const std::size_t colon = name.find(':');
         const bool hasPrefix = colon != std::string_view::npos;
@@ -248,15 +233,18 @@ private:
             Fail(kKivXmpMalformed, "\"" + std::string(name) + "\" is no name with one prefix");
         }
         if (!hasPrefix && !isElement) {
-            return names_.Ensure({}, {}, local);
+            return names_.Ensure(nothing_, names_.EnsureKey(nothing_, local));
         }
-        const auto bound = bindings_.find(prefix);
-        const bool isBound = bound != bindings_.end() && !bound->second.empty();
-        const std::string_view uri = isBound ? bound->second.back() : std::string_view();
-        if (hasPrefix && uri.empty()) {
+        // Mostly it is the prefix of the element or attribute before.
+        const Binding*& last = isElement ? lastOfElements_ : lastOfAttributes_;
+        if (last == nullptr || *last->prefix != prefix) {
+            last = &BindingOf(prefix);
+        }
+        const std::string* const uri = last->uris.empty() ? nothing_ : last->uris.back();
+        if (hasPrefix && uri->empty()) {
             Fail(kKivXmpMalformed, "the prefix \"" + std::string(prefix) + "\" is not declared");
         }
-        return names_.Ensure(prefix, uri, local);
+        return names_.Ensure(last->prefix, names_.EnsureKey(uri, local));
     }
 
     void Instruction(std::string_view target, std::string_view data)
@@ -278,14 +266,13 @@ private:
     RdfBuilder builder_;
     ParserHandle parser_;
     std::exception_ptr failure_;
+    const std::string* nothing_ = names_.EnsureText({});
 
-    std::map<std::string, std::vector<std::string>, std::less<>> bindings_;  // innermost last
-    std::vector<const Scope*> scopes_;                                       // of open elements
+    std::map<std::string, Binding, std::less<>> bindings_;
+    const Binding* lastOfElements_ = nullptr;
+    const Binding* lastOfAttributes_ = nullptr;
+    std::vector<const Scope*> scopes_;  // of open elements
     std::vector<ElementStart::Attribute> attributes_;
-    NameCache elementCache_;
-    NameCache attributeCache_;
-    std::size_t lastVersion_ = 1;
-    std::size_t version_ = 1;
     bool hasHeader_ = false;
 };
 
@@ -298,10 +285,12 @@ constexpr std::string_view kNewPacket =
     "</x:xmpmeta>\n"
     "<?xpacket end=\"w\"?>";
 
+constexpr std::size_t kBytesPerName = 64;  // in packets whose names all differ
+
 std::unique_ptr<ObjectState> Build(std::shared_ptr<Packet> packet)
 {
     auto object = std::make_unique<ObjectState>();
-    object->names = std::make_shared<NamePool>();
+    object->names = std::make_shared<NamePool>(packet->text.size() / kBytesPerName);
     PacketReader(packet, *object).Read();
     object->packet = std::move(packet);
     return object;

@@ -67,7 +67,7 @@ private:
                     added.push_back(&slot);
                     break;
                 case Slot::Place::kElement:
-                    if (slot.current != nullptr) {
+                    if (slot.Current() != nullptr) {
                         descriptions_[slot.description].elements.push_back(&slot);
                     } else {
                         edits_.push_back({WithSpaceInFront(slot.span), {}});
@@ -75,12 +75,12 @@ private:
                     break;
                 case Slot::Place::kAttribute:
                     edits_.push_back({slot.span, {}});
-                    if (slot.current != nullptr) {
+                    if (slot.Current() != nullptr) {
                         descriptions_[slot.description].attributes.push_back(&slot);
                     }
                     break;
                 case Slot::Place::kTopLevel:
-                    if (slot.current == nullptr) {
+                    if (slot.Current() == nullptr) {
                         edits_.push_back({WithSpaceInFront(slot.span), {}});
                     }
                     break;
@@ -118,7 +118,7 @@ private:
             }
         }
         for (const Slot* const slot : added) {
-            const std::string_view uri = slot->current->NamespaceUri();
+            const std::string_view uri = slot->Current()->NamespaceUri();
             if (const auto own = byProperty.find(uri); own != byProperty.end()) {
                 descriptions_[own->second].added.push_back(slot);
             } else if (const auto same = byDeclaration.find(uri); same != byDeclaration.end()) {
@@ -137,7 +137,7 @@ private:
         RdfWriter writer(context, terms_, MaxCharacter(packet_.encoding));
         for (const Slot* const slot : changes.elements) {
             std::string element;
-            writer.Write(element, *slot->current, LayoutAt(slot->span.begin, &place),
+            writer.Write(element, *slot->Current(), LayoutAt(slot->span.begin, &place),
                          place.depth + 1);
             edits_.push_back({slot->span, std::move(element)});
         }
@@ -146,7 +146,7 @@ private:
             std::string text;
             for (const Slot* const slot : slots) {
                 text += layout.Break();
-                writer.Write(text, *slot->current, layout, place.depth + 1);
+                writer.Write(text, *slot->Current(), layout, place.depth + 1);
             }
             return text;
         };
@@ -226,7 +226,7 @@ private:
         std::string content;
         for (const Slot* const slot : unplaced_) {
             content += inner.Break();
-            writer.Write(content, *slot->current, inner, depth + 1);
+            writer.Write(content, *slot->Current(), inner, depth + 1);
         }
         const std::string separator = layout.isPretty ? layout.Break() + "   " : " ";
         return layout.Break() + "<" + rdf + "Description " + rdf + "about=\"" +

@@ -1,6 +1,7 @@
 #include "framework/kivxmp/src/RdfBuilder.h"
 
 #include <algorithm>
+#include <array>
 #include <unordered_set>
 #include <utility>
 
@@ -20,22 +21,23 @@ public:
     /// False if `key` was added before.
     bool Add(const NameKey* key)
     {
-        constexpr std::size_t kFew = 8;
-        if (many_.empty() && few_.size() < kFew) {
-            if (std::find(few_.begin(), few_.end(), key) != few_.end()) {
+        const auto end = few_.begin() + static_cast<std::ptrdiff_t>(count_);
+        if (count_ < few_.size()) {
+            if (std::find(few_.begin(), end, key) != end) {
                 return false;
             }
-            few_.push_back(key);
+            few_[count_++] = key;
             return true;
         }
         if (many_.empty()) {
-            many_.insert(few_.begin(), few_.end());
+            many_.insert(few_.begin(), end);
         }
         return many_.insert(key).second;
     }
 
 private:
-    std::vector<const NameKey*> few_;
+    std::array<const NameKey*, 8> few_;
+    std::size_t count_ = 0;
     std::unordered_set<const NameKey*> many_;
 };
 
@@ -46,17 +48,19 @@ RdfBuilder::RdfBuilder(std::shared_ptr<Packet> packet, ObjectState& object)
       object_(object),
       names_(*object.names),
       terms_(names_.Terms()),
-      xmpMeta_(names_.EnsureKey("adobe:ns:meta/", "xmpmeta")),
-      frames_(kMaxNesting + 1)
+      xmpMeta_(names_.EnsureKey(names_.EnsureText("adobe:ns:meta/"), "xmpmeta"))
 {
     Push(Kind::kOutside);
 }
 
 RdfBuilder::Frame& RdfBuilder::Push(Kind kind)
 {
-    if (depth_ == frames_.size()) {
+    if (depth_ == kMaxNesting + 1) {
         throw XMP_Error(kKivXmpTooDeep, "the packet is nested deeper than " +
                                             std::to_string(kMaxNesting) + " elements");
+    }
+    if (depth_ == frames_.size()) {
+        frames_.emplace_back();
     }
     Frame& frame = frames_[depth_++];
     frame.kind = kind;
@@ -142,7 +146,7 @@ bool RdfBuilder::IsForeign(const ElementStart& element) const
     }
     for (const ElementStart::Attribute& attribute : element.attributes) {
         const NameKey* const key = attribute.name->key;
-        const bool isAbout = key == terms_.about || (key->uri.empty() && key->local == "about");
+        const bool isAbout = key == terms_.about || (key->uri->empty() && key->local == "about");
         if (isAbout && !attribute.value.empty() && !packet_->about.empty() &&
             attribute.value != packet_->about) {
             return true;  // it tells about another resource
@@ -193,17 +197,17 @@ void RdfBuilder::AddDescriptionAttribute(const ElementStart& element,
                                          const StartTag& tag, std::size_t description)
 {
     const NameKey* const key = attribute.name->key;
-    if (key == terms_.about || (key->uri.empty() && key->local == "about")) {
+    if (key == terms_.about || (key->uri->empty() && key->local == "about")) {
         if (packet_->about.empty()) {
             packet_->about = attribute.value;
         }
         return;
     }
     // They name the description or its language, and are no properties.
-    if (key == terms_.id || key->uri == kXmlUri) {
+    if (key == terms_.id || key->uri == terms_.xmlUri) {
         return;
     }
-    const bool isAllowed = key == terms_.type || (key->uri != kRdfUri && !key->uri.empty());
+    const bool isAllowed = key == terms_.type || (key->uri != terms_.rdfUri && !key->uri->empty());
     Node node = MakeText(attribute.name, key == terms_.type ? NodeForm::kUri : NodeForm::kSimple,
                          attribute.value);
     Slot::Place place = Slot::Place::kFixed;
@@ -215,11 +219,10 @@ void RdfBuilder::AddDescriptionAttribute(const ElementStart& element,
         span = {found.spaceBegin, found.span.end};
         bytes = found.span;
     }
-    RawSource source = SourceOf(bytes, element.scope);
     if (!isAllowed) {
-        NodeAccess::MakeRaw(node, source);
+        NodeAccess::MakeRaw(node, SourceOf(bytes, element.scope));
     }
-    AddSlot(std::move(node), place, span, description, std::move(source));
+    AddSlot(std::move(node), place, span, description, bytes, element.scope);
 }
 
 void RdfBuilder::StartSkipped(const ElementStart&)
@@ -261,8 +264,8 @@ void RdfBuilder::StartNodeElement(const ElementStart& element)
             return;
         }
     }
-    const bool isOtherTerm = key->uri == kRdfUri && key != terms_.description;
-    if (isOtherTerm || key->uri.empty()) {
+    const bool isOtherTerm = key->uri == terms_.rdfUri && key != terms_.description;
+    if (isOtherTerm || key->uri->empty()) {
         StartSkipped(element);
         return;
     }
@@ -279,17 +282,18 @@ void RdfBuilder::StartStruct(const ElementStart& element)
         // The short way to write a type.
         NodeAccess::AddQualifier(
             node,
-            MakeText(names_.Ensure("rdf", terms_.type), NodeForm::kUri, key->uri + key->local),
+            MakeText(names_.Ensure("rdf", terms_.type), NodeForm::kUri, *key->uri + key->local),
             terms_);
     }
     for (const ElementStart::Attribute& attribute : element.attributes) {
         const NameKey* const name = attribute.name->key;
-        const bool isAbout = name == terms_.about || (name->uri.empty() && name->local == "about");
+        const bool isAbout = name == terms_.about || (name->uri->empty() && name->local == "about");
         if (isAbout && attribute.value.empty()) {
             continue;
         }
-        const bool isTerm = name->uri == kRdfUri && name != terms_.type && name != terms_.value;
-        if (isTerm || name->uri.empty() || name->uri == kXmlUri) {
+        const bool isTerm =
+            name->uri == terms_.rdfUri && name != terms_.type && name != terms_.value;
+        if (isTerm || name->uri->empty() || name->uri == terms_.xmlUri) {
             StartSkipped(element);
             return;
         }
@@ -321,9 +325,9 @@ void RdfBuilder::StartProperty(const ElementStart& element, bool isItem, bool is
     frame.scope = element.outerScope;
 
     const NameKey* const key = element.name->key;
-    const bool isTerm = key->uri == kRdfUri && key != terms_.type &&
+    const bool isTerm = key->uri == terms_.rdfUri && key != terms_.type &&
                         (isTop || key != terms_.value) && (!isItem || key != terms_.li);
-    frame.isRaw = isTerm || key->uri.empty() || key->uri == kXmlUri;
+    frame.isRaw = isTerm || key->uri->empty() || key->uri == terms_.xmlUri;
     if (!frame.isRaw && !element.attributes.empty()) {
         ReadPropertyAttributes(element, frame);
     }
@@ -347,8 +351,8 @@ void RdfBuilder::ReadPropertyAttributes(const ElementStart& element, Frame& fram
             parseType = &attribute;
         } else if (key == terms_.datatype) {
             datatype = &attribute;
-        } else if (key->uri.empty() || key->uri == kXmlUri ||
-                   (key->uri == kRdfUri && key != terms_.value && key != terms_.type)) {
+        } else if (key->uri->empty() || key->uri == terms_.xmlUri ||
+                   (key->uri == terms_.rdfUri && key != terms_.value && key != terms_.type)) {
             frame.isRaw = true;
             return;
         } else {
@@ -462,7 +466,7 @@ void RdfBuilder::EndProperty(std::size_t end)
         const Slot::Place place = topIsFixed_ ? Slot::Place::kFixed
                                   : isTop     ? Slot::Place::kTopLevel
                                               : Slot::Place::kElement;
-        AddSlot(std::move(node), place, span, parent.description, SourceOf(span, frame.scope));
+        AddSlot(std::move(node), place, span, parent.description, span, frame.scope);
         return;
     }
     Frame& owner = PropertyOfTop();
@@ -533,24 +537,33 @@ bool RdfBuilder::TakeValue(Node& node)
 }
 
 void RdfBuilder::AddSlot(Node node, Slot::Place place, Span span, std::size_t description,
-                         RawSource source)
+                         Span bytes, const Scope* scope)
 {
     const NameKey* const key = NodeAccess::Key(node);
     Slot slot;
     // What stands beside the descriptions is no property, whatever its name.
     if (description != kNowhere) {
-        const auto [found, isFirst] = object_.index.try_emplace(key, object_.slots.size());
-        if (!isFirst) {
-            object_.slots[found->second].hasTwins = true;
-            NodeAccess::MakeRaw(node, std::move(source));
+        const std::size_t first = object_.SlotOf(key);
+        if (first != kNowhere) {
+            object_.slots[first].hasTwins = true;
+            NodeAccess::MakeRaw(node, SourceOf(bytes, scope));
+        } else {
+            object_.SetSlotOf(key, object_.slots.size());
         }
     }
-    slot.current = std::make_shared<Node>(std::move(node));
-    slot.original = slot.current;
+    originals_->push_back(std::move(node));
     slot.place = place;
     slot.span = span;
     slot.description = description;
     object_.slots.push_back(std::move(slot));
+}
+
+void RdfBuilder::Finish()
+{
+    for (std::size_t i = 0; i < originals_->size(); ++i) {
+        object_.slots[i].original = &(*originals_)[i];
+    }
+    object_.originals = originals_;
 }
 
 Node RdfBuilder::MakeText(const QName* name, NodeForm form, std::string_view value)

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <deque>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -39,6 +40,8 @@ public:
     void Text(std::string_view text);
     /// `begin` and `end` enclose the end tag; both are behind an empty element's tag.
     void End(std::size_t begin, std::size_t end);
+    /// Behind the last element: hands the properties over.
+    void Finish();
 
 private:
     enum class Kind {
@@ -91,8 +94,8 @@ private:
     void EndProperty(std::size_t end);
     bool Assemble(Node& node, const Frame& frame);
     bool TakeValue(Node& node);
-    void AddSlot(Node node, Slot::Place place, Span span, std::size_t description,
-                 RawSource source);
+    void AddSlot(Node node, Slot::Place place, Span span, std::size_t description, Span bytes,
+                 const Scope* scope);
 
     void SetPlace(ElementPlace& place, const ElementStart& element);
     bool IsForeign(const ElementStart& element) const;
@@ -106,7 +109,8 @@ private:
     NamePool& names_;
     const RdfTerms& terms_;
     const NameKey* xmpMeta_;
-    std::vector<Frame> frames_;  // never moved: all are made at once
+    std::shared_ptr<std::vector<Node>> originals_ = std::make_shared<std::vector<Node>>();
+    std::deque<Frame> frames_;  // addresses stay; made when first needed
     std::size_t depth_ = 0;
     std::size_t textBytes_ = 0;
     bool topIsFixed_ = false;  // part of the property at hand comes out of an entity

@@ -153,9 +153,9 @@ void TreeEditor::CheckNames() const
 void TreeEditor::CheckSlot() const
 {
     const PathStep& step = path_.front();
-    const auto found = object_.index.find(object_.names->FindKey(step.uri, step.local));
-    if (found != object_.index.end()) {
-        if (object_.slots[found->second].place == Slot::Place::kFixed) {
+    const std::size_t slot = object_.SlotOf(object_.names->FindKey(step.uri, step.local));
+    if (slot != kNowhere) {
+        if (object_.slots[slot].place == Slot::Place::kFixed) {
             Fail(kKivXmpNotEditable, "the packet builds this property from entities");
         }
         return;
@@ -280,10 +280,10 @@ NodeForm TreeEditor::FormAhead(std::size_t number) const noexcept
 
 Node& TreeEditor::Writable(Slot& slot)
 {
-    if (slot.current.use_count() != 1) {
-        slot.current = std::make_shared<Node>(*slot.current);
+    if (slot.changed.use_count() != 1) {
+        slot.changed = std::make_shared<Node>(*slot.Current());
     }
-    return *slot.current;
+    return *slot.changed;
 }
 
 const QName* TreeEditor::NameOf(const PathStep& step)
@@ -295,15 +295,16 @@ const QName* TreeEditor::NameOf(const PathStep& step)
 Node& TreeEditor::ReachSlot()
 {
     const QName* const name = NameOf(path_.front());
-    const auto [found, isNew] = object_.index.try_emplace(name->key, object_.slots.size());
-    if (isNew) {
+    if (object_.SlotOf(name->key) == kNowhere) {
+        object_.SetSlotOf(name->key, object_.slots.size());
         object_.slots.emplace_back();
     }
-    Slot& slot = object_.slots[found->second];
-    if (slot.current == nullptr) {
+    Slot& slot = object_.slots[object_.SlotOf(name->key)];
+    if (slot.Current() == nullptr) {
         // A property that comes back is written as it was before.
-        const QName* const own = slot.original ? NodeAccess::Name(*slot.original) : name;
-        slot.current = std::make_shared<Node>(NodeAccess::Make(own, FormAhead(0)));
+        const QName* const own = slot.original != nullptr ? NodeAccess::Name(*slot.original) : name;
+        slot.changed = std::make_shared<Node>(NodeAccess::Make(own, FormAhead(0)));
+        slot.isRemoved = false;
         ++object_.nodeCount;
     }
     return Writable(slot);
@@ -494,7 +495,7 @@ Node TreeEditor::Adopt(const Node& source) const
 {
     const QName& own = *NodeAccess::Name(source);
     Node node = source;
-    NodeAccess::SetName(node, object_.names->Ensure(own.prefix, own.key->uri, own.key->local));
+    NodeAccess::SetName(node, object_.names->Ensure(*own.prefix, *own.key->uri, own.key->local));
     if (const RawSource* const raw = NodeAccess::Raw(source)) {
         if (!raw->isElement || (raw->packet != object_.packet && RefersToEntities(raw->Text()))) {
             Fail(kKivXmpNotEditable, "this RDF cannot be copied");
@@ -580,11 +581,11 @@ void TreeEditor::MoveItem(std::size_t from, std::size_t to)
 
 void TreeEditor::RemoveProperty(const NameKey* key)
 {
-    Slot& first = object_.slots[object_.index.at(key)];
+    Slot& first = object_.slots[object_.SlotOf(key)];
     if (first.hasTwins) {
         const auto isTwin = [key](const Slot& slot) {
-            return slot.place != Slot::Place::kTopLevel && slot.current != nullptr &&
-                   NodeAccess::Key(*slot.current) == key;
+            return slot.place != Slot::Place::kTopLevel && slot.Current() != nullptr &&
+                   NodeAccess::Key(*slot.Current()) == key;
         };
         if (std::any_of(object_.slots.begin(), object_.slots.end(), [&](const Slot& slot) {
                 return slot.place == Slot::Place::kFixed && isTwin(slot);
@@ -593,11 +594,13 @@ void TreeEditor::RemoveProperty(const NameKey* key)
         }
         for (Slot& slot : object_.slots) {
             if (isTwin(slot)) {
-                slot.current.reset();
+                slot.isRemoved = true;
+                slot.changed.reset();
             }
         }
     }
-    first.current.reset();
+    first.isRemoved = true;
+    first.changed.reset();
 }
 
 bool TreeEditor::Remove()

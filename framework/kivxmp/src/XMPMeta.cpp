@@ -172,8 +172,8 @@ std::vector<const Node*> __XMPMeta__::Properties() const
     std::vector<const Node*> properties;
     properties.reserve(state_->slots.size());
     for (const kivxmp::Slot& slot : state_->slots) {
-        if (slot.current != nullptr) {
-            properties.push_back(slot.current.get());
+        if (slot.Current() != nullptr) {
+            properties.push_back(slot.Current());
         }
     }
     return properties;
@@ -183,7 +183,7 @@ std::size_t __XMPMeta__::PropertyCount() const noexcept
 {
     return static_cast<std::size_t>(
         std::count_if(state_->slots.begin(), state_->slots.end(),
-                      [](const kivxmp::Slot& slot) { return slot.current != nullptr; }));
+                      [](const kivxmp::Slot& slot) { return slot.Current() != nullptr; }));
 }
 
 const Node* __XMPMeta__::FindProperty(std::string_view uri, std::string_view local) const noexcept
@@ -215,7 +215,7 @@ void __XMPMeta__::Walk(const std::function<bool(const Visit& visit)>& visitor) c
 {
     kivxmp::Walker walker(*state_, visitor);
     for (const kivxmp::Slot& slot : state_->slots) {
-        if (slot.current != nullptr && !walker.WalkProperty(*slot.current)) {
+        if (slot.Current() != nullptr && !walker.WalkProperty(*slot.Current())) {
             return;
         }
     }

@@ -103,7 +103,7 @@ Node::~Node() = default;
 
 const std::string& Node::NamespaceUri() const noexcept
 {
-    return name_->key->uri;
+    return *name_->key->uri;
 }
 const std::string& Node::LocalName() const noexcept
 {
@@ -111,7 +111,7 @@ const std::string& Node::LocalName() const noexcept
 }
 const std::string& Node::Prefix() const noexcept
 {
-    return name_->prefix;
+    return *name_->prefix;
 }
 
 std::string_view Node::Value() const noexcept
@@ -161,7 +161,7 @@ bool operator==(const Node& left, const Node& right) noexcept
     const NameKey* const leftKey = left.name_->key;
     const NameKey* const rightKey = right.name_->key;
     if (left.form_ != right.form_ || (leftKey != rightKey && (leftKey->local != rightKey->local ||
-                                                              leftKey->uri != rightKey->uri))) {
+                                                              *leftKey->uri != *rightKey->uri))) {
         return false;
     }
     return left.Value() == right.Value() && left.children_ == right.children_ &&
