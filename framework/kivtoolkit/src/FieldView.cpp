@@ -124,7 +124,8 @@ void FieldView::Place(const wxRect& area)
         const int side = look_.Px(ui::metrics::kIconButton);
         const int gap = look_.Px(kLabelGap);
         const int line = look_.Px(ui::metrics::kFieldHeight);
-        const int x = look_.IsMirrored() ? body_.x - gap - side : body_.x + body_.width + gap;
+        const wxRect used = UsedArea(body_);
+        const int x = look_.IsMirrored() ? used.x - gap - side : used.x + used.width + gap;
         revert_->Place(wxRect(x, body_.y + (std::min(line, body_.height) - side) / 2, side, side));
         revert_->Show(field_.IsChanged());
     }

@@ -52,6 +52,8 @@ protected:
     virtual void DrawBody(const kivui::ui::Drawing& drawing, const wxRect& body) = 0;
     virtual void UpdateBody() = 0;
     virtual void FinishBody() {}
+    /// The part of the body that is in use; the revert button stands behind it.
+    virtual wxRect UsedArea(const wxRect& body) { return body; }
     virtual void CollectBodyStops(std::vector<wxWindow*>& stops) = 0;
     /// True for windows of the field that are no tab stops.
     virtual bool OwnsPart(const wxWindow*) const { return false; }

@@ -21,7 +21,7 @@ namespace {
 // Design units.
 constexpr double kChipGap = 6;
 constexpr double kRowGap = 4;
-constexpr double kFrameInset = 2;    // between frame and chips
+constexpr double kFrameInset = 3;    // between frame and chips: a focus ring fits
 constexpr double kEntryWidth = 120;  // what an entry needs at least
 constexpr double kEditWidth = 200;
 constexpr int kFoldedRows = 3;
@@ -107,9 +107,11 @@ kivcore::UString ListFieldView::MoreText(std::size_t hidden) const
 
 ListFieldView::Flow ListFieldView::FlowFor(int width)
 {
-    const int line = look_.Px(ui::metrics::kFieldHeight);
     const int height = look_.Px(ui::metrics::kChipHeight);
-    const int top = (line - height) / 2;
+    // Chips need room for their focus rings; without any the list is as high as other fields.
+    const int top = list_.Items().empty()
+                        ? (look_.Px(ui::metrics::kFieldHeight) - height) / 2
+                        : look_.Px(ui::metrics::kFrameWidth) + look_.Px(ui::metrics::kFocusWidth);
     const int step = height + look_.Px(kRowGap);
     const int gap = look_.Px(kChipGap);
     const int left = look_.Px(ui::metrics::kFrameWidth) + look_.Px(kFrameInset);

@@ -10,7 +10,7 @@
 #include <wx/textctrl.h>
 
 #include <kivcore/UString.h>
-#include <kivui/Theme.h>
+#include <kivui/Painter.h>
 
 namespace kivtoolkit {
 
@@ -33,15 +33,15 @@ int NativeLinesHeight(const wxFont& font, int lines);
 /// How many lines a native text field breaks `text` into.
 int NativeLineCount(const wxFont& font, kivcore::UStringView text, int width);
 
-struct TextColors {
-    kivui::ui::ColorRGBA text;
+struct NativeTextStyle {
+    kivui::ui::TextStyle font;  ///< size, weight and colour
     kivui::ui::ColorRGBA selection;
     kivui::ui::ColorRGBA selectionText;
 };
 
 /// Takes frame, ground, padding and the system's colours off a text field: what lies under it
 /// shows.
-void StyleNativeText(wxTextCtrl& text, const TextColors& colors);
+void StyleNativeText(wxTextCtrl& text, const NativeTextStyle& style);
 
 /// True while an input method composes in `text`: keys belong to it then.
 bool IsComposing(const wxTextCtrl& text);

@@ -1,6 +1,6 @@
 #include "framework/kivtoolkit/src/NativeText.h"
 
-#include "framework/kivtoolkit/src/Texts.h"
+#include "framework/kivtoolkit/src/WxPainter.h"
 
 #include <gtk/gtk.h>
 
@@ -54,17 +54,22 @@ GtkWidget* TextWidget(const wxTextCtrl& text)
     return GTK_IS_BIN(widget) ? gtk_bin_get_child(GTK_BIN(widget)) : widget;
 }
 
+// Never in the words of a locale.
+std::string Fixed(double number)
+{
+    std::array<char, 32> digits{};
+    const auto written = std::to_chars(digits.data(), digits.data() + digits.size(), number,
+                                       std::chars_format::fixed, 3);
+    return {digits.data(), written.ptr};
+}
+
 std::string CssColor(const kivui::ui::ColorRGBA& color)
 {
     std::string css = "rgba(";
     for (const float part : {color.red, color.green, color.blue}) {
         css += std::to_string(std::lround(std::clamp(part, 0.0F, 1.0F) * 255.0F)) + ",";
     }
-    std::array<char, 16> alpha{};
-    const auto written =
-        std::to_chars(alpha.data(), alpha.data() + alpha.size(),
-                      std::clamp(color.alpha, 0.0F, 1.0F), std::chars_format::fixed, 3);
-    return css + std::string(alpha.data(), written.ptr) + ")";
+    return css + Fixed(std::clamp(color.alpha, 0.0F, 1.0F)) + ")";
 }
 
 // The last style in use: all fields of a dialog share it.
@@ -154,17 +159,21 @@ int NativeLineCount(const wxFont& font, kivcore::UStringView text, int width)
     return pango_layout_get_line_count(layout.get());
 }
 
-void StyleNativeText(wxTextCtrl& text, const TextColors& colors)
+void StyleNativeText(wxTextCtrl& text, const NativeTextStyle& style)
 {
-    const std::string color = CssColor(colors.text);
+    // The font once more, because the toolkit rounds it to whole points.
+    const std::string color = CssColor(style.font.color);
+    const std::string family =
+        FontFor(style.font).GetFaceName().utf8_string();  // never holds a quote
     const std::string css =
         "entry, scrolledwindow, textview, textview text { background: none; border: none;"
         " box-shadow: none; outline: none; margin: 0; padding: 0; min-height: 0; min-width: 0;"
-        " color: " +
-        color + "; caret-color: " + color +
+        " transition: none; font-family: \"" +
+        family + "\"; font-size: " + Fixed(style.font.sizePixels) +
+        "px; font-weight: 400; color: " + color + "; caret-color: " + color +
         "; }"
         " entry selection, textview text selection { background-color: " +
-        CssColor(colors.selection) + "; color: " + CssColor(colors.selectionText) +
+        CssColor(style.selection) + "; color: " + CssColor(style.selectionText) +
         "; }"
         " entry undershoot, scrolledwindow undershoot { background: none; }";
     GtkStyleProvider* provider = GTK_STYLE_PROVIDER(ProviderFor(css));

@@ -38,9 +38,9 @@ TextEntry::TextEntry(Look& look, wxWindow& parent, TextShape shape, Actions acti
     core_->actions = std::move(actions);
     core_->control = control_;
     control_->SetFont(look.Font(ui::TextRole::kBody));
-    const ui::Theme& theme = look.Theme();
-    StyleNativeText(*control_, {theme.Color(ui::kText), theme.Color(ui::kSelection),
-                                theme.Color(ui::kSelectionText)});
+    StyleNativeText(*control_,
+                    {ui::StyleOfText(look.Measuring(), ui::TextRole::kBody),
+                     look.Theme().Color(ui::kSelection), look.Theme().Color(ui::kSelectionText)});
     if (look.IsMirrored()) {
         control_->SetLayoutDirection(wxLayout_RightToLeft);
     }

@@ -118,6 +118,11 @@ void RatingFieldView::ShowBody(bool isShown)
     stars_->Show(isShown);
 }
 
+wxRect RatingFieldView::UsedArea(const wxRect& body)
+{
+    return rating_.Stars() == RatingField::kRejected ? body : stars_->VisibleRect();
+}
+
 void RatingFieldView::DrawBody(const ui::Drawing& drawing, const wxRect& body)
 {
     // What stars cannot say: that a photo was rejected.

@@ -40,6 +40,7 @@ protected:
     void DrawBody(const kivui::ui::Drawing& drawing, const wxRect& body) override;
     void UpdateBody() override;
     void CollectBodyStops(std::vector<wxWindow*>& stops) override;
+    wxRect UsedArea(const wxRect& body) override;
 
 private:
     kivmetadataui::RatingField& rating_;
@@ -59,6 +60,7 @@ protected:
     void DrawBody(const kivui::ui::Drawing&, const wxRect&) override {}
     void UpdateBody() override;
     void CollectBodyStops(std::vector<wxWindow*>& stops) override;
+    wxRect UsedArea(const wxRect&) override { return check_->VisibleRect(); }
 
 private:
     kivmetadataui::YesNoField& yesNo_;
