@@ -95,6 +95,16 @@ DialogWindow::DialogWindow(kivmetadataui::DialogSession& session, HWND host)
     CatchUp();
 }
 
+void DialogWindow::Abandon()
+{
+    if (stopWaiting_) {
+        std::exchange(stopWaiting_, {})();
+    }
+    model_.SetObserver(nullptr);
+    look_->Detach();
+    isClosing_ = true;
+}
+
 DialogWindow::~DialogWindow()
 {
     if (stopWaiting_) {
@@ -133,7 +143,10 @@ void DialogWindow::Build()
     BindPainting(*look_, *this, ui::kGround, [](const ui::Drawing&, const ui::Rect&) {});
     BindContained(*look_, *this, wxEVT_SIZE, [this](wxSizeEvent& event) {
         event.Skip();
-        Arrange();
+        // The system tells the same size more than once, and an open list would not survive it.
+        if (GetClientSize() != arrangedSize_) {
+            Arrange();
+        }
     });
     BindContained(*look_, *this, wxEVT_CHAR_HOOK, [this](wxKeyEvent& key) { HandleKey(key); });
     BindContained(*look_, *this, wxEVT_CLOSE_WINDOW, [this](wxCloseEvent&) { Cancel(); });
@@ -207,6 +220,7 @@ void DialogWindow::Arrange()
         return;
     }
     ClosePopup();
+    arrangedSize_ = client;
     const int bar = bar_->WantedHeight(client.x);
     const int height = std::max(1, client.y - bar);
     const int side = std::min(look_->Px(sideWidth_), client.x / 2);
@@ -278,7 +292,12 @@ void DialogWindow::Search(const kivcore::UString& text)
 {
     ClosePopup();
     if (text.empty()) {
+        const wxWindow* focus = FindFocus();
+        const bool focusGoes = focus != nullptr && focus->GetParent() == pages_->Current();
         pages_->ShowView(model_.CurrentView());
+        if (focusGoes) {
+            side_->Search().SetFocus();
+        }
     } else {
         pages_->ShowHits(model_.Search(text));
     }

@@ -30,6 +30,9 @@ public:
 
     /// Shows the window and returns when it is closed.
     kivmetadataui::DialogResult RunModal();
+    /// Lets go of session and model; the object is not to be deleted. For a lost display, whose
+    /// windows cannot be taken down.
+    void Abandon();
     /// Closes the window as cancelled as soon as the loop turns.
     void CancelSoon();
 
@@ -82,6 +85,7 @@ private:
     PopupList* popup_ = nullptr;
     wxWindow* popupOwner_ = nullptr;
     int sideWidth_ = 0;  // design units
+    wxSize arrangedSize_;
     std::vector<kivmetadataui::Field*> changedFields_;
     bool hasModelChanged_ = true;
     bool isCatchingUp_ = false;

@@ -4,13 +4,14 @@
 #pragma once
 
 #include <memory>
-#include <string>
 
 namespace kivtoolkit {
 
 /// Throws std::runtime_error, before the windowing system's toolkit is touched, where no window can
-/// be shown: no display, or another generation of the toolkit in the process.
-void RequireDisplay();
+/// be shown: no display, or another generation of the toolkit in the process. What it returns (may
+/// be null) is to be held until the toolkit has connected: a display server may start afresh when
+/// its last client leaves.
+[[nodiscard]] std::shared_ptr<void> RequireDisplay();
 
 /// To be called right before the toolkit starts, once RequireDisplay has passed: chooses the kind
 /// of display and takes over message writers that nobody else can have taken.

@@ -12,6 +12,11 @@
 #include <link.h>
 
 #include <X11/Xlib.h>
+#include <X11/Xlibint.h>
+
+// Macros of common words, which the header leaves behind.
+#undef max
+#undef min
 
 #include <clocale>
 #include <cstring>
@@ -59,10 +64,20 @@ int OnFatalError(Display* connection)
     return hostFatalHandler != nullptr ? hostFatalHandler(connection) : 0;
 }
 
+// Xlib has nowhere to send to any more, and a full buffer makes it crash: what is asked for from
+// here on, while windows are taken down, is dropped request by request.
+int DropUnsentRequests(Display* connection)
+{
+    connection->bufptr = connection->buffer;
+    return 0;
+}
+
 // In place of Xlib's exit().
-void OnConnectionLost(Display*, void*)
+void OnConnectionLost(Display* connection, void*)
 {
     connectionLost = true;
+    DropUnsentRequests(connection);
+    XSetAfterFunction(connection, DropUnsentRequests);
     if (connectionLostHandler != nullptr) {
         connectionLostHandler();
     }
@@ -138,7 +153,7 @@ GLogWriterOutput WriteLog(GLogLevelFlags level, const GLogField* fields, gsize c
 
 }  // namespace
 
-void RequireDisplay()
+std::shared_ptr<void> RequireDisplay()
 {
     if (connectionLost) {
         throw std::runtime_error(
@@ -152,7 +167,7 @@ void RequireDisplay()
             "dialog can be shown."));
     }
     if (gdk_display_get_default() != nullptr) {
-        return;
+        return nullptr;
     }
     Display* probe = XOpenDisplay(nullptr);
     if (probe == nullptr) {
@@ -160,7 +175,7 @@ void RequireDisplay()
             Utf8Text("$$$/Kiv/Dialog/Failure/NoDisplay=There is no display that a dialog could be "
                      "shown on."));
     }
-    XCloseDisplay(probe);
+    return {probe, [](Display* display) { XCloseDisplay(display); }};
 }
 
 void PrepareToolkitStart()

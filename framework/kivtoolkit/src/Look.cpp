@@ -31,9 +31,9 @@ ui::Drawing Look::On(ui::Painter& painter) const
 
 void Look::Run(const std::function<void()>& callback) noexcept
 {
-    session_.Run(callback);
+    Contain(callback);
     if (after_) {
-        session_.Run(after_);
+        Contain(after_);
     }
 }
 

@@ -26,27 +26,27 @@ public:
     kivmetadataui::DialogResult RunDialog(kivmetadataui::DialogSession& session,
                                           HWND parent) override
     {
-        RequireDisplay();  // it may have gone since the start
+        const std::shared_ptr<void> display = RequireDisplay();  // it may have gone meanwhile
         const GuestGuard guard;
-        kivmetadataui::DialogResult result = kivmetadataui::DialogResult::kCancelled;
-        {
-            DialogWindow window(session, parent);
-            running = &window;
-            SetConnectionLostHandler([] {
-                if (running != nullptr) {
-                    running->CancelSoon();
-                }
-            });
-            result = window.RunModal();
-            running = nullptr;
-            SetConnectionLostHandler(nullptr);
-        }
-        // What was left for later would otherwise wait for the next dialog.
-        wxTheApp->ProcessPendingEvents();
+        auto window = std::make_unique<DialogWindow>(session, parent);
+        running = window.get();
+        SetConnectionLostHandler([] {
+            if (running != nullptr) {
+                running->CancelSoon();
+            }
+        });
+        const kivmetadataui::DialogResult result = window->RunModal();
+        running = nullptr;
+        SetConnectionLostHandler(nullptr);
         if (IsConnectionLost()) {
+            // The toolkit would wait for answers that never come.
+            window.release()->Abandon();
             throw std::runtime_error(Utf8Text(
                 "$$$/Kiv/Dialog/Failure/DisplayLost=The connection to the display was lost."));
         }
+        window.reset();
+        // What was left for later would otherwise wait for the next dialog.
+        wxTheApp->ProcessPendingEvents();
         return result;
     }
 

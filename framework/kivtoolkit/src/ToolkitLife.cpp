@@ -12,6 +12,7 @@
 #include <wx/init.h>
 #include <wx/log.h>
 
+#include <memory>
 #include <stdexcept>
 
 namespace kivtoolkit {
@@ -61,7 +62,7 @@ void EndToolkit() noexcept
 
 void ToolkitLife::Start()
 {
-    RequireDisplay();
+    const std::shared_ptr<void> probe = RequireDisplay();
     if (isOurs_) {
         return;
     }
@@ -101,6 +102,9 @@ void ToolkitLife::Stop() noexcept
 {
     if (!isOurs_) {
         return;
+    }
+    if (IsConnectionLost()) {
+        return;  // what is left of the toolkit stays as it is
     }
     isOurs_ = false;
     GuestGuard guard;

@@ -1,0 +1,397 @@
+// The window as a person meets it: keys, clicks, verdicts, what is remembered.
+
+#include "framework/kivtoolkit/src/DialogWindow.h"
+
+#include "framework/kivtoolkit/src/Accessible.h"
+#include "framework/kivtoolkit/src/Texts.h"
+#include "framework/kivtoolkit/tests/ScriptedSession.h"
+
+#include <wx/app.h>
+#include <wx/display.h>
+
+#include <kivcore/Locale.h>
+#include <kivcore/StringConversion.h>
+
+namespace kivtoolkit::tests {
+namespace {
+
+using kivmetadataui::DialogButton;
+using kivmetadataui::DialogResult;
+using kivmetadataui::DialogSurface;
+using kivmetadataui::DriverKey;
+using kivmetadataui::DriverKeyPress;
+
+DriverKeyPress Key(DriverKey key, bool control = false, bool shift = false)
+{
+    DriverKeyPress press;
+    press.key = key;
+    press.control = control;
+    press.shift = shift;
+    return press;
+}
+
+DriverKeyPress Control(char32_t character, bool shift = false)
+{
+    DriverKeyPress press;
+    press.character = character;
+    press.control = true;
+    press.shift = shift;
+    return press;
+}
+
+// The name that assistive technology reads of what has the focus.
+std::string FocusName()
+{
+    const wxWindow* focus = wxWindow::FindFocus();
+    return focus == nullptr ? "nothing" : kivcore::string::UTF16to8(AccessibleNameOf(*focus));
+}
+
+class DialogWindowTest : public ToolkitTest {};
+
+TEST_F(DialogWindowTest, OkConfirmsAndCancelCancels)
+{
+    ScriptedSession ok("");
+    ok.Then([](auto&, DialogSurface& surface) { surface.PressButton(DialogButton::kOk); });
+    EXPECT_EQ(ok.Show(), DialogResult::kConfirmed);
+    ScriptedSession cancel("");
+    cancel.Then([](auto&, DialogSurface& surface) { surface.PressButton(DialogButton::kCancel); });
+    EXPECT_EQ(cancel.Show(), DialogResult::kCancelled);
+    // A script that ends without a press.
+    EXPECT_EQ(ScriptedSession("").Show(), DialogResult::kCancelled);
+}
+
+struct KeyCase {
+    const char* name;
+    DriverKeyPress press;
+    DialogResult want;
+};
+
+TEST_F(DialogWindowTest, KeysThatClose)
+{
+    const KeyCase cases[] = {
+        {"Esc", Key(DriverKey::kEscape), DialogResult::kCancelled},
+        {"Ctrl+Enter", Key(DriverKey::kEnter, true), DialogResult::kConfirmed},
+        // Enter ends the edit of the field and leaves the dialog open; the script's end cancels.
+        {"Enter", Key(DriverKey::kEnter), DialogResult::kCancelled},
+    };
+    for (const KeyCase& row : cases) {
+        SCOPED_TRACE(row.name);
+        ScriptedSession session("");
+        bool isOpenAfterwards = false;
+        session.Then([&](auto&, DialogSurface& surface) { surface.PressKey(row.press); });
+        session.Then([&](auto&, auto&) { isOpenAfterwards = true; });
+        EXPECT_EQ(session.Show(), row.want);
+        EXPECT_EQ(isOpenAfterwards, std::string(row.name) == "Enter");
+    }
+}
+
+TEST_F(DialogWindowTest, ARefusedConfirmLeavesItOpenAndShowsTheError)
+{
+    ScriptedSession session("");
+    session
+        .Then([](ScriptedSession& s, DialogSurface& surface) {
+            surface.TypeInto(s.FieldAt("t:date"), {}, u"2024-02-31");
+            surface.ChooseView(1);
+        })
+        .Then([](auto&, DialogSurface& surface) { surface.PressButton(DialogButton::kOk); })
+        .Then([](ScriptedSession& s, DialogSurface& surface) {
+            EXPECT_EQ(s.Model().CurrentView(), 0U) << "the view with the error is opened";
+            EXPECT_EQ(FocusName(), "date");
+            EXPECT_FALSE(s.Model().Message().empty());
+            surface.TypeInto(s.FieldAt("t:date"), {}, u"2024-02-28");
+            surface.PressButton(DialogButton::kOk);
+        });
+    EXPECT_EQ(session.Show(), DialogResult::kConfirmed);
+    EXPECT_EQ(session.Content("t:date"), "2024-02-28");
+}
+
+TEST_F(DialogWindowTest, AFailingCallbackLeavesItOpenWithAMessage)
+{
+    ScriptedSession session("");
+    bool isOpenAfterwards = false;
+    session.Then([](auto&, auto&) {
+        ScriptedSession::Window().GetLook().Run([] { throw std::runtime_error("it broke"); });
+    });
+    session.Then([&](ScriptedSession& s, auto&) {
+        isOpenAfterwards = true;
+        EXPECT_EQ(s.Model().Message(), u"it broke");
+    });
+    session.Show();
+    EXPECT_TRUE(isOpenAfterwards);
+    EXPECT_EQ(session.failures, std::vector<std::string>{"it broke"});
+}
+
+TEST_F(DialogWindowTest, ViewsByKeys)
+{
+    ScriptedSession session("");
+    session
+        .Then([](ScriptedSession& s, DialogSurface& surface) {
+            EXPECT_EQ(s.Model().CurrentView(), 0U);
+            surface.PressKey(Control(U'2'));
+            EXPECT_EQ(s.Model().CurrentView(), 1U);
+            surface.PressKey(Key(DriverKey::kTab, true));
+            EXPECT_EQ(s.Model().CurrentView(), 2U) << "the list of all properties";
+            surface.PressKey(Key(DriverKey::kTab, true));
+            EXPECT_EQ(s.Model().CurrentView(), 0U);
+            surface.PressKey(Key(DriverKey::kTab, true, true));
+            EXPECT_EQ(s.Model().CurrentView(), 2U);
+            surface.PressKey(Control(U'9'));
+            EXPECT_EQ(s.Model().CurrentView(), 2U) << "there is no ninth view";
+        })
+        .Then([](ScriptedSession& s, DialogSurface& surface) {
+            ScriptedSession::Window().Side().List().SetFocus();
+            surface.PressKey(Key(DriverKey::kHome));
+            EXPECT_EQ(s.Model().CurrentView(), 0U);
+            surface.PressKey(Key(DriverKey::kDown));
+            EXPECT_EQ(s.Model().CurrentView(), 1U);
+            EXPECT_EQ(FocusName(), "Views") << "arrows stay in the list";
+        });
+    session.Show();
+    EXPECT_TRUE(session.failures.empty());
+}
+
+TEST_F(DialogWindowTest, TabGoesThroughEverythingInReadingOrderAndAround)
+{
+    ScriptedSession session("<t:fixed>F</t:fixed>");
+    std::vector<std::string> names;
+    session.Then([&](auto&, DialogSurface& surface) {
+        surface.PressKey(Control(U'f'));
+        for (int i = 0; i < 19; ++i) {
+            names.push_back(FocusName());
+            surface.PressKey(Key(DriverKey::kTab));
+        }
+        EXPECT_EQ(FocusName(), names.front()) << "around";
+        surface.PressKey(Key(DriverKey::kTab, false, true));
+        EXPECT_EQ(FocusName(), names.back()) << "and back";
+    });
+    session.Show();
+    const std::vector<std::string> want = {"Search", "Views",
+                                           "text",   "long",
+                                           "alt",    "Language: Default",
+                                           "rights", "Language: Default",
+                                           "list",   "order",
+                                           "closed", "open",
+                                           "date",   "number",
+                                           "rating", "flag",
+                                           "fixed",  "Cancel",
+                                           "OK"};
+    EXPECT_EQ(names, want);
+}
+
+TEST_F(DialogWindowTest, SearchFindsAndEscClearsBeforeItCancels)
+{
+    ScriptedSession session("");
+    session
+        .Then([](auto&, DialogSurface& surface) {
+            surface.PressKey(Control(U'f'));
+            surface.TypeText(u"other");
+        })
+        .Then([](ScriptedSession& s, DialogSurface& surface) {
+            EXPECT_TRUE(ScriptedSession::Window().Pages().IsSearchShown());
+            // Enter goes to what was found, which can be edited there.
+            surface.PressKey(Key(DriverKey::kEnter));
+            EXPECT_EQ(FocusName(), "other");
+            surface.TypeText(u"x");
+            EXPECT_EQ(s.Content("t:other"), "x");
+            surface.PressKey(Key(DriverKey::kEscape));
+            EXPECT_FALSE(ScriptedSession::Window().Pages().IsSearchShown());
+            surface.PressKey(Key(DriverKey::kEscape));
+        })
+        .Then([](auto&, auto&) { FAIL() << "the second Esc cancels"; });
+    EXPECT_EQ(session.Show(), DialogResult::kCancelled);
+}
+
+TEST_F(DialogWindowTest, EscClosesAPopupFirst)
+{
+    ScriptedSession session("");
+    bool isOpenAfterwards = false;
+    session
+        .Then([](auto&, DialogSurface& surface) {
+            surface.PressKey(Control(U'f'));
+            for (int i = 0; i < 10; ++i) {
+                surface.PressKey(Key(DriverKey::kTab));
+            }
+            EXPECT_EQ(FocusName(), "closed");
+            surface.PressKey(Key(DriverKey::kDown));
+            EXPECT_NE(ScriptedSession::Window().Popup(), nullptr);
+            surface.PressKey(Key(DriverKey::kEscape));
+            EXPECT_EQ(ScriptedSession::Window().Popup(), nullptr);
+        })
+        .Then([&](auto&, auto&) { isOpenAfterwards = true; });
+    session.Show();
+    EXPECT_TRUE(isOpenAfterwards);
+    EXPECT_TRUE(session.failures.empty());
+}
+
+TEST_F(DialogWindowTest, UndoAndRedo)
+{
+    ScriptedSession session("<t:text>old</t:text>");
+    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+        surface.TypeInto(s.FieldAt("t:text"), {}, u"new");
+        EXPECT_EQ(s.Content("t:text"), "new");
+        surface.PressKey(Control(U'z'));
+        EXPECT_EQ(s.Content("t:text"), "old");
+        surface.PressKey(Control(U'z', true));
+        EXPECT_EQ(s.Content("t:text"), "new");
+        surface.PressKey(Control(U'z'));
+        surface.PressKey(Control(U'y'));
+        EXPECT_EQ(s.Content("t:text"), "new");
+        // What is shown went along.
+        surface.PressKey(Key(DriverKey::kEnd));
+        surface.TypeText(u"er");
+        EXPECT_EQ(s.Content("t:text"), "newer");
+    });
+    session.Show();
+    EXPECT_TRUE(session.failures.empty());
+}
+
+TEST_F(DialogWindowTest, TitleAndSummaryFollowTheChanges)
+{
+    ScriptedSession session("");
+    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+        DialogWindow& window = ScriptedSession::Window();
+        EXPECT_EQ(window.GetTitle(), "sea.jpg");
+        surface.TypeInto(s.FieldAt("t:text"), {}, u"x");
+        EXPECT_EQ(window.GetTitle(), ToWx(s.Model().WindowTitle()));
+        EXPECT_NE(window.GetTitle(), "sea.jpg");
+        EXPECT_EQ(AccessibleNameOf(window.Bar()), s.Model().SummaryText());
+    });
+    session.Show();
+    EXPECT_TRUE(session.failures.empty());
+}
+
+TEST_F(DialogWindowTest, FirstFocusIsTheFirstEmptyField)
+{
+    ScriptedSession session("<t:text>x</t:text>");
+    session.Then([](auto&, auto&) { EXPECT_EQ(FocusName(), "long"); });
+    session.Show();
+}
+
+TEST_F(DialogWindowTest, ReadOnlyHasNoOk)
+{
+    kivmetadataui::DialogOptions options;
+    options.isReadOnly = true;
+    ScriptedSession session("<t:text>x</t:text>", options);
+    bool isOpenAfterwards = false;
+    session
+        .Then([](auto&, DialogSurface& surface) {
+            EXPECT_THROW(surface.PressButton(DialogButton::kOk), std::runtime_error);
+            surface.PressKey(Key(DriverKey::kEnter, true));
+        })
+        .Then([&](ScriptedSession& s, DialogSurface& surface) {
+            isOpenAfterwards = true;
+            EXPECT_THROW(surface.TypeInto(s.FieldAt("t:text"), {}, u"y"), std::runtime_error);
+        });
+    EXPECT_EQ(session.Show(), DialogResult::kCancelled);
+    EXPECT_TRUE(isOpenAfterwards);
+    EXPECT_EQ(session.Content("t:text"), "x");
+}
+
+TEST_F(DialogWindowTest, PlaceIsRememberedAndFitsTheScreen)
+{
+    kivcore::proplist::PropList preferences;
+    kivmetadataui::DialogOptions options;
+    options.preferences = &preferences;
+    options.clientName = u"host";
+    wxSize client;
+    wxPoint corner;
+    ScriptedSession first("", options);
+    first.Then([&](auto&, auto&) {
+        DialogWindow& window = ScriptedSession::Window();
+        client = window.GetClientSize();
+        EXPECT_EQ(client, wxSize(880, 640));
+        window.SetClientSize(700, 500);
+        window.Move(120, 90);
+    });
+    first.Then([&](auto&, auto&) {});
+    first.Then([&](auto&, auto&) {
+        client = ScriptedSession::Window().GetClientSize();
+        corner = ScriptedSession::Window().GetPosition();
+    });
+    first.Show();
+    EXPECT_EQ(client, wxSize(700, 500));
+    ScriptedSession second("", options);
+    second.Then([&](auto&, auto&) {});
+    second.Then([&](auto&, auto&) {
+        EXPECT_EQ(ScriptedSession::Window().GetClientSize(), client);
+        EXPECT_EQ(ScriptedSession::Window().GetPosition(), corner);
+    });
+    second.Show();
+
+    // Larger than the screen, and on one that is gone.
+    ScriptedSession far("", options);
+    far.Model().RememberPlace({100000, -5000, 9000, 9000, false});
+    far.Then([&](auto&, auto&) {
+        const wxRect area = wxDisplay(0U).GetClientArea();
+        const wxRect window = ScriptedSession::Window().GetRect();
+        EXPECT_TRUE(area.Contains(window))
+            << window.x << " " << window.y << " " << window.width << " " << window.height;
+    });
+    far.Show();
+}
+
+TEST_F(DialogWindowTest, CancelFromOutsideEndsTheLoop)
+{
+    ScriptedSession session("");
+    session.Then(
+        [](auto&, auto&) { KivToolkitOpen(kivmetadataui::kToolkitVersion)->CancelDialog(); });
+    for (int i = 0; i < 5; ++i) {
+        session.Then([](auto&, auto&) {});
+    }
+    session.Then([](auto&, auto&) { FAIL() << "it should be closed"; });
+    EXPECT_EQ(session.Show(), DialogResult::kCancelled);
+}
+
+TEST_F(DialogWindowTest, EveryScaleAndBrightnessOpens)
+{
+    for (const float scale : {0.5F, 1.5F, 4.0F}) {
+        SCOPED_TRACE(scale);
+        SetScale(scale);
+        SetBrightness(scale / 4);
+        ScriptedSession session("");
+        bool wasOpen = false;
+        session.Then([&](auto&, auto&) {
+            wasOpen = true;
+            EXPECT_EQ(ScriptedSession::Window().GetLook().Scale(), scale);
+            const wxRect area = wxDisplay(0U).GetClientArea();
+            EXPECT_TRUE(area.Contains(ScriptedSession::Window().GetRect()));
+        });
+        session.Show();
+        EXPECT_TRUE(wasOpen);
+    }
+}
+
+TEST_F(DialogWindowTest, MirroredForRightToLeft)
+{
+    kivcore::Locale::Initialize(u"ar_EG", {});
+    ScriptedSession session("");
+    session.Then([](auto&, auto&) {
+        DialogWindow& window = ScriptedSession::Window();
+        EXPECT_GT(window.Side().GetPosition().x, window.Pages().Current()->GetPosition().x);
+        EXPECT_LT(window.Bar().Ok().GetPosition().x, window.Bar().Cancel().GetPosition().x);
+    });
+    session.Show();
+    kivcore::Locale::Reset();
+    EXPECT_TRUE(session.failures.empty());
+}
+
+TEST_F(DialogWindowTest, ManyRounds)
+{
+    for (int round = 0; round < 15; ++round) {
+        ScriptedSession session("");
+        session.Then([&](ScriptedSession& s, DialogSurface& surface) {
+            surface.TypeInto(s.FieldAt("t:text"), {}, u"x");
+            surface.ChooseView(1);
+        });
+        session.Then([](auto&, DialogSurface& surface) { surface.PressButton(DialogButton::kOk); });
+        ASSERT_EQ(session.Show(), DialogResult::kConfirmed);
+        if (round % 5 == 4) {
+            KivToolkitOpen(kivmetadataui::kToolkitVersion)->Stop();
+            EXPECT_EQ(wxAppConsole::GetInstance(), nullptr);
+            KivToolkitOpen(kivmetadataui::kToolkitVersion)->Start();
+        }
+    }
+}
+
+}  // namespace
+}  // namespace kivtoolkit::tests
