@@ -26,7 +26,10 @@ LAYERS = {
     "framework/kivxmp": ("kivcore",),
     "framework/kivmetadata": ("kivcore", "kivxmp"),
     "framework/kivmetadataui": ("kivcore", "kivui", "kivxmp", "kivmetadata"),
-    # The private module behind kivmetadataui, which alone opens it.
+    # The private module behind kivmetadataui, which alone opens it. Its tests are hosts.
+    "framework/kivtoolkit/tests": (
+        "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
+        "framework/kivmetadataui/src", "framework/kivtoolkit/src"),
     "framework/kivtoolkit": ("kivcore", "kivui", "kivmetadataui", "framework/kivmetadataui/src"),
     "host": ("include",),
     # Judges of the whole.
@@ -45,7 +48,7 @@ HEADERS = {
 # Headers of other projects: where they may stand.
 FOREIGN = {
     r"expat\.h": ("framework/kivcore/src", "framework/kivxmp/src", "bench"),
-    r"(wx|gtk|gdk|X11)/.+|cairo\.h": ("framework/kivtoolkit/src",),
+    r"(wx|gtk|gdk|X11)/.+|cairo\.h": ("framework/kivtoolkit",),
     r"boost/(function\.hpp|smart_ptr/intrusive_ptr\.hpp|shared_ptr\.hpp)": ("framework", "api"),
     r"(gtest|gmock)/.+": ("*tests",),
     r"benchmark/.+": ("bench",),
