@@ -4,6 +4,7 @@
 
 #include "framework/kivxmp/src/Encoding.h"
 #include "framework/kivxmp/src/TagScanner.h"
+#include "framework/kivxmp/src/XmlName.h"
 
 #include <kivxmp/XMPError.h>
 #include <kivxmp/XMPMeta.h>
@@ -46,7 +47,7 @@ NamespaceContext::NamespaceContext(const Scope* scope)
         }
     }
     for (const auto& [prefix, uri] : uriOfPrefix_) {
-        if (!prefix.empty() && !uri.empty()) {
+        if (!uri.empty() && IsXmlName(prefix)) {  // "xmlns:.a" declares what no name can use
             prefixOfUri_.emplace(uri, prefix);
         }
     }
@@ -57,14 +58,15 @@ std::string NamespaceContext::PrefixFor(std::string_view uri, std::string_view p
     if (uri == kXmlUri) {
         return "xml";
     }
-    if (!preferred.empty() && UriOf(preferred) == uri) {
+    const bool isUsable = IsXmlName(preferred);
+    if (isUsable && UriOf(preferred) == uri) {
         return std::string(preferred);
     }
     const auto known = prefixOfUri_.find(uri);
     if (known != prefixOfUri_.end()) {
         return known->second;
     }
-    std::string base(preferred);
+    std::string base(isUsable ? preferred : std::string_view());
     if (base.empty()) {
         base = PrefixOfNamespace(uri);
     }

@@ -130,6 +130,15 @@ TEST(PacketWriter, ChangesWhatWasChanged)
          [](M m) { m.SetText("{http://ex/}a", "2"); },
          Pretty("  <rdf:Description xmlns=\"http://ex/\" xmlns:ns=\"http://ex/\">\n"
                 "   <ns:a>2</ns:a>\n  </rdf:Description>\n")},
+        {"a declared prefix that no name can begin with",
+         Pretty("  <rdf:Description xmlns:.a=\"http://purl.org/dc/elements/1.1/\"/>\n"),
+         [](M m) {
+             m.SetText("dc:format", "b");
+             m.SetText(".a:source", "c");
+         },
+         Pretty("  <rdf:Description xmlns:.a=\"http://purl.org/dc/elements/1.1/\" " + kDc +
+                ">\n   <dc:format>b</dc:format>\n   <dc:source>c</dc:source>\n"
+                "  </rdf:Description>\n")},
         {"a declaration in the changed element itself",
          Pretty("  <rdf:Description>\n   <p:a xmlns:p=\"http://p/\">1</p:a>\n"
                 "  </rdf:Description>\n"),
