@@ -14,6 +14,7 @@
 #include "framework/kivxmp/src/RdfBuilder.h"
 
 #include <expat.h>
+#include <kivcore/Trace.h>
 #include <kivxmp/XMPError.h>
 
 namespace kivxmp {
@@ -296,9 +297,7 @@ std::unique_ptr<ObjectState> Build(std::shared_ptr<Packet> packet)
     return object;
 }
 
-}  // namespace
-
-std::unique_ptr<ObjectState> ReadPacket(std::string_view bytes)
+std::unique_ptr<ObjectState> ReadBytes(std::string_view bytes)
 {
     if (bytes.size() > kMaxPacketBytes) {
         throw XMP_Error(kKivXmpTooBig, "the packet has " + std::to_string(bytes.size()) +
@@ -321,6 +320,22 @@ std::unique_ptr<ObjectState> ReadPacket(std::string_view bytes)
         throw XMP_Error(kKivXmpNoPacket, "there is no packet: nothing but white space");
     }
     return Build(std::move(packet));
+}
+
+constinit kivcore::debug::TraceSite failureTrace("kivxmp", 0);
+
+}  // namespace
+
+std::unique_ptr<ObjectState> ReadPacket(std::string_view bytes)
+{
+    try {
+        return ReadBytes(bytes);
+    } catch (const XMP_Error& error) {
+        if (failureTrace.Enabled()) {
+            failureTrace.Write(error.Text());
+        }
+        throw;
+    }
 }
 
 std::unique_ptr<ObjectState> NewPacket()

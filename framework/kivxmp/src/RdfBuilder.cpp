@@ -7,6 +7,8 @@
 
 #include "framework/kivxmp/src/TagScanner.h"
 
+#include <kivcore/Trace.h>
+
 namespace kivxmp {
 namespace {
 
@@ -14,6 +16,8 @@ bool IsSpaceOnly(std::string_view text) noexcept
 {
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
 }
+
+constinit kivcore::debug::TraceSite rawTrace("kivxmp", 5);
 
 /// Finds names that come a second time.
 class NamesSeen {
@@ -460,6 +464,10 @@ void RdfBuilder::EndProperty(std::size_t end)
     Node node = std::move(frame.node);
     if (frame.isRaw || !Assemble(node, frame)) {
         NodeAccess::MakeRaw(node, SourceOf(span, frame.scope));
+        if (rawTrace.Enabled()) {
+            rawTrace.Write(node.LocalName() + " at byte " + std::to_string(span.begin) +
+                           " is RDF that XMP does not allow");
+        }
     }
     if (parent.kind == Kind::kDescription || parent.kind == Kind::kRdf) {
         const bool isTop = parent.kind == Kind::kRdf;
