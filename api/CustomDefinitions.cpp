@@ -1,7 +1,6 @@
 #include "api/CustomDefinitions.h"
 
-#include "api/Immortal.h"
-
+#include <kivcore/NeverDestroyed.h>
 #include <kivmetadata/Definitions.h>
 
 #include <memory>
@@ -16,8 +15,8 @@ using StringStore = std::vector<std::shared_ptr<MetadataCustomViewItemStrings>>;
 
 constexpr std::string_view kBuiltInOwner = "com.orvan.xmp";
 
-constinit Immortal<std::vector<KIVMetadataRecord>> records;
-constinit Immortal<StringStore> strings;
+constinit kivcore::NeverDestroyed<std::vector<KIVMetadataRecord>> records;
+constinit kivcore::NeverDestroyed<StringStore> strings;
 
 /// The first property of that name in walking order, whichever schema it belongs to; null if none.
 std::shared_ptr<const kivmetadata::PropertyDefinition> FindProperty(
@@ -42,7 +41,7 @@ void Append(const kivmetadata::ViewDefinition& view, const kivmetadata::ViewItem
     texts->itemKeyText = item.propertyName;
     texts->label = property.label;
     texts->propertyFlag = !property.isReadOnly;
-    strings.Get().push_back(texts);
+    strings->push_back(texts);
 
     KIVMetadataRecord record{};
     record.viewText = texts->viewText.c_str();
@@ -51,14 +50,14 @@ void Append(const kivmetadata::ViewDefinition& view, const kivmetadata::ViewItem
     // C has no char16_t of its own; the units are the same.
     record.label = reinterpret_cast<const std::uint16_t*>(texts->label.c_str());
     record.propertyFlag = texts->propertyFlag ? 1 : 0;
-    records.Get().push_back(record);
+    records->push_back(record);
 }
 
 }  // namespace
 
 void LoadCustomDefinitions()
 {
-    if (!records.Get().empty()) {
+    if (!records->empty()) {
         return;
     }
     kivmetadata::LoadAllViewDefinitions();
@@ -82,18 +81,18 @@ void LoadCustomDefinitions()
 void ClearCustomDefinitions() noexcept
 {
     // Swapped, not cleared: nothing of ours stays allocated behind the last terminate.
-    std::vector<KIVMetadataRecord>().swap(records.Get());
-    StringStore().swap(strings.Get());
+    std::vector<KIVMetadataRecord>().swap(*records);
+    StringStore().swap(*strings);
 }
 
 const KIVMetadataRecord* CustomDefinitionRecords() noexcept
 {
-    return records.Get().empty() ? nullptr : records.Get().data();
+    return records->empty() ? nullptr : records->data();
 }
 
 std::size_t CustomDefinitionCount() noexcept
 {
-    return records.Get().size();
+    return records->size();
 }
 
 }  // namespace kivmetadataapi

@@ -16,12 +16,7 @@ namespace {
 void Report(const char* text) noexcept
 {
     kivcore::SetLastFailureText(text);
-    try {
-        if (ContainedFailureSite().Enabled()) {
-            ContainedFailureSite().Write(text);
-        }
-    } catch (...) {  // asking for the channel may allocate
-    }
+    ContainedFailureSite().Report(text);
 }
 
 }  // namespace

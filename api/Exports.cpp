@@ -14,17 +14,6 @@ namespace {
 
 using kivcore::config::ExecuteTopLevelFunction;
 
-// Asking for the channel may allocate, and nothing may leave.
-void TraceFatal(kivcore::debug::TraceSite& site, const char* text) noexcept
-{
-    try {
-        if (site.Enabled()) {
-            site.Write(text);
-        }
-    } catch (...) {
-    }
-}
-
 }  // namespace
 
 extern "C" {
@@ -37,13 +26,12 @@ bool MetadataAPIInitialize(const MetadataAPIInitParams* params)
     bool failed = false;
     ExecuteTopLevelFunction(kivmetadataapi::InstallLocalizerAndErrorManager, &failed);
     if (failed) {
-        TraceFatal(kivmetadataapi::FirstStageFailureSite(), "FATAL: Initialization failed (1)\r\n");
+        kivmetadataapi::FirstStageFailureSite().Report("FATAL: Initialization failed (1)\r\n");
         return false;
     }
     ExecuteTopLevelFunction([params] { kivmetadataapi::Initialize(*params); }, &failed);
     if (failed) {
-        TraceFatal(kivmetadataapi::SecondStageFailureSite(),
-                   "FATAL: Initialization failed (2)\r\n");
+        kivmetadataapi::SecondStageFailureSite().Report("FATAL: Initialization failed (2)\r\n");
         return false;
     }
     if (params->loadCustomDefinitions != 0) {

@@ -3,7 +3,6 @@
 #include "api/ApiError.h"
 #include "api/CustomDefinitions.h"
 #include "api/DefaultErrorManager.h"
-#include "api/Immortal.h"
 #include "localizer/DefaultLocalizer.h"
 
 #include <kivcore/Config.h>
@@ -12,6 +11,7 @@
 #include <kivcore/Locale.h>
 #include <kivcore/Localizer.h>
 #include <kivcore/Logging.h>
+#include <kivcore/NeverDestroyed.h>
 #include <kivcore/StringConversion.h>
 #include <kivcore/Xml.h>
 #include <kivmetadataui/MetadataDialog.h>
@@ -56,7 +56,7 @@ struct State {
     std::shared_ptr<kivui::utility::StartupShutdownGdiPlus> gdiPlusGuard;
 };
 
-constinit Immortal<State> state;
+constinit kivcore::NeverDestroyed<State> state;
 
 void SetClientIdentity(const MetadataAPIInitParams& params)
 {
@@ -163,7 +163,7 @@ void BringUp(State& library, const MetadataAPIInitParams& params)
 void InstallLocalizerAndErrorManager()
 {
     using kivcore::config::Localizer;
-    State& library = state.Get();
+    State& library = *state;
     if (!Localizer::Initialized() || Localizer::Get() != library.localizerPointer) {
         library.localizer = std::make_shared<DefaultLocalizer>();
         library.localizerPointer = library.localizer.get();
@@ -174,7 +174,7 @@ void InstallLocalizerAndErrorManager()
 
 void Initialize(const MetadataAPIInitParams& params)
 {
-    State& library = state.Get();
+    State& library = *state;
     if (++library.initCount == 1) {
         BringUp(library, params);
     }
@@ -182,7 +182,7 @@ void Initialize(const MetadataAPIInitParams& params)
 
 void Terminate()
 {
-    State& library = state.Get();
+    State& library = *state;
     // Not guarded at 0, on purpose: one call too many wraps the counter, and calls in pairs never
     // bring the framework up again.
     if (--library.initCount != 0) {
@@ -207,7 +207,7 @@ void Terminate()
 
 bool IsFrameworkUp() noexcept
 {
-    return state.Get().isFrameworkUp;
+    return state->isFrameworkUp;
 }
 
 }  // namespace kivmetadataapi

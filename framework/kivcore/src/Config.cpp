@@ -8,9 +8,8 @@
 #include <kivcore/ErrorManager.h>
 #include <kivcore/LastFailure.h>
 #include <kivcore/Locale.h>
+#include <kivcore/NeverDestroyed.h>
 #include <kivcore/Trace.h>
-
-#include "framework/kivcore/src/NeverDestroyed.h"
 
 namespace kivcore::config {
 
@@ -29,7 +28,7 @@ struct Client {
 
 Client& CurrentClient() noexcept
 {
-    static const NeverDestroyed<Client> client;
+    static NeverDestroyed<Client> client;
     return *client;
 }
 

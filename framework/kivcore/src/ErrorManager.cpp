@@ -10,10 +10,9 @@
 #include <kivcore/Config.h>
 #include <kivcore/LastFailure.h>
 #include <kivcore/Localizer.h>
+#include <kivcore/NeverDestroyed.h>
 #include <kivcore/StringConversion.h>
 #include <kivcore/Trace.h>
-
-#include "framework/kivcore/src/NeverDestroyed.h"
 
 namespace kivcore::config {
 
@@ -31,7 +30,7 @@ constinit std::mutex currentMutex;
 /// Under the lock only.
 Current& InForce() noexcept
 {
-    static const NeverDestroyed<Current> current;
+    static NeverDestroyed<Current> current;
     return *current;
 }
 

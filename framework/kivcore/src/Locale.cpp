@@ -8,9 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include <kivcore/NeverDestroyed.h>
 #include <kivcore/StringConversion.h>
-
-#include "framework/kivcore/src/NeverDestroyed.h"
 
 namespace kivcore {
 
@@ -26,7 +25,7 @@ struct State {
 
 State& Current() noexcept
 {
-    static const NeverDestroyed<State> state;
+    static NeverDestroyed<State> state;
     return *state;
 }
 

@@ -1,8 +1,8 @@
 #include <kivcore/Logging.h>
 
-#include <map>
+#include <kivcore/NeverDestroyed.h>
 
-#include "framework/kivcore/src/NeverDestroyed.h"
+#include <map>
 
 namespace kivcore::logging {
 
@@ -10,7 +10,7 @@ namespace {
 
 std::map<std::string, LogFilePathsCallback>& Callbacks() noexcept
 {
-    static const NeverDestroyed<std::map<std::string, LogFilePathsCallback>> callbacks;
+    static NeverDestroyed<std::map<std::string, LogFilePathsCallback>> callbacks;
     return *callbacks;
 }
 

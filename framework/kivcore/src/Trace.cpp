@@ -3,6 +3,8 @@
 
 #include <kivcore/Trace.h>
 
+#include <kivcore/NeverDestroyed.h>
+
 #include <charconv>
 #include <cstdio>
 #include <cstdlib>
@@ -13,7 +15,6 @@
 #include <utility>
 
 #include "framework/kivcore/src/Debugger.h"
-#include "framework/kivcore/src/NeverDestroyed.h"
 
 namespace kivcore::debug {
 
@@ -41,7 +42,7 @@ thread_local bool isInSink = false;
 /// Under the lock only.
 std::shared_ptr<const State>& StateSlot()
 {
-    static const NeverDestroyed<std::shared_ptr<const State>> slot;
+    static NeverDestroyed<std::shared_ptr<const State>> slot;
     if (*slot == nullptr) {
         *slot = std::make_shared<const State>();
     }

@@ -7,6 +7,7 @@
 #include "framework/kivmetadata/src/ViewReader.h"
 
 #include <kivcore/Dir.h>
+#include <kivcore/NeverDestroyed.h>
 
 #include <algorithm>
 #include <stdexcept>
@@ -31,19 +32,14 @@ struct Common {
     std::shared_ptr<const ViewDefinitions> views = std::make_shared<const ViewDefinitions>();
 };
 
-// Never destroyed: a host may leave without the last terminate.
-std::unique_ptr<Common>& CommonSlot()
-{
-    static auto& slot = *new std::unique_ptr<Common>();
-    return slot;
-}
+constinit kivcore::NeverDestroyed<std::unique_ptr<Common>> commonSlot;
 
 Common& EnsureCommon()
 {
-    if (!CommonSlot()) {
-        CommonSlot() = std::make_unique<Common>();
+    if (!*commonSlot) {
+        *commonSlot = std::make_unique<Common>();
     }
-    return *CommonSlot();
+    return **commonSlot;
 }
 
 void LoadSchemas(const Dir& folder, const TextSource& texts, Loaded& loaded)
@@ -170,7 +166,7 @@ void LoadAllViewDefinitions()
 
 void UnloadViewDefinitions() noexcept
 {
-    CommonSlot().reset();
+    commonSlot->reset();
 }
 
 std::shared_ptr<const ViewDefinitions> CommonViewDefinitions()

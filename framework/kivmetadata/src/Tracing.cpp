@@ -12,12 +12,7 @@ constinit kivcore::debug::TraceSite problems("kivmetadata", 0);
 
 void TraceProblem(std::string_view text) noexcept
 {
-    try {
-        if (problems.Enabled()) {
-            problems.Write(text);
-        }
-    } catch (...) {  // asking for the channel may allocate; a lost trace is no failure
-    }
+    problems.Report(text);
 }
 
 }  // namespace kivmetadata

@@ -7,9 +7,7 @@ namespace kivtoolkit {
 void Trace(std::string_view text) noexcept
 {
     static constinit kivcore::debug::TraceSite site("kivmetadataui", 0);
-    if (site.Enabled()) {
-        site.Write(text);
-    }
+    site.Report(text);
 }
 
 }  // namespace kivtoolkit

@@ -7,6 +7,7 @@
 #include "framework/kivxmp/src/Encoding.h"
 #include "framework/kivxmp/src/XmlName.h"
 
+#include <kivcore/NeverDestroyed.h>
 #include <kivxmp/XMPError.h>
 #include <kivxmp/XMPNode.h>
 
@@ -82,9 +83,8 @@ struct Registered {
 
 Registered& Registry() noexcept
 {
-    // Never destroyed: hosts may keep objects until the process ends.
-    static Registered& registry = *new Registered;
-    return registry;
+    static kivcore::NeverDestroyed<Registered> registry;  // hosts may keep objects to the end
+    return *registry;
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "framework/kivxmp/src/NodeAccess.h"
 
+#include <kivcore/NeverDestroyed.h>
 #include <kivxmp/kivxmp.h>
 
 namespace kivxmp {
@@ -37,8 +38,8 @@ static_assert(FormsStandByNumber());
 
 const std::vector<Node>& NoNodes() noexcept
 {
-    static const std::vector<Node>& empty = *new std::vector<Node>;
-    return empty;
+    static constinit kivcore::NeverDestroyed<std::vector<Node>> empty;
+    return *empty;
 }
 
 char Lower(char c) noexcept

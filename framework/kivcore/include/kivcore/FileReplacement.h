@@ -37,8 +37,9 @@ KIVCORE_API FileIdentity ReplaceFile(const UString& path,
                                      const std::function<void(OutputFile& out)>& write,
                                      const ReplaceOptions& options);
 
-/// Throws FileError kRefused if ReplaceFile would refuse the file at `path` for its own permissions,
-/// kNotFound where there is none. Says nothing about the folder and the room on the disk.
+/// Throws FileError kRefused if ReplaceFile would refuse the file at `path` for its own
+/// permissions, kNotFound where there is none. Says nothing about the folder and the room on the
+/// disk.
 KIVCORE_API void CheckReplaceable(const UString& path);
 
 /// Clears what a killed writer left for `path`: called by readers of a photo before they open it,

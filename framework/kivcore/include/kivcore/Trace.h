@@ -50,6 +50,16 @@ public:
         return enabled_.load(std::memory_order_relaxed);
     }
     void Write(std::string_view text) const { Trace(level_, channel_, text); }
+    /// Writes `text` if the channel is on; a failure to find out loses it.
+    void Report(std::string_view text) noexcept
+    {
+        try {
+            if (Enabled()) {
+                Write(text);
+            }
+        } catch (...) {
+        }
+    }
 
 private:
     const char* channel_;

@@ -3,23 +3,25 @@
 
 #pragma once
 
-#include <new>
-
 namespace kivcore {
 
-/// Holds a T in its own storage and never destroys it. For static objects.
+/// Holds a T and never destroys it. For static objects; constant-initialized where T can be.
 template <class T>
 class NeverDestroyed {
 public:
-    NeverDestroyed() : object_(::new (static_cast<void*>(storage_)) T()) {}
+    constexpr NeverDestroyed() : object_() {}
     NeverDestroyed(const NeverDestroyed&) = delete;
     NeverDestroyed& operator=(const NeverDestroyed&) = delete;
+    // Leaves the object as it is, on purpose.
+    constexpr ~NeverDestroyed() {}
 
-    T& operator*() const noexcept { return *object_; }
+    T& operator*() noexcept { return object_; }
+    T* operator->() noexcept { return &object_; }
 
 private:
-    alignas(T) unsigned char storage_[sizeof(T)];
-    T* object_;
+    union {
+        T object_;
+    };
 };
 
 }  // namespace kivcore
