@@ -2,9 +2,12 @@
 
 #include <benchmark/benchmark.h>
 
+#include "framework/kivxmp/tests/PartFamilies.h"
+
 #include <expat.h>
 #include <kivxmp/XMPMeta.h>
 
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -70,6 +73,39 @@ void SerializeChanged(benchmark::State& state)
     Count(state, packet);
 }
 BENCHMARK(SerializeChanged)->Arg(30)->Arg(10000)->Unit(benchmark::kMicrosecond);
+
+void Family(benchmark::State& state)
+{
+    using namespace kivxmp::testing;
+    const PartFamily& family = kPartFamilies[state.range(0)];
+    const std::string packet = PacketOfParts(family, static_cast<std::size_t>(state.range(1)));
+    state.SetLabel(family.about);
+    for (auto _ : state) {
+        ReadChangeAndCompare(packet);
+    }
+}
+BENCHMARK(Family)
+    ->ArgsProduct({benchmark::CreateDenseRange(0, std::size(kivxmp::testing::kPartFamilies) - 1, 1),
+                   {2000, 16000}})
+    ->Unit(benchmark::kMillisecond);
+
+void ManyEdits(benchmark::State& state)
+{
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            kivxmp::testing::EditEveryItem(static_cast<std::size_t>(state.range(0))));
+    }
+}
+BENCHMARK(ManyEdits)->Arg(2000)->Arg(16000)->Unit(benchmark::kMillisecond);
+
+void ManyNamespaces(benchmark::State& state)
+{
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(
+            kivxmp::testing::SetManyProperties(static_cast<std::size_t>(state.range(0))));
+    }
+}
+BENCHMARK(ManyNamespaces)->Arg(1000)->Arg(8000)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 

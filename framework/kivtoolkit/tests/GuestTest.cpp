@@ -3,14 +3,12 @@
 #include <dlfcn.h>
 
 #include <array>
-#include <chrono>
 #include <clocale>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iostream>
 #include <string>
 
 #include "framework/kivtoolkit/tests/GuestHost.h"
@@ -278,24 +276,6 @@ TEST(Guest, ScreenshotHasTheWindowsSize)
     // A folder that is not there.
     EXPECT_FALSE(host.ShowDialog(DialogDriver().Screenshot("/nonexistent-folder/a.png").PressOk()));
     EXPECT_NE(GuestHost::Failure().find("/nonexistent-folder/a.png"), std::string::npos);
-}
-
-TEST(Guest, OpensQuickly)
-{
-    GuestHost host;
-    host.ShowDialog(TypeTitle("warm"));
-    double best = 1e9;
-    for (int i = 0; i < 5; ++i) {
-        const auto before = std::chrono::steady_clock::now();
-        auto painted = before;
-        host.whileOpen = [&] { painted = std::chrono::steady_clock::now(); };
-        // Typing and writing are part of what is measured, so it is more than the opening.
-        EXPECT_TRUE(host.ShowDialog(TypeTitle("t" + std::to_string(i))));
-        best = std::min(best, std::chrono::duration<double, std::milli>(painted - before).count());
-    }
-    RecordProperty("milliseconds", static_cast<int>(best));
-    std::cout << "from the call to the confirmed edit: " << best << " ms\n";
-    EXPECT_LT(best, 1500);
 }
 
 }  // namespace

@@ -2,9 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
-
 #include "framework/kivxmp/src/Encoding.h"
+#include "framework/kivxmp/tests/PartFamilies.h"
 #include "framework/kivxmp/tests/XmpTestSupport.h"
 
 #include <kivxmp/XMPAccess.h>
@@ -138,99 +137,18 @@ TEST(Robustness, NodeLimit)
               kKivXmpTooManyNodes);
 }
 
-/// Seconds that `function` takes, the better of two.
-template <class Function>
-double Seconds(const Function& function)
+TEST(Robustness, ManyPartsOfEveryKind)
 {
-    double best = 1e9;
-    for (int i = 0; i < 2; ++i) {
-        const auto begin = std::chrono::steady_clock::now();
-        function();
-        best = std::min(
-            best, std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count());
-    }
-    return best;
-}
-
-/// Fails if eight times the work takes much more than eight times as long.
-template <class Work>
-void ExpectLinear(std::size_t count, const Work& work)
-{
-    const double once = Seconds([&] { work(count); });
-    const double eightfold = Seconds([&] { work(8 * count); });
-    EXPECT_LT(eightfold, 8 * 4 * once + 0.05);
-}
-
-TEST(Robustness, CostIsLinear)
-{
-    struct Row {
-        const char* about;
-        std::string_view before;
-        std::string_view part;
-        std::string_view after;
-        bool numbered;  // '#' in `part` is replaced by a number
-    };
-    constexpr Row kRows[] = {
-        {"items", "<ex:a><rdf:Bag>", "<rdf:li>text</rdf:li>", "</rdf:Bag></ex:a>", false},
-        {"languages", "<ex:a><rdf:Alt>", "<rdf:li xml:lang='l#'>t</rdf:li>", "</rdf:Alt></ex:a>",
-         true},
-        {"properties", "", "<ex:a#>text</ex:a#>", "", true},
-        {"doubled properties", "", "<ex:a>text</ex:a>", "", false},
-        {"fields", "<ex:a rdf:parseType='Resource'>", "<ex:a#>text</ex:a#>", "</ex:a>", true},
-        {"doubled fields", "<ex:a rdf:parseType='Resource'>", "<ex:b>text</ex:b>", "</ex:a>",
-         false},
-        {"qualifiers", "<ex:a rdf:parseType='Resource'><rdf:value/>", "<ex:a#>text</ex:a#>",
-         "</ex:a>", true},
-        {"declarations", "", "<p:a# xmlns:p='http://p/#'>text</p:a#>", "", true},
-        {"raw items", "<ex:a><rdf:Bag>", "<rdf:li rdf:ID='a'>text</rdf:li>", "</rdf:Bag></ex:a>",
-         false},
-    };
-    for (const Row& row : kRows) {
-        SCOPED_TRACE(row.about);
-        ExpectLinear(1500, [&row](std::size_t count) {
-            std::string content(row.before);
-            for (std::size_t i = 0; i < count; ++i) {
-                std::string part(row.part);
-                for (std::size_t at = part.find('#'); at != std::string::npos;
-                     at = part.find('#', at)) {
-                    part.replace(at, 1, std::to_string(i));
-                }
-                content += part;
-            }
-            content += row.after;
-            const auto meta = Parse(InDescription(content, "ex:z=\"1\""));
-            Dump(*meta);
-            meta->SetText("ex:z", "2");
-            meta->Ensure("ex:n", NodeForm::kBag);
-            if (const Node* const list = meta->Find("ex:a"); list != nullptr && list->IsArray()) {
-                meta->MoveItem("ex:a", 1, 2);
-            }
-            Compare(*meta, *Parse(meta->Serialize()));
-        });
+    for (const PartFamily& family : kPartFamilies) {
+        SCOPED_TRACE(family.about);
+        ReadChangeAndCompare(PacketOfParts(family, 2000));
     }
 }
 
-TEST(Robustness, ManyEditsAreLinear)
+TEST(Robustness, ManyEditsOfOneObject)
 {
-    const auto packet = [](std::size_t count) {
-        return InDescription("<ex:a><rdf:Bag>" + Repeat("<rdf:li>text</rdf:li>", count) +
-                             "</rdf:Bag></ex:a>");
-    };
-    ExpectLinear(5000, [&packet](std::size_t count) {
-        const auto meta = Parse(packet(count));
-        for (std::size_t i = 1; i <= count; ++i) {
-            meta->SetText("ex:a[" + std::to_string(i) + "]", "other");
-        }
-        meta->SetList("ex:a", NodeForm::kSeq, std::vector<std::string>(count, "other"));
-        EXPECT_EQ(Parse(meta->Serialize())->Find("ex:a")->Children().size(), count);
-    });
-    ExpectLinear(1500, [](std::size_t count) {
-        const auto meta = __XMPMeta__::Create();
-        for (std::size_t i = 0; i < count; ++i) {
-            meta->SetText("{http://u" + std::to_string(i) + "/}a" + std::to_string(i), "x");
-        }
-        EXPECT_EQ(Parse(meta->Serialize())->PropertyCount(), count);
-    });
+    EXPECT_EQ(EditEveryItem(5000), 5000U);
+    EXPECT_EQ(SetManyProperties(1500), 1500U);
 }
 
 }  // namespace
