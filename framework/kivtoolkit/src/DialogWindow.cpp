@@ -281,7 +281,8 @@ void DialogWindow::UpdateWords()
     for (const DialogView& view : model_.Views()) {
         items.push_back({view.label, GlyphOf(view), view.HasChanges(), view.HasErrors()});
     }
-    side_->List().SetItems(std::move(items), model_.CurrentView());
+    const std::size_t none = items.size();
+    side_->List().SetItems(std::move(items), pages_->IsSearchShown() ? none : model_.CurrentView());
     bar_->Update();
     if (bar_->WantedHeight(GetClientSize().x) != bar_->GetSize().y) {
         Arrange();
@@ -301,6 +302,7 @@ void DialogWindow::Search(const kivcore::UString& text)
     } else {
         pages_->ShowHits(model_.Search(text));
     }
+    hasModelChanged_ = true;
 }
 
 void DialogWindow::ShowView(std::size_t view)

@@ -8,9 +8,8 @@
 namespace kivtoolkit {
 
 /// Throws std::runtime_error, before the windowing system's toolkit is touched, where no window can
-/// be shown: no display, or another generation of the toolkit in the process. What it returns (may
-/// be null) is to be held until the toolkit has connected: a display server may start afresh when
-/// its last client leaves.
+/// be shown. What it returns (may be null) is to be held until the toolkit has connected: a display
+/// server may start afresh when its last client leaves.
 [[nodiscard]] std::shared_ptr<void> RequireDisplay();
 
 /// To be called right before the toolkit starts, once RequireDisplay has passed: chooses the kind

@@ -86,34 +86,27 @@ void OnConnectionLost(Display* connection, void*)
 struct LoadOrder {
     bool ourselvesSeen = false;
     bool glibWasFirst = false;
-    bool otherGtk = false;
 };
-
-bool Contains(const char* name, std::string_view part)
-{
-    return std::string_view(name).find(part) != std::string_view::npos;
-}
 
 // The loader lists modules in the order in which they came: what stands before us was there before
 // us, and what we need comes behind.
-LoadOrder LookAtModules()
+bool WasGlibThereFirst()
 {
     LoadOrder order;
     dl_iterate_phdr(
         [](dl_phdr_info* info, std::size_t, void* data) {
             auto& seen = *static_cast<LoadOrder*>(data);
-            const char* name = info->dlpi_name != nullptr ? info->dlpi_name : "";
-            if (Contains(name, "/kivtoolkit.so")) {
+            const std::string_view name = info->dlpi_name != nullptr ? info->dlpi_name : "";
+            if (name.find("/kivtoolkit.so") != std::string_view::npos) {
                 seen.ourselvesSeen = true;
-            } else if (Contains(name, "libglib-2.0.so") && !seen.ourselvesSeen) {
+            } else if (name.find("/libglib-2.0.so") != std::string_view::npos &&
+                       !seen.ourselvesSeen) {
                 seen.glibWasFirst = true;
-            } else if (Contains(name, "libgtk-4.so") || Contains(name, "libgtk-x11-2.0.so")) {
-                seen.otherGtk = true;
             }
             return 0;
         },
         &order);
-    return order;
+    return order.glibWasFirst || !order.ourselvesSeen;
 }
 
 bool IsToolkitDomain(std::string_view domain)
@@ -159,13 +152,6 @@ std::shared_ptr<void> RequireDisplay()
         throw std::runtime_error(
             Utf8Text("$$$/Kiv/Dialog/Failure/DisplayLost=The connection to the display was lost."));
     }
-    const LoadOrder order = LookAtModules();
-    // The second symbol is that of a GTK 2 linked into the program itself.
-    if (order.otherGtk || dlsym(RTLD_DEFAULT, "gtk_progress_get_type") != nullptr) {
-        throw std::runtime_error(Utf8Text(
-            "$$$/Kiv/Dialog/Failure/OtherGtk=This program uses another version of GTK, so that no "
-            "dialog can be shown."));
-    }
     if (gdk_display_get_default() != nullptr) {
         return nullptr;
     }
@@ -180,7 +166,7 @@ std::shared_ptr<void> RequireDisplay()
 
 void PrepareToolkitStart()
 {
-    if (!logWriterIsOurs && !LookAtModules().glibWasFirst) {
+    if (!logWriterIsOurs && !WasGlibThereFirst()) {
         g_log_set_writer_func(WriteLog, nullptr, nullptr);
         logWriterIsOurs = true;
     }

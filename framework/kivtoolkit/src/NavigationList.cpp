@@ -17,7 +17,7 @@ NavigationList::NavigationList(Look& look, wxWindow& parent,
         SetOffset(offset_ -
                   event.GetWheelRotation() * look_.Px(ui::metrics::kNavigationItemHeight) / 120);
     });
-    BindContained(look_, *this, wxEVT_SIZE, [this](wxSizeEvent&) { ShowItem(current_); });
+    BindContained(look_, *this, wxEVT_SIZE, [this](wxSizeEvent&) { ShowCurrent(); });
 }
 
 void NavigationList::SetItems(std::vector<Item> items, std::size_t current)
@@ -33,9 +33,16 @@ void NavigationList::SetItems(std::vector<Item> items, std::size_t current)
         SetWords(Text("$$$/Kiv/Dialog/Navigation/Name=Views"), items_[current_].name);
     }
     if (moved) {
-        ShowItem(current_);
+        ShowCurrent();
     }
     Refresh();
+}
+
+void NavigationList::ShowCurrent()
+{
+    if (current_ < items_.size()) {
+        ShowItem(current_);
+    }
 }
 
 int NavigationList::ItemTop(std::size_t index) const
@@ -72,7 +79,8 @@ void NavigationList::Draw(const ui::Drawing& drawing, const ui::Rect& rect)
         ui::ControlState state;
         state.selected = i == current_;
         state.hovered = state_.hovered && i == hovered_;
-        state.focused = state_.focused && state.selected;
+        // Where none is current, arrows begin at the first one.
+        state.focused = state_.focused && i == (current_ < items_.size() ? current_ : 0);
         state.changed = items_[i].isChanged;
         // The items reach over the whole width of the list, ring room included.
         const ui::Rect item{0, rect.y + ItemTop(i), rect.x * 2 + rect.width, height};
@@ -118,10 +126,10 @@ bool NavigationList::PressKey(const wxKeyEvent& key)
     std::size_t next = current_;
     switch (key.GetKeyCode()) {
         case WXK_DOWN:
-            next = std::min(items_.size() - 1, current_ + 1);
+            next = current_ < items_.size() ? std::min(items_.size() - 1, current_ + 1) : 0;
             break;
         case WXK_UP:
-            next = current_ > 0 ? current_ - 1 : 0;
+            next = current_ > 0 && current_ < items_.size() ? current_ - 1 : 0;
             break;
         case WXK_HOME:
             next = 0;

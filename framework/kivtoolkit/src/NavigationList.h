@@ -22,6 +22,7 @@ public:
 
     NavigationList(Look& look, wxWindow& parent, std::function<void(std::size_t)> chosen);
 
+    /// `current` behind the last item marks none.
     void SetItems(std::vector<Item> items, std::size_t current);
     /// Brings an item into sight and gives its middle, in the list's pixels.
     wxPoint ShowItem(std::size_t index);
@@ -33,6 +34,7 @@ protected:
     bool PressKey(const wxKeyEvent& key) override;
 
 private:
+    void ShowCurrent();
     int ItemTop(std::size_t index) const;
     bool FindItem(const wxPoint& at, std::size_t& index) const;
     void SetOffset(int offset);

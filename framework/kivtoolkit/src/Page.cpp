@@ -12,7 +12,7 @@ namespace {
 
 // Design units.
 constexpr double kMargin = 24;
-constexpr double kTrailing = 36;  // room for a revert button and the scroll bar
+constexpr double kTrailing = 40;  // room for a revert button and the scroll bar
 constexpr double kTop = 20;
 constexpr double kBottom = 24;
 constexpr double kWidest = 680;

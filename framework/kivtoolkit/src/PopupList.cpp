@@ -71,7 +71,11 @@ void PopupList::PlaceAt(const wxRect& anchor)
                                  std::max(1, room.x - 2 * gap));
     const int below = room.y - (anchor.y + anchor.height) - 2 * gap;
     const int above = anchor.y - 2 * gap;
-    const int height = std::min(ContentHeight(), std::max(above, below));
+    // Whole items, so that none is cut.
+    const int item = look_.Px(kItemHeight);
+    const int frame = 2 * look_.Px(kPadding);
+    const int height = std::min(
+        ContentHeight(), std::max(1, (std::max(above, below) - frame) / item) * item + frame);
     const bool isBelow = ContentHeight() <= below || below >= above;
     int x = look_.IsMirrored() ? anchor.x + anchor.width - width : anchor.x;
     x = std::clamp(x, gap, std::max(gap, room.x - width - gap));

@@ -37,7 +37,6 @@ TextEntry::TextEntry(Look& look, wxWindow& parent, TextShape shape, Actions acti
     core_->shape = shape;
     core_->actions = std::move(actions);
     core_->control = control_;
-    control_->SetFont(look.Font(ui::TextRole::kBody));
     StyleNativeText(*control_,
                     {ui::StyleOfText(look.Measuring(), ui::TextRole::kBody),
                      look.Theme().Color(ui::kSelection), look.Theme().Color(ui::kSelectionText)});
@@ -132,7 +131,8 @@ void TextEntry::SetText(kivcore::UStringView text)
 {
     if (Text() != text) {
         control_->ChangeValue(ToWx(text));
-        control_->SetInsertionPointEnd();
+        // What is only read begins at its beginning.
+        PutCaret(/*atEnd=*/core_->shape != TextShape::kReadOnlyLines);
     }
 }
 
