@@ -33,7 +33,8 @@ LAYERS = {
     "framework/kivtoolkit": ("kivcore", "kivui", "kivmetadataui", "framework/kivmetadataui/src"),
     "host": ("include",),
     # Judges of the whole.
-    "bench": ("include", "dictionary", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui"),
+    "bench": ("include", "dictionary", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
+              "framework/kivxmp/tests"),
     "fuzz": ("dictionary", "framework/kivcore/src", "framework/kivui/src", "framework/kivxmp/src",
              "framework/kivmetadata/src", "kivcore", "kivui", "kivxmp", "kivmetadata"),
     "tests": ("include", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui"),
