@@ -9,18 +9,18 @@ namespace kivcore {
 template <class T>
 class NeverDestroyed {
 public:
-    constexpr NeverDestroyed() : object_() {}
+    constexpr NeverDestroyed() : object() {}
     NeverDestroyed(const NeverDestroyed&) = delete;
     NeverDestroyed& operator=(const NeverDestroyed&) = delete;
     // Leaves the object as it is, on purpose.
     constexpr ~NeverDestroyed() {}
 
-    T& operator*() noexcept { return object_; }
-    T* operator->() noexcept { return &object_; }
+    T& operator*() noexcept { return object; }
+    T* operator->() noexcept { return &object; }
 
 private:
     union {
-        T object_;
+        T object;
     };
 };
 
