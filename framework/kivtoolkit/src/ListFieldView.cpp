@@ -190,10 +190,11 @@ void ListFieldView::CreateBody()
     }));
 }
 
-void ListFieldView::UpdateChips(std::size_t count)
+std::vector<ChipControl*> ListFieldView::UpdateChips(std::size_t count)
 {
+    std::vector<ChipControl*> surplus;
     while (chips_.size() > count) {
-        Drop(chips_.back());
+        surplus.push_back(chips_.back());
         chips_.pop_back();
     }
     while (chips_.size() < count) {
@@ -207,13 +208,14 @@ void ListFieldView::UpdateChips(std::size_t count)
     for (std::size_t i = 0; i < count; ++i) {
         chips_[i]->SetText(list_.Items()[i].text);
     }
+    return surplus;
 }
 
 void ListFieldView::PlaceBody(const wxRect& body)
 {
     const Flow flow = FlowFor(body.width);
-    UpdateChips(flow.chips.size());
-    for (std::size_t i = 0; i < chips_.size(); ++i) {
+    const std::vector<ChipControl*> surplus = UpdateChips(flow.chips.size());
+    for (std::size_t i = 0; i < chips_.size() && i < flow.chips.size(); ++i) {
         chips_[i]->Place(OnPage(flow.chips[i]));
         chips_[i]->Show(isShown_ && edited_ != i);
     }
@@ -225,6 +227,10 @@ void ListFieldView::PlaceBody(const wxRect& body)
     more_->SetLabelText(MoreText(flow.hidden));
     more_->Place(OnPage(flow.more));
     more_->Show(isShown_ && flow.hidden > 0);
+    // Last: a chip that goes moves the focus, which may change the list and place it anew.
+    for (ChipControl* chip : surplus) {
+        Drop(chip);
+    }
 }
 
 void ListFieldView::ShowBody(bool isShown)

@@ -81,7 +81,8 @@ private:
     void Remove(std::size_t index);
     wxSize ChipSize(const kivcore::UString& text);
     wxRect OnPage(const wxRect& inBody) const;
-    void UpdateChips(std::size_t count);
+    /// Returns the chips that are no longer needed, to be dropped when all others stand.
+    std::vector<ChipControl*> UpdateChips(std::size_t count);
     kivcore::UString MoreText(std::size_t hidden) const;
 
     kivmetadataui::ListField& list_;
