@@ -26,6 +26,20 @@ bool IsConnectionLost() noexcept;
 /// it. A null function takes it away.
 void SetConnectionLostHandler(void (*handler)()) noexcept;
 
+/// While it lives the toolkit starts, which changes the environment and how a broken pipe is
+/// handled. The destructor puts both back.
+class StartGuard {
+public:
+    StartGuard();
+    StartGuard(const StartGuard&) = delete;
+    StartGuard& operator=(const StartGuard&) = delete;
+    ~StartGuard();
+
+private:
+    struct Saved;
+    std::unique_ptr<Saved> saved_;
+};
+
 /// While it lives the process's locale and error handlers may be changed by the toolkit, and errors
 /// of our own display connection end in the trace instead of reaching the host. The destructor puts
 /// everything back, unless the host itself changed it meanwhile.

@@ -8,8 +8,10 @@
 
 #include <dlfcn.h>
 #include <gdk/gdkx.h>
+#include <gio/gio.h>
 #include <gtk/gtk.h>
 #include <link.h>
+#include <unistd.h>
 
 #include <X11/Xlib.h>
 #include <X11/Xlibint.h>
@@ -19,7 +21,10 @@
 #undef min
 
 #include <clocale>
+#include <csignal>
+#include <cstdlib>
 #include <cstring>
+#include <map>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -119,6 +124,19 @@ bool IsToolkitDomain(std::string_view domain)
     return false;
 }
 
+std::map<std::string, std::string> Variables()
+{
+    std::map<std::string, std::string> variables;
+    for (char** variable = environ; variable != nullptr && *variable != nullptr; ++variable) {
+        const std::string_view text = *variable;
+        const std::size_t sign = text.find('=');
+        if (sign != std::string_view::npos && sign != 0) {
+            variables.emplace(text.substr(0, sign), text.substr(sign + 1));
+        }
+    }
+    return variables;
+}
+
 std::string_view FieldText(const GLogField& field)
 {
     const auto* text = static_cast<const char*>(field.value);
@@ -188,6 +206,36 @@ bool IsConnectionLost() noexcept
 void SetConnectionLostHandler(void (*handler)()) noexcept
 {
     connectionLostHandler = handler;
+}
+
+struct StartGuard::Saved {
+    std::map<std::string, std::string> variables;
+    struct sigaction brokenPipe = {};
+};
+
+StartGuard::StartGuard() : saved_(std::make_unique<Saved>())
+{
+    saved_->variables = Variables();
+    sigaction(SIGPIPE, nullptr, &saved_->brokenPipe);
+    // GIO ignores the signal from its first socket on, which would else come at an unknown time. It
+    // does not depend on that: it sends without raising signals.
+    g_type_class_unref(g_type_class_ref(G_TYPE_SOCKET));
+}
+
+StartGuard::~StartGuard()
+{
+    sigaction(SIGPIPE, &saved_->brokenPipe, nullptr);
+    for (const auto& [name, value] : Variables()) {
+        if (saved_->variables.find(name) == saved_->variables.end()) {
+            unsetenv(name.c_str());
+        }
+    }
+    for (const auto& [name, value] : saved_->variables) {
+        const char* const now = std::getenv(name.c_str());
+        if (now == nullptr || now != value) {
+            setenv(name.c_str(), value.c_str(), 1);
+        }
+    }
 }
 
 struct GuestGuard::Saved {

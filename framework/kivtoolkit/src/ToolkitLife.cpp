@@ -74,6 +74,7 @@ void ToolkitLife::Start()
         }
         return;
     }
+    const StartGuard environment;
     GuestGuard guard;
     PrepareToolkitStart();
     hostAssertHandler = wxSetAssertHandler(OnAssertion);
