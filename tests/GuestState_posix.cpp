@@ -27,8 +27,9 @@ std::string SignalText(int number)
     if (sigaction(number, nullptr, &action) != 0) {
         return "none";
     }
+    constexpr int kRestorer = 0x04000000;  // the C library's own mark on what it has set
     const auto handler = reinterpret_cast<std::uintptr_t>(action.sa_handler);
-    std::string text = std::to_string(handler) + ' ' + std::to_string(action.sa_flags);
+    std::string text = std::to_string(handler) + ' ' + std::to_string(action.sa_flags & ~kRestorer);
     for (int other = 1; other < NSIG; ++other) {
         text += sigismember(&action.sa_mask, other) == 1 ? '1' : '0';
     }
