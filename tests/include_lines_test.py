@@ -49,7 +49,8 @@ HEADERS = {
 # Headers of other projects: where they may stand.
 FOREIGN = {
     r"expat\.h": ("framework/kivcore/src", "framework/kivxmp/src", "bench"),
-    r"(wx|gtk|gdk|X11)/.+|cairo\.h": ("framework/kivtoolkit",),
+    r"(wx|gtk|gdk|gio|glib)/.+|(cairo|glib)\.h": ("framework/kivtoolkit",),
+    r"X11/.+": ("framework/kivtoolkit", "*tests"),
     r"boost/(function\.hpp|smart_ptr/intrusive_ptr\.hpp|shared_ptr\.hpp)": ("framework", "api"),
     r"(gtest|gmock)/.+": ("*tests",),
     r"benchmark/.+": ("bench",),
