@@ -115,6 +115,27 @@ TEST_F(LibraryDialogRoundsTest, TheHostsLocaleStaysAndDoesNotMatter)
     std::setlocale(LC_ALL, "C");
 }
 
+TEST_F(LibraryDialogRoundsTest, FiftyRounds)
+{
+    constexpr int kRounds = 50;
+    const XmpObject object;
+    Round(0, object);
+    Round(1, object);
+    const std::size_t handles = OpenHandles();
+    std::size_t heapHalfway = 0;
+    for (int round = 0; round < kRounds; ++round) {
+        Round(round, object);
+        if (HasFatalFailure()) {
+            return;
+        }
+        if (round == kRounds / 2) {
+            heapHalfway = HeapInUse();
+        }
+    }
+    EXPECT_EQ(OpenHandles(), handles);
+    EXPECT_LE(HeapInUse(), heapHalfway + kAllowedGrowthBytes);
+}
+
 TEST_F(LibraryDialogRoundsTest, ManyDialogsInOneRound)
 {
     constexpr int kDialogs = 20;
