@@ -17,6 +17,7 @@
 namespace kivxmp {
 
 struct Node::Extra {
+    std::vector<Node> children;
     std::vector<Node> qualifiers;
     RawSource raw;  // of raw nodes
 };
@@ -30,7 +31,7 @@ public:
     static void SetName(Node& node, const QName* name) noexcept { node.name_ = name; }
     static void SetForm(Node& node, NodeForm form) noexcept { node.form_ = form; }
     static std::string& Value(Node& node) noexcept { return node.value_; }
-    static std::vector<Node>& Children(Node& node) noexcept { return node.children_; }
+    static std::vector<Node>& Children(Node& node);
     static std::vector<Node>& EnsureQualifiers(Node& node);
     /// Null unless the node is raw.
     static const RawSource* Raw(const Node& node) noexcept;

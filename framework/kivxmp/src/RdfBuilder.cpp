@@ -492,6 +492,9 @@ bool RdfBuilder::Assemble(Node& node, const Frame& frame)
     if (node.Form() != NodeForm::kStruct) {
         return true;
     }
+    if (node.Children().empty()) {
+        return true;
+    }
     std::vector<Node>& fields = NodeAccess::Children(node);
     NamesSeen seen;
     bool hasValue = false;

@@ -23,6 +23,8 @@ std::string HexDigits(std::uint32_t number)
     return digits;
 }
 
+constexpr std::uint32_t kMaxCharacter = 0x10FFFF;
+
 }  // namespace
 
 Layout Layout::Deeper() const
@@ -106,9 +108,17 @@ void RdfWriter::Write(std::string& out, const Node& node, const Layout& layout, 
         WriteRaw(out, *raw);
         return;
     }
-    const std::string name =
-        context_.PrefixFor(node.NamespaceUri(), node.Prefix()) + ":" + node.LocalName();
-    WriteNamed(out, node, name, layout, depth, /*isValueOnly=*/false);
+    WriteNamed(out, node, NameOf(node), layout, depth, /*isValueOnly=*/false);
+}
+
+const std::string& RdfWriter::NameOf(const Node& node)
+{
+    const auto [found, isNew] = names_.try_emplace(NodeAccess::Name(node));
+    if (isNew) {
+        found->second =
+            context_.PrefixFor(node.NamespaceUri(), node.Prefix()) + ":" + node.LocalName();
+    }
+    return found->second;
 }
 
 void RdfWriter::WriteNamed(std::string& out, const Node& node, const std::string& name,
@@ -249,6 +259,10 @@ std::string RdfWriter::EscapedAttribute(std::string_view text) const
 
 std::string RdfWriter::Escaped(std::string_view text, bool isAttribute) const
 {
+    constexpr std::string_view kMarkup = "&<>\"\r\t\n";
+    if (maxCharacter_ == kMaxCharacter && text.find_first_of(kMarkup) == std::string_view::npos) {
+        return std::string(text);
+    }
     std::string out;
     out.reserve(text.size());
     const char* current = text.data();

@@ -8,6 +8,7 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
@@ -75,12 +76,14 @@ private:
     void WriteContent(std::string& out, const Node& node, const std::string& name,
                       const Layout& layout, std::size_t depth);
     void WriteRaw(std::string& out, const RawSource& source) const;
+    const std::string& NameOf(const Node& node);
     std::string Rdf(std::string_view local);
     std::string Escaped(std::string_view text, bool isAttribute) const;
 
     NamespaceContext& context_;
     const RdfTerms& terms_;
     std::uint32_t maxCharacter_;
+    std::unordered_map<const QName*, std::string> names_;  // as they are written here
 };
 
 }  // namespace kivxmp

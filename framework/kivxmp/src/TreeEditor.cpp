@@ -491,26 +491,26 @@ void TreeEditor::Ensure(NodeForm form)
     Finish(node, before);
 }
 
-Node TreeEditor::Adopt(const Node& source) const
+void TreeEditor::Adopt(Node& node) const
 {
-    const QName& own = *NodeAccess::Name(source);
-    Node node = source;
+    const QName& own = *NodeAccess::Name(node);
     NodeAccess::SetName(node, object_.names->Ensure(*own.prefix, *own.key->uri, own.key->local));
-    if (const RawSource* const raw = NodeAccess::Raw(source)) {
+    if (const RawSource* const raw = NodeAccess::Raw(node)) {
         if (!raw->isElement || (raw->packet != object_.packet && RefersToEntities(raw->Text()))) {
             Fail(kKivXmpNotEditable, "this RDF cannot be copied");
         }
-        return node;
+        return;
     }
-    for (Node& child : NodeAccess::Children(node)) {
-        child = Adopt(child);
+    if (!node.Children().empty()) {
+        for (Node& child : NodeAccess::Children(node)) {
+            Adopt(child);
+        }
     }
     if (!node.Qualifiers().empty()) {
         for (Node& qualifier : NodeAccess::EnsureQualifiers(node)) {
-            qualifier = Adopt(qualifier);
+            Adopt(qualifier);
         }
     }
-    return node;
 }
 
 void TreeEditor::SetCopy(const Node& source)
@@ -520,7 +520,8 @@ void TreeEditor::SetCopy(const Node& source)
         CheckIsNoLanguage();
     }
     CheckWay(ElementDepth(source, terms_) - 1);
-    Node copy = Adopt(source);
+    Node copy = source;
+    Adopt(copy);
     const bool hasThatName = IsName(last)
                                  ? copy.LocalName() == last.local && copy.NamespaceUri() == last.uri
                                  : NodeAccess::Key(copy) == terms_.li;

@@ -47,7 +47,8 @@ private:
     Node MakeText(const QName* name, std::string_view value);
     void SetLanguage(Node& item, std::string_view language);
     const QName* NameOf(const PathStep& step);
-    Node Adopt(const Node& source) const;
+    /// Makes a copied node one of this object's.
+    void Adopt(Node& node) const;
     void RemoveProperty(const NameKey* key);
     void RemovePart(std::size_t last);
     void Finish(Node& node, std::size_t countBefore);

@@ -83,7 +83,6 @@ Node::Node(const QName* name, NodeForm form) noexcept : name_(name), form_(form)
 Node::Node(const Node& other)
     : name_(other.name_),
       value_(other.value_),
-      children_(other.children_),
       extra_(other.extra_ ? std::make_unique<Extra>(*other.extra_) : nullptr),
       form_(other.form_)
 {
@@ -120,6 +119,11 @@ std::string_view Node::Value() const noexcept
     return form_ == NodeForm::kRaw && extra_ ? extra_->raw.Text() : std::string_view(value_);
 }
 
+const std::vector<Node>& Node::Children() const noexcept
+{
+    return extra_ ? extra_->children : NoNodes();
+}
+
 const std::vector<Node>& Node::Qualifiers() const noexcept
 {
     return extra_ ? extra_->qualifiers : NoNodes();
@@ -127,7 +131,7 @@ const std::vector<Node>& Node::Qualifiers() const noexcept
 
 const Node* Node::FindField(std::string_view uri, std::string_view local) const noexcept
 {
-    return form_ == NodeForm::kStruct ? FindNamed(children_, uri, local) : nullptr;
+    return form_ == NodeForm::kStruct ? FindNamed(Children(), uri, local) : nullptr;
 }
 
 const Node* Node::FindQualifier(std::string_view uri, std::string_view local) const noexcept
@@ -140,12 +144,12 @@ const Node* Node::FindLanguage(std::string_view language) const noexcept
     if (!IsArray()) {
         return nullptr;
     }
-    const auto found =
-        std::find_if(children_.begin(), children_.end(), [language](const Node& item) {
-            const std::string_view own = item.Language();
-            return !own.empty() && EqualIgnoringCase(own, language);
-        });
-    return found == children_.end() ? nullptr : &*found;
+    const std::vector<Node>& items = Children();
+    const auto found = std::find_if(items.begin(), items.end(), [language](const Node& item) {
+        const std::string_view own = item.Language();
+        return !own.empty() && EqualIgnoringCase(own, language);
+    });
+    return found == items.end() ? nullptr : &*found;
 }
 
 std::string_view Node::Language() const noexcept
@@ -165,8 +169,16 @@ bool operator==(const Node& left, const Node& right) noexcept
                                                               *leftKey->uri != *rightKey->uri))) {
         return false;
     }
-    return left.Value() == right.Value() && left.children_ == right.children_ &&
+    return left.Value() == right.Value() && left.Children() == right.Children() &&
            left.Qualifiers() == right.Qualifiers();
+}
+
+std::vector<Node>& NodeAccess::Children(Node& node)
+{
+    if (!node.extra_) {
+        node.extra_ = std::make_unique<Node::Extra>();
+    }
+    return node.extra_->children;
 }
 
 std::vector<Node>& NodeAccess::EnsureQualifiers(Node& node)
@@ -188,14 +200,14 @@ void NodeAccess::MakeRaw(Node& node, RawSource source)
     node.extra_->raw = std::move(source);
     node.form_ = NodeForm::kRaw;
     node.value_.clear();
-    node.children_.clear();
+    node.extra_->children.clear();
 }
 
 void NodeAccess::ClearContent(Node& node) noexcept
 {
     node.value_.clear();
-    node.children_.clear();
     if (node.extra_) {
+        node.extra_->children.clear();
         node.extra_->raw = RawSource();
     }
 }
@@ -207,7 +219,7 @@ const Node* NodeAccess::FindQualifier(const Node& node, const NameKey* key) noex
 
 const Node* NodeAccess::FindField(const Node& node, const NameKey* key) noexcept
 {
-    return node.form_ == NodeForm::kStruct ? FindKeyed(node.children_, key) : nullptr;
+    return node.form_ == NodeForm::kStruct ? FindKeyed(node.Children(), key) : nullptr;
 }
 
 Node& NodeAccess::AddQualifier(Node& node, Node qualifier, const RdfTerms& terms)

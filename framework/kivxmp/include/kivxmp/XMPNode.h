@@ -58,7 +58,7 @@ public:
     /// Text, URI, or the source text of a raw node (UTF-8); empty for lists and structures.
     std::string_view Value() const noexcept;
     /// Fields of a structure or items of a list, in order.
-    const std::vector<Node>& Children() const noexcept { return children_; }
+    const std::vector<Node>& Children() const noexcept;
     /// In order, xml:lang among them.
     const std::vector<Node>& Qualifiers() const noexcept;
 
@@ -81,8 +81,7 @@ private:
 
     const QName* name_;  // belongs to the name pool that an object shares with its clones
     std::string value_;
-    std::vector<Node> children_;
-    std::unique_ptr<Extra> extra_;  // qualifiers and the source of a raw node; mostly absent
+    std::unique_ptr<Extra> extra_;  // what most nodes do not have: parts, qualifiers, a raw source
     NodeForm form_;
 };
 
