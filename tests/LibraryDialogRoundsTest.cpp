@@ -89,6 +89,9 @@ TEST_F(LibraryDialogRoundsTest, NothingIsPrintedAndNothingOfTheProcessChanges)
     // What desktops hand to a program that they start.
     const EnvironmentVariable startup("DESKTOP_STARTUP_ID", "test_TIME1");
     const EnvironmentVariable token("XDG_ACTIVATION_TOKEN", "test");
+    // The user's locale, which the host has not asked for.
+    const EnvironmentVariable locale("LC_ALL", "C.UTF-8");
+    ASSERT_STREQ(std::setlocale(LC_ALL, nullptr), "C");
     const XmpObject object;
     const ProcessState before = StateOfProcess();
     OutputCapture output;
