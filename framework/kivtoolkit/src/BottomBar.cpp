@@ -36,7 +36,7 @@ BottomBar::BottomBar(Look& look, wxWindow& parent, std::function<void()> confirm
     BindContained(look_, *this, wxEVT_SIZE, [this](wxSizeEvent&) { Arrange(); });
 }
 
-void BottomBar::Update()
+void BottomBar::UpdateWords()
 {
     ok_->SetDisabled(!look_.Model().CanConfirm());
     const kivcore::UString& message = look_.Model().Message();

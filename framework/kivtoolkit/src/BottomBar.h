@@ -17,7 +17,7 @@ public:
               std::function<void()> cancelled);
 
     /// Shows what the model says now.
-    void Update();
+    void UpdateWords();
     /// The height that the bar needs for its width: a long message has several lines.
     int WantedHeight(int width);
     PushButton& Ok() { return *ok_; }

@@ -12,7 +12,7 @@
 #include <kivui/NodeManager.h>
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <utility>
 
 namespace kivtoolkit {
@@ -35,7 +35,6 @@ constexpr double kEdgeWidth = 6;
 // What the system's own frame and title bar may take, in pixels of the screen.
 constexpr int kFrameRoom = 8;
 constexpr int kTitleRoom = 40;
-constexpr double kLineScroll = 40;
 constexpr int kMostCatchUps = 8;
 
 struct GlyphRow {
@@ -207,8 +206,8 @@ void DialogWindow::RememberPlace()
         const wxSize size = GetClientSize();
         place.x = corner.x;
         place.y = corner.y;
-        place.width = static_cast<int>(size.x / look_->Scale() + 0.5);
-        place.height = static_cast<int>(size.y / look_->Scale() + 0.5);
+        place.width = static_cast<int>(std::lround(size.x / look_->Scale()));
+        place.height = static_cast<int>(std::lround(size.y / look_->Scale()));
     }
     model_.RememberPlace(place);
 }
@@ -283,7 +282,7 @@ void DialogWindow::UpdateWords()
     }
     const std::size_t none = items.size();
     side_->List().SetItems(std::move(items), pages_->IsSearchShown() ? none : model_.CurrentView());
-    bar_->Update();
+    bar_->UpdateWords();
     if (bar_->WantedHeight(GetClientSize().x) != bar_->GetSize().y) {
         Arrange();
     }
@@ -387,7 +386,7 @@ void DialogWindow::Confirm()
     pages_->FinishTyping();
     model_.EndEdits();
     if (session_.Confirm()) {
-        Close(wxID_OK);
+        EndWith(wxID_OK);
         return;
     }
     hasModelChanged_ = true;
@@ -407,10 +406,10 @@ void DialogWindow::Confirm()
 
 void DialogWindow::Cancel()
 {
-    Close(wxID_CANCEL);
+    EndWith(wxID_CANCEL);
 }
 
-void DialogWindow::Close(int result)
+void DialogWindow::EndWith(int result)
 {
     if (isClosing_) {
         return;

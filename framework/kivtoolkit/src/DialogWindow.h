@@ -70,7 +70,7 @@ private:
 
     void Confirm();
     void Cancel();
-    void Close(int result);
+    void EndWith(int result);
     void BeginScript();
     void WaitForScript();
 

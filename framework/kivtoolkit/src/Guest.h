@@ -40,9 +40,13 @@ private:
     std::unique_ptr<Saved> saved_;
 };
 
+/// Hands what was copied to the desktop's clipboard manager, where there is one, and lets go of the
+/// clipboard: without a loop nobody could answer those who want to paste.
+void ReleaseClipboard();
+
 /// While it lives the process's locale and error handlers may be changed by the toolkit, and errors
-/// of our own display connection end in the trace instead of reaching the host. The destructor puts
-/// everything back, unless the host itself changed it meanwhile.
+/// of our own display connection end in the trace instead of reaching the host, as does its end.
+/// The destructor puts everything back, unless the host itself changed it meanwhile.
 class GuestGuard {
 public:
     GuestGuard();

@@ -238,15 +238,35 @@ StartGuard::~StartGuard()
     }
 }
 
+void ReleaseClipboard()
+{
+    if (!IsToolkitOurs() || connectionLost) {
+        return;
+    }
+    GtkClipboard* clipboard = gtk_clipboard_get(GDK_SELECTION_CLIPBOARD);
+    gtk_clipboard_store(clipboard);
+    for (const GdkAtom selection : {GDK_SELECTION_CLIPBOARD, GDK_SELECTION_PRIMARY}) {
+        gtk_clipboard_clear(gtk_clipboard_get(selection));  // nothing if it is somebody else's
+    }
+}
+
 struct GuestGuard::Saved {
     std::string locale;
     bool handlersAreOurs = false;
+    bool ignoresBrokenPipe = false;
 };
 
 GuestGuard::GuestGuard() : saved_(std::make_unique<Saved>())
 {
     const char* locale = std::setlocale(LC_ALL, nullptr);
     saved_->locale = locale != nullptr ? locale : "";
+    // Writing to a display that went away must come back as an error.
+    struct sigaction brokenPipe = {};
+    if (sigaction(SIGPIPE, nullptr, &brokenPipe) == 0 && (brokenPipe.sa_flags & SA_SIGINFO) == 0 &&
+        brokenPipe.sa_handler == SIG_DFL) {
+        saved_->ignoresBrokenPipe = true;
+        std::signal(SIGPIPE, SIG_IGN);
+    }
     // Where the host opened the display, the handlers are its own affair.
     const bool gdkIsHosts = ourConnection == nullptr && gdk_display_get_default() != nullptr;
     if (++guardDepth == 1 && !gdkIsHosts) {
@@ -283,6 +303,11 @@ GuestGuard::~GuestGuard()
         XSetErrorHandler(error == OnError ? hostErrorHandler : error);
         const XIOErrorHandler fatal = XSetIOErrorHandler(nullptr);
         XSetIOErrorHandler(fatal == OnFatalError ? hostFatalHandler : fatal);
+    }
+    struct sigaction brokenPipe = {};
+    if (saved_->ignoresBrokenPipe && sigaction(SIGPIPE, nullptr, &brokenPipe) == 0 &&
+        (brokenPipe.sa_flags & SA_SIGINFO) == 0 && brokenPipe.sa_handler == SIG_IGN) {
+        std::signal(SIGPIPE, SIG_DFL);
     }
     const char* locale = std::setlocale(LC_ALL, nullptr);
     if (locale == nullptr || saved_->locale != locale) {

@@ -25,6 +25,7 @@ constexpr double kFrameInset = 3;    // between frame and chips: a focus ring fi
 constexpr double kEntryWidth = 120;  // what an entry needs at least
 constexpr double kEditWidth = 200;
 constexpr int kFoldedRows = 3;
+constexpr std::size_t kUnfoldStep = 200;  // each is a window
 
 }  // namespace
 
@@ -119,6 +120,7 @@ ListFieldView::Flow ListFieldView::FlowFor(int width)
     Flow flow;
     int x = left;
     int row = 0;
+    int lastRow = 0;  // with a chip in it
     const auto put = [&](int wanted) {
         const int taken = std::clamp(wanted, 1, std::max(1, right - left));
         if (x > left && x + taken > right) {
@@ -133,10 +135,12 @@ ListFieldView::Flow ListFieldView::FlowFor(int width)
     for (std::size_t i = 0; i < items.size(); ++i) {
         const int wanted = edited_ == i ? look_.Px(kEditWidth) : ChipSize(items[i].text).x;
         const wxRect place = put(wanted);
-        if (!isUnfolded_ && row >= kFoldedRows) {
+        if (unfolded_ == 0 ? row >= kFoldedRows : i >= unfolded_) {
             flow.hidden = items.size() - i;
+            row = flow.chips.empty() ? 0 : lastRow;
             break;
         }
+        lastRow = row;
         flow.chips.push_back(place);
         if (edited_ == i) {
             flow.entry = place;
@@ -144,7 +148,7 @@ ListFieldView::Flow ListFieldView::FlowFor(int width)
     }
     if (flow.hidden > 0) {
         x = left;
-        row = kFoldedRows;
+        ++row;
         const ui::Size more =
             ui::MeasureButton(look_.Measuring(), MoreText(flow.hidden), ui::ButtonKind::kQuiet);
         flow.more = put(static_cast<int>(more.width));
@@ -184,10 +188,15 @@ void ListFieldView::CreateBody()
     actions.key = [this](const wxKeyEvent& key) { return EntryKey(key); };
     entry_ = std::make_unique<TextEntry>(look_, page_, TextShape::kLine, std::move(actions));
     more_ = Keep(new PushButton(look_, page_, ui::kFieldGround, ui::ButtonKind::kQuiet, [this] {
-        isUnfolded_ = true;
-        Update();
+        Unfold(chips_.size() + kUnfoldStep);
         entry_->SetFocus();
     }));
+}
+
+void ListFieldView::Unfold(std::size_t count)
+{
+    unfolded_ = std::max(unfolded_, count);
+    Update();
 }
 
 std::vector<ChipControl*> ListFieldView::UpdateChips(std::size_t count)
@@ -240,7 +249,7 @@ void ListFieldView::ShowBody(bool isShown)
     for (std::size_t i = 0; i < chips_.size(); ++i) {
         chips_[i]->Show(isShown && edited_ != i);
     }
-    more_->Show(isShown && !isUnfolded_ && chips_.size() < list_.Count());
+    more_->Show(isShown && chips_.size() < list_.Count());
 }
 
 void ListFieldView::DrawBody(const ui::Drawing& drawing, const wxRect& body)
@@ -296,8 +305,7 @@ ChipControl* ListFieldView::ChipAt(std::size_t index)
     }
     EndEntry();
     if (index >= chips_.size()) {
-        isUnfolded_ = true;
-        Update();
+        Unfold(index + 1);
         page_.UpdateLayout();
     }
     return index < chips_.size() ? chips_[index] : nullptr;
@@ -310,7 +318,7 @@ void ListFieldView::TakeIntoEdit(std::size_t index)
         return;
     }
     if (index >= chips_.size()) {
-        isUnfolded_ = true;
+        Unfold(index + 1);
     }
     edited_ = index;
     entry_->SetText(list_.Items()[index].text);
@@ -329,8 +337,11 @@ void ListFieldView::EndEntry()
         list_.Replace(index, text);
         Update();
     } else if (!text.empty()) {
+        const bool showedAll = chips_.size() == list_.Count();
         list_.Add(text);
-        isUnfolded_ = isUnfolded_ || list_.Count() > chips_.size();
+        if (showedAll) {  // what was just typed stays in sight
+            Unfold(list_.Count());
+        }
     }
     list_.EndEdit();
 }

@@ -81,6 +81,7 @@ private:
     void Remove(std::size_t index);
     wxSize ChipSize(const kivcore::UString& text);
     wxRect OnPage(const wxRect& inBody) const;
+    void Unfold(std::size_t count);
     /// Returns the chips that are no longer needed, to be dropped when all others stand.
     std::vector<ChipControl*> UpdateChips(std::size_t count);
     kivcore::UString MoreText(std::size_t hidden) const;
@@ -90,7 +91,7 @@ private:
     std::vector<ChipControl*> chips_;  // of the entries that are shown
     PushButton* more_ = nullptr;
     std::optional<std::size_t> edited_;
-    bool isUnfolded_ = false;
+    std::size_t unfolded_ = 0;  // chips that show; 0 for as many as fit into the folded rows
     bool isShown_ = true;
 };
 

@@ -44,6 +44,7 @@ public:
             throw std::runtime_error(Utf8Text(
                 "$$$/Kiv/Dialog/Failure/DisplayLost=The connection to the display was lost."));
         }
+        ReleaseClipboard();
         window.reset();
         // What was left for later would otherwise wait for the next dialog.
         wxTheApp->ProcessPendingEvents();

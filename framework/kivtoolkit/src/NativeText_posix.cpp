@@ -48,6 +48,17 @@ LayoutHandle NewLayout(const wxFont& font, const std::string& text, int width)
     return layout;
 }
 
+// True for a text so short that it fits into one line whatever its letters are: long lists are
+// measured without a layout for each of their texts.
+bool FitsSurely(const wxFont& font, kivcore::UStringView text, int width)
+{
+    constexpr double kWidestLetter = 1.5;  // font sizes
+    const double size = font.GetFractionalPointSize() * PixelsPerPoint();
+    return static_cast<double>(text.size()) * size * kWidestLetter <= width &&
+           std::all_of(text.begin(), text.end(),
+                       [](char16_t unit) { return unit >= u' ' && unit < 0x300; });
+}
+
 GtkWidget* TextWidget(const wxTextCtrl& text)
 {
     GtkWidget* widget = text.GetHandle();
@@ -131,6 +142,9 @@ ScreenScale ScaleOfScreen()
 
 std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView text, int width)
 {
+    if (FitsSurely(font, text, width)) {
+        return {kivcore::UString(text)};
+    }
     const std::string utf8 = kivcore::string::UTF16to8(text);
     const LayoutHandle layout = NewLayout(font, utf8, width);
     std::vector<kivcore::UString> lines;
@@ -155,6 +169,9 @@ int NativeLinesHeight(const wxFont& font, int lines)
 
 int NativeLineCount(const wxFont& font, kivcore::UStringView text, int width)
 {
+    if (FitsSurely(font, text, width)) {
+        return 1;
+    }
     const LayoutHandle layout = NewLayout(font, kivcore::string::UTF16to8(text), width);
     return pango_layout_get_line_count(layout.get());
 }

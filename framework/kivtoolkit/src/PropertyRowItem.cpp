@@ -42,12 +42,17 @@ wxRect PropertyRowItem::ValueRect(const wxRect& area) const
 
 int PropertyRowItem::Measure(int width)
 {
+    if (width == measuredWidth_) {
+        return measuredHeight_;
+    }
     const wxFont& font = look_.Font(ui::TextRole::kBody);
     pathLines_ = WrapText(look_.Font(ui::TextRole::kHint), path_, PathWidth(width));
     const int valueWidth = ValueRect(wxRect(0, 0, width, 0)).width;
     const int value = NativeLinesHeight(font, NativeLineCount(font, row_.value, valueWidth));
     const int path = static_cast<int>(pathLines_.size()) * look_.LineHeight(ui::TextRole::kHint);
-    return std::max(value, path) + 2 * look_.Px(kInset);
+    measuredWidth_ = width;
+    measuredHeight_ = std::max(value, path) + 2 * look_.Px(kInset);
+    return measuredHeight_;
 }
 
 void PropertyRowItem::Place(const wxRect& area)

@@ -32,6 +32,8 @@ private:
     const kivmetadataui::PropertyRow& row_;
     kivcore::UString path_;
     std::vector<kivcore::UString> pathLines_;
+    int measuredWidth_ = 0;
+    int measuredHeight_ = 0;
     std::unique_ptr<TextEntry> value_;
 };
 

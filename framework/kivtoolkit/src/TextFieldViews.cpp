@@ -47,10 +47,11 @@ int TextFieldView::MeasureBody(int width)
     const wxRect text = TextRectOf(FrameOf(wxRect(0, 0, width, line)));
     const int breadth = text.width - TrailingRoom();
     const kivcore::UString shown = entry_ ? entry_->Text() : binding_.text();
-    lineCount_ =
-        std::clamp(NativeLineCount(font, shown, breadth), binding_.fewestLines, binding_.mostLines);
+    const int needed = NativeLineCount(font, shown, breadth);
+    hasMoreLines_ = needed > binding_.mostLines;
+    const int lines = std::clamp(needed, binding_.fewestLines, binding_.mostLines);
     // One line is as high as a field of one line; each further one adds its own height.
-    return line + NativeLinesHeight(font, lineCount_) - NativeLinesHeight(font, 1);
+    return line + NativeLinesHeight(font, lines) - NativeLinesHeight(font, 1);
 }
 
 void TextFieldView::CreateBody()
@@ -69,6 +70,13 @@ void TextFieldView::CreateBody()
         entry_->SetText(binding_.text());
     };
     actions.key = [this](const wxKeyEvent& key) { return PressKey(key); };
+    actions.wheel = [this](wxMouseEvent& event) {
+        if (hasMoreLines_ && entry_->HasFocus()) {
+            event.Skip();  // the text itself scrolls
+        } else {
+            page_.HandleWheel(event);
+        }
+    };
     entry_ = std::make_unique<TextEntry>(
         look_, page_, HasLines() ? TextShape::kLines : TextShape::kLine, std::move(actions));
 }

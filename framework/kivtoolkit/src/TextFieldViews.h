@@ -48,7 +48,7 @@ private:
     wxRect EntryRect(const wxRect& frame);
 
     Binding binding_;
-    int lineCount_ = 1;
+    bool hasMoreLines_ = false;  // than are shown
     kivcore::UString shownText_;
     std::unique_ptr<TextEntry> entry_;
 };

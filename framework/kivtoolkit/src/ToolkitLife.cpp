@@ -14,12 +14,14 @@
 
 #include <memory>
 #include <stdexcept>
+#include <utility>
 
 namespace kivtoolkit {
 
 namespace {
 
 constinit wxAssertHandler_t hostAssertHandler = nullptr;
+constinit wxLog* hostLogTarget = nullptr;
 
 class TraceLog : public wxLog {
 protected:
@@ -52,9 +54,16 @@ public:
     void OnFatalException() override {}
 };
 
-void EndToolkit() noexcept
+void PutHooks()
 {
-    wxEntryCleanup();
+    hostAssertHandler = wxSetAssertHandler(OnAssertion);
+    hostLogTarget = wxLog::SetActiveTarget(new TraceLog);
+}
+
+void TakeHooksBack()
+{
+    // Ours, unless the toolkit's end has deleted it already.
+    delete wxLog::SetActiveTarget(std::exchange(hostLogTarget, nullptr));
     wxSetAssertHandler(hostAssertHandler);
 }
 
@@ -77,21 +86,17 @@ void ToolkitLife::Start()
     const StartGuard environment;
     GuestGuard guard;
     PrepareToolkitStart();
-    hostAssertHandler = wxSetAssertHandler(OnAssertion);
-    delete wxLog::SetActiveTarget(new TraceLog);
+    PutHooks();
     wxApp::SetInstance(new GuestApp);
     int argumentCount = 0;
     char* arguments[] = {nullptr};
     const bool started = wxEntryStart(argumentCount, arguments);
     guard.Reinstall();
     if (!started || !wxTheApp->CallOnInit()) {
-        // A start that failed has cleaned up after itself, but for the hooks.
         if (started) {
-            EndToolkit();
-        } else {
-            delete wxLog::SetActiveTarget(nullptr);
-            wxSetAssertHandler(hostAssertHandler);
+            wxEntryCleanup();
         }
+        TakeHooksBack();
         throw std::runtime_error(Utf8Text(
             "$$$/Kiv/Dialog/Failure/ToolkitStart=The system's windows could not be started."));
     }
@@ -110,7 +115,8 @@ void ToolkitLife::Stop() noexcept
     isOurs_ = false;
     GuestGuard guard;
     wxTheApp->OnExit();
-    EndToolkit();
+    wxEntryCleanup();
+    TakeHooksBack();
 }
 
 }  // namespace kivtoolkit

@@ -159,6 +159,7 @@ TEST_F(FieldViewTest, LongListsFoldAndUnfold)
         // A chip that is folded away is unfolded to be removed.
         surface.RemoveItem(s.FieldAt("t:list"), 150);
         EXPECT_GT(view->Area().height, folded);
+        EXPECT_LT(ScriptedSession::Window().Pages().Current()->GetChildren().size(), 250U);
         EXPECT_EQ(static_cast<kivmetadataui::ListField&>(s.FieldAt("t:list")).Count(), 199U);
     });
     session.Show();
@@ -230,6 +231,57 @@ TEST_F(FieldViewTest, LongTextGrowsToItsLimit)
     });
     session.Show();
     EXPECT_TRUE(session.failures.empty()) << session.failures.front();
+}
+
+TEST_F(FieldViewTest, AClickElsewhereClosesAPopup)
+{
+    ScriptedSession session("");
+    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+        surface.Choose(s.FieldAt("t:closed"), 1);
+        surface.PressKey(Key(DriverKey::kDown));
+        ASSERT_NE(ScriptedSession::Window().Popup(), nullptr);
+        surface.ChooseView(1);
+        EXPECT_EQ(ScriptedSession::Window().Popup(), nullptr);
+        EXPECT_EQ(s.Content("t:closed"), "5");
+    });
+    session.Show();
+    EXPECT_TRUE(session.failures.empty());
+}
+
+TEST_F(FieldViewTest, ChoicesByLetter)
+{
+    ScriptedSession session("");
+    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+        surface.Choose(s.FieldAt("t:closed"), 0);
+        surface.PressKey(Key(DriverKey::kSpace));
+        surface.TypeText(u"l");
+        surface.PressKey(Key(DriverKey::kEnter));
+        EXPECT_EQ(s.Content("t:closed"), "8");
+        surface.PressKey(Key(DriverKey::kDown));
+        surface.PressKey(Key(DriverKey::kHome));
+        surface.PressKey(Key(DriverKey::kEnter));
+        EXPECT_EQ(s.Content("t:closed"), "") << "the first entry empties the field";
+    });
+    session.Show();
+    EXPECT_TRUE(session.failures.empty());
+}
+
+TEST_F(FieldViewTest, TypingLeavesWhatIsTypedAloneUntilTheEditEnds)
+{
+    ScriptedSession session("");
+    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+        kivmetadataui::Field& date = s.FieldAt("t:date");
+        surface.TypeInto(date, {}, u"2024-05-17T14");
+        surface.TypeText(u":30");
+        EXPECT_EQ(s.Content("t:date"), "2024-05-17T14:30");
+        surface.PressKey(Key(DriverKey::kEnter));
+        EXPECT_EQ(s.Content("t:date"), "2024-05-17 14:30");
+        surface.PressKey(Key(DriverKey::kEnd));
+        surface.TypeText(u":05");
+        EXPECT_EQ(s.Content("t:date"), "2024-05-17 14:30:05") << "the tidy text is shown";
+    });
+    session.Show();
+    EXPECT_TRUE(session.failures.empty());
 }
 
 TEST_F(FieldViewTest, OnlyWhatIsInSightHasWindows)

@@ -1,6 +1,6 @@
 // What a host that knows nothing of toolkits finds during and after dialogs.
 
-#include <dlfcn.h>
+#include <malloc.h>
 
 #include <array>
 #include <clocale>
@@ -27,6 +27,9 @@ namespace {
 
 namespace fs = std::filesystem;
 using kivmetadataui::DialogDriver;
+
+constexpr int kRounds = 50;
+constexpr std::size_t kHeapGrowth = 256 * 1024;
 
 int errorsOfHost = 0;
 unsigned char lastError = 0;
@@ -223,10 +226,17 @@ TEST(Guest, ManyRoundsLeaveNothingOpen)
     round(1);
     round(2);
     const std::size_t files = OpenFiles();
-    for (int i = 3; i < 23; ++i) {
-        round(i);
+    std::size_t halfway = 0;
+    for (int i = 0; i < kRounds; ++i) {
+        round(i + 3);
+        if (i + 1 == kRounds / 2) {
+            halfway = mallinfo2().uordblks;
+        }
     }
     EXPECT_EQ(OpenFiles(), files);
+    const std::size_t end = mallinfo2().uordblks;
+    std::cout << "heap at half-way " << halfway << ", at the end " << end << "\n";
+    EXPECT_LE(end, halfway + kHeapGrowth);
 }
 
 TEST(Guest, SecondDialogFromWithinIsRefused)
