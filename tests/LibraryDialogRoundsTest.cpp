@@ -35,7 +35,7 @@ private:
     ProcessState before_;
 };
 
-[[maybe_unused]] ::testing::Environment* const wholeProcess =
+[[maybe_unused]] ::testing::Environment* const kWholeProcess =
     ::testing::AddGlobalTestEnvironment(new WholeProcess);
 
 TEST(GuestState, DifferencesAreSeen)
