@@ -70,10 +70,16 @@ std::vector<kivcore::UString> FieldView::MessageLines(int width)
     return WrapText(look_.Font(ui::TextRole::kHint), *text, width - static_cast<int>(indent));
 }
 
+int FieldView::BodyWidth(int width) const
+{
+    const double wanted = WantedWidth(field_);
+    return wanted > 0 ? std::min(width, look_.Px(wanted)) : width;
+}
+
 int FieldView::Measure(int width)
 {
     const int gap = look_.Px(kLabelGap);
-    int height = look_.LineHeight(ui::TextRole::kLabel) + gap + MeasureBody(width);
+    int height = look_.LineHeight(ui::TextRole::kLabel) + gap + MeasureBody(BodyWidth(width));
     messages_ = MessageLines(width);
     if (!messages_.empty()) {
         height += gap + static_cast<int>(messages_.size()) * look_.LineHeight(ui::TextRole::kHint);
@@ -114,7 +120,9 @@ void FieldView::Place(const wxRect& area)
     }
     area_ = area;
     const int top = look_.LineHeight(ui::TextRole::kLabel) + look_.Px(kLabelGap);
-    body_ = wxRect(area.x, area.y + top, area.width, MeasureBody(area.width));
+    const int width = BodyWidth(area.width);
+    const int x = look_.IsMirrored() ? area.x + area.width - width : area.x;
+    body_ = wxRect(x, area.y + top, width, MeasureBody(width));
     if (!isShown_) {
         isShown_ = true;
         ShowBody(true);
@@ -125,8 +133,9 @@ void FieldView::Place(const wxRect& area)
         const int gap = look_.Px(kLabelGap);
         const int line = look_.Px(ui::metrics::kFieldHeight);
         const wxRect used = UsedArea(body_);
-        const int x = look_.IsMirrored() ? used.x - gap - side : used.x + used.width + gap;
-        revert_->Place(wxRect(x, body_.y + (std::min(line, body_.height) - side) / 2, side, side));
+        const int place = look_.IsMirrored() ? used.x - gap - side : used.x + used.width + gap;
+        revert_->Place(
+            wxRect(place, body_.y + (std::min(line, body_.height) - side) / 2, side, side));
         revert_->Show(field_.IsChanged());
     }
 }

@@ -86,6 +86,8 @@ protected:
 private:
     void Create();
     void Revert();
+    /// A short field is short also where its words below may be long.
+    int BodyWidth(int width) const;
     std::vector<kivcore::UString> MessageLines(int width);
     kivui::ui::MessageKind Kind() const;
 

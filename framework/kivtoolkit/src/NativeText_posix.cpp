@@ -12,6 +12,7 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <map>
 #include <memory>
 #include <string>
 #include <utility>
@@ -36,11 +37,32 @@ struct UnrefObject {
 
 using LayoutHandle = std::unique_ptr<PangoLayout, UnrefObject>;
 
+// What all dialogs share while the toolkit is up.
+struct KeptObjects {
+    std::string css;  // of the style in use: all fields of a dialog have the same
+    std::unique_ptr<GtkCssProvider, UnrefObject> provider;
+    std::unique_ptr<PangoContext, UnrefObject> context;
+    std::map<std::pair<double, int>, int> lineHeights;  // by size and weight of the font
+
+    PangoContext* Context()
+    {
+        if (context == nullptr) {
+            context.reset(gdk_pango_context_get());
+            pango_context_set_language(context.get(), pango_language_get_default());
+        }
+        return context.get();
+    }
+};
+
+KeptObjects& Kept()
+{
+    static auto& kept = *new KeptObjects;
+    return kept;
+}
+
 LayoutHandle NewLayout(const wxFont& font, const std::string& text, int width)
 {
-    std::unique_ptr<PangoContext, UnrefObject> context(gdk_pango_context_get());
-    pango_context_set_language(context.get(), pango_language_get_default());
-    LayoutHandle layout(pango_layout_new(context.get()));
+    LayoutHandle layout(pango_layout_new(Kept().Context()));
     pango_layout_set_font_description(layout.get(), font.GetNativeFontInfo()->description);
     pango_layout_set_wrap(layout.get(), PANGO_WRAP_WORD_CHAR);
     pango_layout_set_width(layout.get(), std::max(1, width) * PANGO_SCALE);
@@ -83,29 +105,16 @@ std::string CssColor(const kivui::ui::ColorRGBA& color)
     return css + Fixed(std::clamp(color.alpha, 0.0F, 1.0F)) + ")";
 }
 
-// The last style in use: all fields of a dialog share it.
-struct StyleCache {
-    std::string css;
-    GtkCssProvider* provider = nullptr;
-};
-
-StyleCache& Styles()
-{
-    static auto& styles = *new StyleCache;
-    return styles;
-}
-
 GtkCssProvider* ProviderFor(const std::string& css)
 {
-    StyleCache& styles = Styles();
-    if (styles.provider == nullptr || styles.css != css) {
-        ForgetNativeStyles();
-        styles.provider = gtk_css_provider_new();
-        styles.css = css;
-        gtk_css_provider_load_from_data(styles.provider, css.data(),
+    KeptObjects& kept = Kept();
+    if (kept.provider == nullptr || kept.css != css) {
+        kept.provider.reset(gtk_css_provider_new());
+        kept.css = css;
+        gtk_css_provider_load_from_data(kept.provider.get(), css.data(),
                                         static_cast<gssize>(css.size()), nullptr);
     }
-    return styles.provider;
+    return kept.provider.get();
 }
 
 void OnPreedit(GtkWidget* widget, const char* preedit, gpointer data)
@@ -162,8 +171,11 @@ std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView 
 
 int NativeLinesHeight(const wxFont& font, int lines)
 {
-    int height = 0;
-    pango_layout_get_pixel_size(NewLayout(font, "Xg", 1000).get(), nullptr, &height);
+    const std::pair key(font.GetFractionalPointSize(), font.GetNumericWeight());
+    int& height = Kept().lineHeights[key];
+    if (height == 0) {
+        pango_layout_get_pixel_size(NewLayout(font, "Xg", 1000).get(), nullptr, &height);
+    }
     return height * lines;
 }
 
@@ -217,11 +229,7 @@ void WatchComposing(wxTextCtrl& text, std::function<void()> changed)
 
 void ForgetNativeStyles() noexcept
 {
-    StyleCache& styles = Styles();
-    if (styles.provider != nullptr) {
-        g_object_unref(styles.provider);
-        styles.provider = nullptr;
-    }
+    Kept() = {};
 }
 
 }  // namespace kivtoolkit

@@ -64,8 +64,10 @@ std::vector<PageSlot> PageStack::SlotsFor(Page& page, const DialogView& view)
         }
         for (const FieldPlacement& placement : group.fields) {
             PageSlot slot = NewSlot(NewFieldView(look_, page, popups_, *placement.field), gap);
-            slot.wantedWidth = WantedWidth(*placement.field);
             slot.sharesRow = placement.sharesRowWithNext;
+            if (slot.sharesRow || slots.back().sharesRow) {
+                slot.wantedWidth = WantedWidth(*placement.field);
+            }
             slots.push_back(std::move(slot));
             gap = kBetweenFields;
         }
@@ -123,9 +125,7 @@ void PageStack::ShowHits(const std::vector<SearchHit>& hits)
                 gap == kBelowHeading ? gap : 0));
             continue;
         }
-        PageSlot slot = NewSlot(NewFieldView(look_, *search_, popups_, *hit.field), gap);
-        slot.wantedWidth = WantedWidth(*hit.field);
-        slots.push_back(std::move(slot));
+        slots.push_back(NewSlot(NewFieldView(look_, *search_, popups_, *hit.field), gap));
     }
     if (hits.empty()) {
         slots.push_back(NewSlot(
