@@ -86,7 +86,7 @@ TEST_F(LibraryFilesTest, DictionariesWithAnythingInThem)
         {"bad UTF-8", first + "\"$$$/Test/Bad=\xC3(\"\n" + last, "one|default|"},
         {"cut UTF-8", first + last + "\"$$$/Test/Bad=\xE3\x82", "one|two|"},
         {"surrogates in UTF-8", first + "\xED\xA0\x80\n" + last, "one|default|"},
-        {"NUL", first + std::string("\"$$$/Test/N=a\0b\"\n", 17) + last, "one|two|"},
+        {"NUL", first + "\"$$$/Test/N=a" + std::string(1, '\0') + "b\"\n" + last, "one|two|"},
         {"every byte", allBytes + "\n" + last, "default|default|"},
         {"UTF-16", Wide(first + last), "one|two|"},
         {"UTF-16 with an odd last byte", Wide(first + last) + "x", "one|two|"},
@@ -160,7 +160,7 @@ TEST_F(LibraryFilesTest, BrokenPreferencesAreToldOnTheTraceAndKept)
         {"no XML", "preferences"},
         {"broken XML", "<proplist version=\"1\"><bool"},
         {"another document", "<html/>"},
-        {"bytes", "\xFF\xFE\x00\x01"},
+        {"bytes", "\xFF\xFE" + std::string(1, '\0') + "\x01"},
         {"entities that multiply",
          "<!DOCTYPE p [<!ENTITY a \"xxxxxxxxxxxxxxxx\"><!ENTITY b \"&a;&a;&a;&a;\">]>"
          "<proplist version=\"1\"><text name=\"&b;\">&b;</text></proplist"},

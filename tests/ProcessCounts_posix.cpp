@@ -1,12 +1,10 @@
 #include "tests/ProcessCounts.h"
 
+#include <dlfcn.h>
 #include <malloc.h>
 
 #include <filesystem>
 #include <fstream>
-
-// The sanitizers' own count, where they have taken the heap over.
-extern "C" std::size_t __attribute__((weak)) __sanitizer_get_current_allocated_bytes();
 
 namespace kivtests {
 
@@ -22,8 +20,9 @@ std::size_t OpenHandles()
 
 std::size_t HeapInUse()
 {
-    if (__sanitizer_get_current_allocated_bytes != nullptr) {
-        return __sanitizer_get_current_allocated_bytes();
+    // Sanitizers take the heap over, and count by themselves.
+    if (void* const count = dlsym(RTLD_DEFAULT, "__sanitizer_get_current_allocated_bytes")) {
+        return reinterpret_cast<std::size_t (*)()>(count)();
     }
     const struct mallinfo2 info = mallinfo2();
     return info.uordblks + info.hblkhd;
