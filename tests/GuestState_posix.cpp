@@ -28,6 +28,9 @@ std::string SignalText(int number)
         return "none";
     }
     constexpr int kRestorer = 0x04000000;  // the C library's own mark on what it has set
+    if (action.sa_handler == SIG_DFL || action.sa_handler == SIG_IGN) {
+        return action.sa_handler == SIG_DFL ? "default" : "ignored";  // flags and mask mean nothing
+    }
     const auto handler = reinterpret_cast<std::uintptr_t>(action.sa_handler);
     std::string text = std::to_string(handler) + ' ' + std::to_string(action.sa_flags & ~kRestorer);
     for (int other = 1; other < NSIG; ++other) {
