@@ -25,6 +25,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <map>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -253,7 +254,7 @@ void ReleaseClipboard()
 struct GuestGuard::Saved {
     std::string locale;
     bool handlersAreOurs = false;
-    bool ignoresBrokenPipe = false;
+    std::optional<struct sigaction> brokenPipe;  // what the host had, where we ignore the signal
 };
 
 GuestGuard::GuestGuard() : saved_(std::make_unique<Saved>())
@@ -264,7 +265,7 @@ GuestGuard::GuestGuard() : saved_(std::make_unique<Saved>())
     struct sigaction brokenPipe = {};
     if (sigaction(SIGPIPE, nullptr, &brokenPipe) == 0 && (brokenPipe.sa_flags & SA_SIGINFO) == 0 &&
         brokenPipe.sa_handler == SIG_DFL) {
-        saved_->ignoresBrokenPipe = true;
+        saved_->brokenPipe = brokenPipe;
         std::signal(SIGPIPE, SIG_IGN);
     }
     // Where the host opened the display, the handlers are its own affair.
@@ -305,9 +306,9 @@ GuestGuard::~GuestGuard()
         XSetIOErrorHandler(fatal == OnFatalError ? hostFatalHandler : fatal);
     }
     struct sigaction brokenPipe = {};
-    if (saved_->ignoresBrokenPipe && sigaction(SIGPIPE, nullptr, &brokenPipe) == 0 &&
+    if (saved_->brokenPipe && sigaction(SIGPIPE, nullptr, &brokenPipe) == 0 &&
         (brokenPipe.sa_flags & SA_SIGINFO) == 0 && brokenPipe.sa_handler == SIG_IGN) {
-        std::signal(SIGPIPE, SIG_DFL);
+        sigaction(SIGPIPE, &*saved_->brokenPipe, nullptr);
     }
     const char* locale = std::setlocale(LC_ALL, nullptr);
     if (locale == nullptr || saved_->locale != locale) {
