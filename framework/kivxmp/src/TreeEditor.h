@@ -11,6 +11,11 @@
 
 namespace kivxmp {
 
+inline bool IsArrayForm(NodeForm form) noexcept
+{
+    return form == NodeForm::kBag || form == NodeForm::kSeq || form == NodeForm::kAlt;
+}
+
 /// Everything is checked before anything changes. Throws XMP_Error.
 class TreeEditor {
 public:
