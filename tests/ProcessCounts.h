@@ -18,5 +18,7 @@ bool IsModuleLoaded(const std::string& part);
 
 /// In a sanitizer build: what is allocated from here on is not counted as a leak.
 void AllowLeaksFromHere();
+/// Ends that again.
+void CountLeaksAgain();
 
 }  // namespace kivtests

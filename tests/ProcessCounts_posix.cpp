@@ -8,6 +8,7 @@
 
 // Of the leak sanitizer's runtime; null in other builds.
 extern "C" __attribute__((weak)) void __lsan_disable();
+extern "C" __attribute__((weak)) void __lsan_enable();
 
 namespace kivtests {
 
@@ -46,6 +47,13 @@ void AllowLeaksFromHere()
 {
     if (&__lsan_disable != nullptr) {
         __lsan_disable();
+    }
+}
+
+void CountLeaksAgain()
+{
+    if (&__lsan_enable != nullptr) {
+        __lsan_enable();
     }
 }
 
