@@ -194,7 +194,6 @@ TEST_F(LibraryDialogRoundsTest, AHostMayLeaveWithoutTheLastTerminate)
     const EnvironmentVariable leaks("LSAN_OPTIONS", "detect_leaks=0");
     EXPECT_EXIT(
         {
-            AllowLeaksFromHere();  // what the library holds stays behind, on purpose
             const XmpObject object;
             Start();
             if (Run(object, Ok())) {
