@@ -1,0 +1,196 @@
+#!/usr/bin/env bash
+# Runs a Windows program under Wine. The exit status is the program's.
+#
+# usage: scripts/wine.sh PROGRAM [ARGUMENT...]
+#        scripts/wine.sh --session COMMAND [ARGUMENT...]   many runs in one Windows of their own
+#        scripts/wine.sh --end                             ends what still runs of ours
+#
+# Each run finds a Windows installation (a "prefix") in the user's cache folder, made at the first
+# use. Programs without a display share one. With a display each run takes one that no other uses:
+# windows of one installation share the focus, and they live on one display. A session keeps its
+# own for several programs, also at the same time. Where WINEPREFIX is set, that one is used.
+#
+# Nothing is written into the home folder, and no dialog of Wine's own comes up. Linux paths can be
+# given as they are, or behind "Z:".
+set -eu
+
+readonly recipe=1 # goes up when the installation is made differently
+
+fail() { printf 'wine.sh: %s\n' "$*" >&2; exit 126; }
+
+for wine in "$(command -v wine64 || true)" /usr/lib/wine/wine64; do
+    [ ! -x "$wine" ] || break
+done
+[ -x "$wine" ] || fail "Wine is missing; on Debian 12: apt-get install wine64"
+server="$(command -v wineserver || true)"
+[ -n "$server" ] || server="$(dirname "$wine")/wineserver"
+
+export WINEDEBUG="${WINEDEBUG--all}"
+# No downloads of .NET and of a browser, no entries in the menus of the desktop.
+export WINEDLLOVERRIDES="mscoree=;mshtml=;winemenubuilder.exe=d"
+# File names in UTF-8, and messages in English, wherever this runs.
+export LC_ALL=C.UTF-8
+
+cache="${XDG_CACHE_HOME-}"
+[ -n "$cache" ] || cache="$HOME/.cache"
+root="$cache/kivmetadataapi/windows/wine/$("$wine" --version | tr -c 'A-Za-z0-9.\n' - |
+    cut -c 1-20)-$recipe"
+
+# make_prefix FOLDER: a fresh installation, without links into the home folder.
+make_prefix() {
+    local log="$1.log" entry
+    mkdir -p "$1/home"
+    if ! env -u DISPLAY HOME="$1/home" WINEPREFIX="$1" "$wine" wineboot -i < /dev/null > "$log" 2>&1 ||
+        ! WINEPREFIX="$1" "$server" -w; then
+        cat "$log" >&2
+        fail "Wine could not set up $1"
+    fi
+    for entry in "$1"/drive_c/users/*/*; do
+        if [ -L "$entry" ]; then
+            rm "$entry"
+            mkdir "$entry"
+        fi
+    done
+    write_settings > "$1/drive_c/settings.reg"
+    if ! env -u DISPLAY WINEPREFIX="$1" "$wine" regedit /S 'C:\settings.reg' < /dev/null >> "$log" 2>&1 ||
+        ! WINEPREFIX="$1" "$server" -w; then
+        cat "$log" >&2
+        fail "Wine does not take its settings"
+    fi
+    rm "$log"
+}
+
+# Fonts of the system's packages take the place of those that Windows has, with Japanese behind
+# them; a program that crashes says where, without a dialog.
+write_settings() {
+    local name
+    printf 'REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Wine\\WineDbg]\n"ShowCrashDialog"=dword:0\n'
+    printf '\n[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]\n'
+    for name in Tahoma "Segoe UI" "MS Shell Dlg" "MS Shell Dlg 2" "MS Sans Serif" \
+        "Microsoft Sans Serif" Arial; do
+        printf '"%s"="DejaVu Sans"\n' "$name"
+    done
+    for name in "MS UI Gothic" "MS Gothic" "MS PGothic" "Yu Gothic UI" Meiryo; do
+        printf '"%s"="Noto Sans CJK JP"\n' "$name"
+    done
+    printf '\n[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\CurrentVersion\\FontLink\\SystemLink]\n'
+    for name in "DejaVu Sans" Tahoma "Segoe UI" "MS Shell Dlg" "MS Shell Dlg 2" \
+        "Microsoft Sans Serif" Arial; do
+        # A list of texts: bytes, each text and the list closed by a zero.
+        printf '"%s"=hex(7):' "$name"
+        printf 'NotoSansCJK-Regular.ttc,Noto Sans CJK JP\0\0' | od -An -v -tx1 |
+            tr -d '\n' | sed 's/^ //; s/ /,/g'
+        printf '\n'
+    done
+}
+
+# make_base: the installation that all others are copies of.
+make_base() {
+    [ ! -d "$root/base" ] || return 0
+    mkdir -p "$root"
+    exec 8> "$root/base.lock"
+    flock 8
+    if [ ! -d "$root/base" ]; then
+        rm -rf "$root/base.new"
+        make_prefix "$root/base.new" 8>&-
+        mv "$root/base.new" "$root/base"
+    fi
+    exec 8>&-
+}
+
+# copy_base FOLDER: what lies under "windows" is never written to, so links do.
+copy_base() {
+    [ ! -d "$1" ] || return 0
+    local new
+    new="$(mktemp -d "$root/new.XXXXXX")"
+    cp -al "$root/base/drive_c" "$new/"
+    rm -rf "$new/drive_c/users"
+    cp -a "$root/base/drive_c/users" "$new/drive_c/"
+    cp -a "$root/base/dosdevices" "$root/base"/*.reg "$root/base/.update-timestamp" "$new/"
+    # Another run may have been faster.
+    mv -T "$new" "$1" 2> /dev/null || rm -rf "$new"
+}
+
+# take_prefix: one that no other run uses, locked by descriptor 9 until this script ends.
+take_prefix() {
+    local number
+    for ((number = 1; ; ++number)); do
+        exec 9> "$root/display-$number.lock"
+        if flock -n 9; then
+            WINEPREFIX="$root/display-$number"
+            export WINEPREFIX
+            copy_base "$WINEPREFIX" 9>&-
+            return
+        fi
+        exec 9>&-
+    done
+}
+
+# The next run in this installation may be on another display.
+end_prefix() { WINEPREFIX="$1" "$server" -k > /dev/null 2>&1 || true; }
+
+# run_alone COMMAND...: in an installation of its own, which ends with it.
+run_alone() {
+    local child status
+    take_prefix
+    # A signal ends the command too, and the installation behind it.
+    trap 'kill -TERM "$child" 2> /dev/null' TERM INT HUP
+    "$@" 9>&- <&0 &
+    child=$!
+    status=0
+    wait "$child" || status=$?
+    if kill -0 "$child" 2> /dev/null; then
+        wait "$child" || status=$?
+    fi
+    trap - TERM INT HUP
+    end_prefix "$WINEPREFIX"
+    return "$status"
+}
+
+case "${1-}" in
+    "" | -h | --help)
+        sed -n '2,14s/^# \{0,1\}//p' "$0"
+        [ $# -gt 0 ] || exit 64
+        exit 0
+        ;;
+    --end)
+        # Those in use are left alone.
+        for prefix in "$root"/plain "$root"/display-*; do
+            [ -d "$prefix" ] || continue
+            if [ "$prefix" = "$root/plain" ] || flock -n "$prefix.lock" true; then
+                end_prefix "$prefix"
+            fi
+        done
+        exit 0
+        ;;
+    --session)
+        shift
+        if [ -n "${WINEPREFIX-}" ]; then
+            exec "$@"
+        fi
+        make_base
+        status=0
+        run_alone "$@" || status=$?
+        exit "$status"
+        ;;
+esac
+
+if [ -n "${WINEPREFIX-}" ]; then
+    if [ ! -e "$WINEPREFIX/system.reg" ]; then
+        mkdir -p "$WINEPREFIX"
+        exec 8> "$WINEPREFIX.lock"
+        flock 8
+        [ -e "$WINEPREFIX/system.reg" ] || make_prefix "$WINEPREFIX" 8>&-
+        exec 8>&-
+    fi
+    exec "$wine" "$@"
+fi
+make_base
+if [ -z "${DISPLAY-}" ]; then
+    export WINEPREFIX="$root/plain"
+    copy_base "$WINEPREFIX"
+    exec "$wine" "$@"
+fi
+status=0
+run_alone "$wine" "$@" || status=$?
+exit "$status"
