@@ -214,6 +214,8 @@ void SkinManager::Terminate() noexcept
 
 namespace utility {
 
+struct StartupShutdownGdiPlus::State {};
+
 StartupShutdownGdiPlus::StartupShutdownGdiPlus()
 {
     Call("StartupShutdownGdiPlus");

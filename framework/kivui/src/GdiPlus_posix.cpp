@@ -4,11 +4,10 @@
 
 namespace kivui::utility {
 
+struct StartupShutdownGdiPlus::State {};
+
 StartupShutdownGdiPlus::StartupShutdownGdiPlus() = default;
 
-StartupShutdownGdiPlus::~StartupShutdownGdiPlus()
-{
-    token_ = 0;
-}
+StartupShutdownGdiPlus::~StartupShutdownGdiPlus() = default;
 
 }  // namespace kivui::utility

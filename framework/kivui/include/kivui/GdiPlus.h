@@ -2,7 +2,7 @@
 
 #pragma once
 
-#include <cstdint>
+#include <memory>
 
 #include <kivui/Export.h>
 
@@ -10,13 +10,17 @@ namespace kivui::utility {
 
 class KIVUI_API StartupShutdownGdiPlus {
 public:
+    /// Guards may overlap; each stands for one start. GDI+ gets no thread of its own.
+    /// Throws std::runtime_error if the system cannot start it.
     StartupShutdownGdiPlus();
     StartupShutdownGdiPlus(const StartupShutdownGdiPlus&) = delete;
     StartupShutdownGdiPlus& operator=(const StartupShutdownGdiPlus&) = delete;
     ~StartupShutdownGdiPlus();
 
 private:
-    std::uintptr_t token_ = 0;
+    struct State;
+
+    std::unique_ptr<State> state_;
 };
 
 }  // namespace kivui::utility
