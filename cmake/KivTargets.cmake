@@ -1,5 +1,12 @@
 # Helpers that keep one way of declaring each kind of target.
 
+# In front of an absolute path that a Windows program is given, by a definition or by an environment
+# variable: under Wine, "Z:" is the root folder of the machine that builds. Empty on other systems.
+set(KIV_DRIVE "")
+if(WIN32 AND CMAKE_CROSSCOMPILING)
+    set(KIV_DRIVE "Z:")
+endif()
+
 # kiv_add_framework_library(NAME SOURCES... [PUBLIC libs...] [PRIVATE libs...])
 # A shared library of the open host framework: public headers under include/NAME, sources under src.
 function(kiv_add_framework_library name)
@@ -32,7 +39,8 @@ function(kiv_install_library name)
 endfunction()
 
 # kiv_add_test(NAME SOURCES... LIBS... [LABELS...] [TIMEOUT seconds] [ENVIRONMENT VAR=value...])
-# A GoogleTest program, one ctest entry.
+# A GoogleTest program, one ctest entry. Programs for another system run under
+# CMAKE_CROSSCOMPILING_EMULATOR; tests that name their command themselves put it before the program.
 function(kiv_add_test name)
     if(NOT KIV_BUILD_TESTS)
         return()
