@@ -4,6 +4,7 @@
 #pragma once
 
 #include <functional>
+#include <limits>
 #include <vector>
 
 #include <wx/font.h>
@@ -32,6 +33,10 @@ std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView 
 int NativeLinesHeight(const wxFont& font, int lines);
 /// How many lines a native text field breaks `text` into.
 int NativeLineCount(const wxFont& font, kivcore::UStringView text, int width);
+inline constexpr int kAllLines = std::numeric_limits<int>::max();
+/// The height of the first `mostLines` (at least 1) of those lines; a line with characters that
+/// another font has to lend may be higher than the others.
+int NativeTextHeight(const wxFont& font, kivcore::UStringView text, int width, int mostLines);
 
 struct NativeTextStyle {
     kivui::ui::TextStyle font;  ///< size, weight and colour

@@ -188,6 +188,24 @@ int NativeLineCount(const wxFont& font, kivcore::UStringView text, int width)
     return pango_layout_get_line_count(layout.get());
 }
 
+int NativeTextHeight(const wxFont& font, kivcore::UStringView text, int width, int mostLines)
+{
+    if (FitsSurely(font, text, width)) {
+        return NativeLinesHeight(font, 1);
+    }
+    const LayoutHandle layout = NewLayout(font, kivcore::string::UTF16to8(text), width);
+    int height = 0;
+    int seen = 0;
+    for (GSList* at = pango_layout_get_lines_readonly(layout.get());
+         at != nullptr && seen < mostLines; at = at->next, ++seen) {
+        PangoRectangle line;
+        pango_layout_line_get_pixel_extents(static_cast<PangoLayoutLine*>(at->data), nullptr,
+                                            &line);
+        height += line.height;
+    }
+    return height;
+}
+
 void StyleNativeText(wxTextCtrl& text, const NativeTextStyle& style)
 {
     // The font once more, because the toolkit rounds it to whole points.

@@ -48,7 +48,7 @@ int PropertyRowItem::Measure(int width)
     const wxFont& font = look_.Font(ui::TextRole::kBody);
     pathLines_ = WrapText(look_.Font(ui::TextRole::kHint), path_, PathWidth(width));
     const int valueWidth = ValueRect(wxRect(0, 0, width, 0)).width;
-    const int value = NativeLinesHeight(font, NativeLineCount(font, row_.value, valueWidth));
+    const int value = NativeTextHeight(font, row_.value, valueWidth, kAllLines);
     const int path = static_cast<int>(pathLines_.size()) * look_.LineHeight(ui::TextRole::kHint);
     measuredWidth_ = width;
     measuredHeight_ = std::max(value, path) + 2 * look_.Px(kInset);

@@ -49,9 +49,10 @@ int TextFieldView::MeasureBody(int width)
     const kivcore::UString shown = entry_ ? entry_->Text() : binding_.text();
     const int needed = NativeLineCount(font, shown, breadth);
     hasMoreLines_ = needed > binding_.mostLines;
-    const int lines = std::clamp(needed, binding_.fewestLines, binding_.mostLines);
     // One line is as high as a field of one line; each further one adds its own height.
-    return line + NativeLinesHeight(font, lines) - NativeLinesHeight(font, 1);
+    return line - NativeLinesHeight(font, 1) +
+           std::max(NativeTextHeight(font, shown, breadth, binding_.mostLines),
+                    NativeLinesHeight(font, binding_.fewestLines));
 }
 
 void TextFieldView::CreateBody()
@@ -344,8 +345,7 @@ void LanguageFieldView::OpenLanguages()
 int DisplayFieldView::MeasureBody(int width)
 {
     const wxFont& font = look_.Font(ui::TextRole::kBody);
-    const int lines = NativeLineCount(font, GetField().DisplayText(), width);
-    return NativeLinesHeight(font, std::max(1, lines)) + look_.Px(4);
+    return NativeTextHeight(font, GetField().DisplayText(), width, kAllLines) + look_.Px(4);
 }
 
 void DisplayFieldView::CreateBody()

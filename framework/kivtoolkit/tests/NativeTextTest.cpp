@@ -50,6 +50,20 @@ TEST_F(NativeTextTest, LinesAndTheirHeight)
     EXPECT_EQ(NativeLinesHeight(Font(), 5), 5 * one);
 }
 
+// A field that counts on equal lines cuts the feet off the last one.
+TEST_F(NativeTextTest, TheHeightOfATextIsThatOfItsLines)
+{
+    const int latin = NativeTextHeight(Font(), u"Xg", 1000, kAllLines);
+    const int japanese = NativeTextHeight(Font(), u"\u6620\u3063\u3066", 1000, kAllLines);
+    EXPECT_EQ(latin, NativeLinesHeight(Font(), 1));
+    EXPECT_GE(japanese, latin);
+    const kivcore::UString mixed = u"Xg\n\u6620\u3063\u3066\n\u6620";
+    EXPECT_EQ(NativeTextHeight(Font(), mixed, 1000, 1), latin);
+    EXPECT_EQ(NativeTextHeight(Font(), mixed, 1000, 2), latin + japanese);
+    EXPECT_EQ(NativeTextHeight(Font(), mixed, 1000, kAllLines), latin + 2 * japanese);
+    EXPECT_EQ(NativeTextHeight(Font(), u"", 1000, kAllLines), latin);
+}
+
 TEST_F(NativeTextTest, FontsHaveTheSizeAskedFor)
 {
     kivui::ui::TextStyle small;
