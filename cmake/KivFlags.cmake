@@ -16,6 +16,15 @@ if(NOT CMAKE_BUILD_TYPE AND NOT CMAKE_CONFIGURATION_TYPES)
     set(CMAKE_BUILD_TYPE Release CACHE STRING "Build type" FORCE)
 endif()
 
+# What the systems do differently stands in files by this suffix.
+set(KIV_PLATFORM posix)
+if(WIN32)
+    set(KIV_PLATFORM win)
+    # kivcore.dll everywhere, not libkivcore.dll with this compiler only.
+    set(CMAKE_SHARED_LIBRARY_PREFIX "")
+    set(CMAKE_SHARED_MODULE_PREFIX "")
+endif()
+
 # Everything that runs lies in one folder, as it does on Windows: programs find the libraries, the
 # libraries find their data.
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
@@ -41,6 +50,14 @@ target_compile_options(kiv_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow
     $<$<COMPILE_LANGUAGE:CXX>:-Wnon-virtual-dtor>
     $<$<BOOL:${KIV_WARNINGS_AS_ERRORS}>:-Werror>)
+if(WIN32)
+    target_compile_definitions(kiv_flags INTERFACE
+        UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00)
+    # A large test file has more sections than a plain object file can hold, and the same sources
+    # give the same file, whenever they are linked.
+    target_compile_options(kiv_flags INTERFACE -Wa,-mbig-obj)
+    target_link_options(kiv_flags INTERFACE -Wl,--no-insert-timestamp)
+endif()
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # Optimized builds with GCC 12 see an overlap in `"text" + std::string` that is not there.
     target_compile_options(kiv_flags INTERFACE $<$<COMPILE_LANGUAGE:CXX>:-Wno-restrict>)
