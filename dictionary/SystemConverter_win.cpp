@@ -3,6 +3,7 @@
 #include "dictionary/SystemConverter.h"
 
 #include "dictionary/DictionaryException.h"
+#include "dictionary/SystemConverter_win.h"
 
 #include <windows.h>
 
@@ -33,17 +34,6 @@ int LengthFor(std::size_t length)
 std::uint32_t CodeOfLastError()
 {
     return GetLastError() == ERROR_INSUFFICIENT_BUFFER ? morvish::kCodeBuff : morvish::kCodeHuh;
-}
-
-// Whether the text ends inside a character of two bytes. The converter makes something of the lone
-// first byte on some systems, even when told to be strict.
-bool IsCutInCharacter(UINT codePage, const char* text, std::size_t lengthBytes)
-{
-    std::size_t position = 0;
-    while (position < lengthBytes) {
-        position += IsDBCSLeadByteEx(codePage, static_cast<BYTE>(text[position])) != 0 ? 2U : 1U;
-    }
-    return position > lengthBytes;
 }
 
 // Without a buffer the system is asked for the size. Its count of 0 is a failure, so empty texts
@@ -83,7 +73,7 @@ std::uint32_t Widen(const ConversionContext& context, const char* text, std::siz
         return 0;
     }
     const UINT codePage = CodePageOf(context);
-    if (IsCutInCharacter(codePage, text, lengthBytes))
+    if (IsCutInCharacter(codePage, {text, lengthBytes}))
         return morvish::kCodeHuh;
     const int count =
         MultiByteToWideChar(codePage, MB_ERR_INVALID_CHARS, text, static_cast<int>(lengthBytes),
@@ -135,6 +125,16 @@ std::uint32_t MultibyteToWide(const ConversionContext& context, const char* text
 }
 
 }  // namespace
+
+bool IsCutInCharacter(unsigned codePage, std::string_view text)
+{
+    std::size_t position = 0;
+    while (position < text.size()) {
+        const auto byte = static_cast<BYTE>(text[position]);
+        position += IsDBCSLeadByteEx(codePage, byte) != 0 ? 2U : 1U;
+    }
+    return position > text.size();
+}
 
 morvish::ConverterHooks SystemConverterHooks()
 {
