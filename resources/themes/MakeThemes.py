@@ -1,8 +1,12 @@
 #!/usr/bin/env python3
-"""Makes the colour theme: the document beside this script and the framework's built-in table.
+"""Makes the colour themes: the documents beside this script and the framework's built-in table.
 
-    MakeThemes.py           writes both files
-    MakeThemes.py --check   says which of them differs, and fails
+    MakeThemes.py           writes the files
+    MakeThemes.py --check   says which of them differ, and fails
+
+A document per version of the look: the newest one is what skins take, the older ones are for a
+framework that knows no newer. All have the same roles and the same lightnesses; what a look changes is
+the hues of the dialog and its controls, so each is as readable as the others.
 
 Colours are named by hue and lightness (L* of CIELAB): grey27, blue65. Contrast follows from
 lightness: a distance of 50 gives at least 4.5 to 1, of 40 at least 3 to 1. So every role is a row of
@@ -18,7 +22,6 @@ import pathlib
 import sys
 
 HERE = pathlib.Path(__file__).resolve().parent
-DOCUMENT = HERE / "KIVCOLORTHEMESV5.xml"
 BUILT_IN = HERE.parent.parent / "framework" / "kivui" / "src" / "BuiltInTheme.cpp"
 
 COLOR_COUNT = 385
@@ -40,7 +43,26 @@ HUES = {
     "orange": (52, 66),
     "olive": (108, 46),
     "brown": (60, 28),
+    # Of older looks.
+    "slate": (255, 5),
+    "azure": (245, 44),
+    "haze": (245, 16),
+    "sand": (80, 3),
+    "foam": (195, 14),
+    "neutral": (0, 0),
+    "steel": (265, 20),
+    "smoke": (265, 8),
 }
+
+# version: the hues that stand in for those of the rows below, in the dialog and its controls. Charts
+# and marks of success keep theirs, which are chosen to be told apart.
+LOOKS = {
+    5: {},
+    4: {"grey": "slate", "blue": "azure", "mist": "haze"},
+    3: {"grey": "sand", "blue": "teal", "mist": "foam"},
+    2: {"grey": "neutral", "blue": "steel", "mist": "smoke"},
+}
+NEWEST = max(LOOKS)
 
 # Roles of the dialog, in the order of the framework's ThemeColor: hue and lightness at the four
 # frames. A veil is black or white of an opacity in percent.
@@ -200,9 +222,10 @@ def control_role(bases, part, state):
     return hue, lightness
 
 
-def all_roles():
-    dialog = {name: (hue, lightness) for name, hue, lightness in DIALOG}
-    roles = [(name, colors_of(hue, lightness)) for name, hue, lightness in DIALOG]
+def all_roles(version):
+    look = LOOKS[version]
+    dialog = {name: (look.get(hue, hue), lightness) for name, hue, lightness in DIALOG}
+    roles = [(name, colors_of(hue, lightness)) for name, (hue, lightness) in dialog.items()]
     for name, *sources in CONTROLS:
         bases = dict(dialog)
         bases.update({part: dialog[source] for part, source in zip(PARTS, sources)})
@@ -220,7 +243,8 @@ def all_roles():
     return roles
 
 
-def document(roles):
+def document(version):
+    roles = all_roles(version)
     entities = {color.name: color.value for _, colors in roles for color in colors}
     lines = [
         '<?xml version="1.0" encoding="UTF-8"?>',
@@ -230,7 +254,7 @@ def document(roles):
     lines += [f'<!ENTITY {name} "{entities[name]}">' for name in sorted(entities)]
     lines += [
         "]>",
-        '<colorthemes version="5">',
+        f'<colorthemes version="{version}">',
         '<fontsize index="0" name="label" size="12"/>',
         '<fontsize index="1" name="body" size="13"/>',
         '<fontsize index="2" name="title" size="18"/>',
@@ -325,15 +349,25 @@ def align_comments(lines):
 
 
 def main():
-    roles = all_roles()
-    failed = False
-    for path, text in ((DOCUMENT, document(roles)), (BUILT_IN, built_in(roles))):
-        if "--check" not in sys.argv[1:]:
+    files = {HERE / f"KIVCOLORTHEMESV{version}.xml": document(version) for version in LOOKS}
+    files[BUILT_IN] = built_in(all_roles(NEWEST))
+    if "--check" not in sys.argv[1:]:
+        for path, text in files.items():
             path.write_text(text, encoding="utf-8")
-        elif path.read_text(encoding="utf-8") != text:
-            print(f"{path.name} is not what MakeThemes.py writes: run it", file=sys.stderr)
-            failed = True
-    return 1 if failed else 0
+        return 0
+    problems = [
+        f"{path.name} is not what MakeThemes.py writes: run it"
+        for path, text in files.items()
+        if not path.is_file() or path.read_text(encoding="utf-8") != text
+    ]
+    problems += [
+        f"{path.name} is written by nobody"
+        for path in sorted(HERE.glob("*.xml"))
+        if path not in files
+    ]
+    for problem in problems:
+        print(problem, file=sys.stderr)
+    return 1 if problems else 0
 
 
 if __name__ == "__main__":

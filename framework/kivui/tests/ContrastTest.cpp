@@ -1,4 +1,4 @@
-// The theme document that we ship, as it is drawn: contrast by WCAG 2.2 (relative luminance) at
+// The theme documents that we ship, as they are drawn: contrast by WCAG 2.2 (relative luminance) at
 // each of the 101 brightness values. Texts need 4.5 to 1; icons, frames, stars and other marks 3
 // to 1. Disabled controls are exempt, as in WCAG; hairlines only divide what is told apart without
 // them.
@@ -28,6 +28,9 @@ class NameReader : public kivcore::xml::DocHandler {
 public:
     void StartElement(const std::string& name, const kivcore::xml::Attributes& attributes) override
     {
+        if (name == "colorthemes") {
+            version = *kivcore::xml::FindAttribute(attributes, "version");
+        }
         if (name == "color") {
             indices[*kivcore::xml::FindAttribute(attributes, "name")] =
                 std::stoul(*kivcore::xml::FindAttribute(attributes, "index"));
@@ -36,22 +39,35 @@ public:
     void EndElement(const std::string&) override {}
     void Text(std::string_view) override {}
 
+    std::string version;
     std::map<std::string, std::size_t> indices;
 };
 
-class ShippedTheme : public testing::Test {
+constexpr int kOldestVersion = 2;
+constexpr int kNewestVersion = 5;
+
+std::string TextOfVersion(int version)
+{
+    std::ostringstream text;
+    text << std::ifstream(KIVUI_THEMES_DIR "/KIVCOLORTHEMESV" + std::to_string(version) + ".xml",
+                          std::ios::binary)
+                .rdbuf();
+    return text.str();
+}
+
+class ShippedTheme : public testing::TestWithParam<int> {
 protected:
     ShippedTheme()
     {
         kivcore::xml::SetParserFactory(std::make_unique<kivcore::xml::MSXMLParserFactory>());
-        std::ostringstream text;
-        text << std::ifstream(KIVUI_THEMES_DIR "/KIVCOLORTHEMESV5.xml", std::ios::binary).rdbuf();
-        document_ = ReadThemeDocument(text.str(), "KIVCOLORTHEMESV5");
-        kivcore::xml::NewParser()->Parse(text.str(), "KIVCOLORTHEMESV5", names_);
+        const std::string text = TextOfVersion(GetParam());
+        document_ = ReadThemeDocument(text, "shipped");
+        kivcore::xml::NewParser()->Parse(text, "shipped", names_);
     }
     ~ShippedTheme() override { kivcore::xml::ResetParserFactory(); }
 
     const ThemeDocument& Document() const { return document_; }
+    const std::string& Version() const { return names_.version; }
     const std::map<std::string, std::size_t>& Names() const { return names_.indices; }
 
     ColorRGBA ColorOf(const std::string& name, int percent) const
@@ -107,7 +123,15 @@ private:
     NameReader names_;
 };
 
-TEST_F(ShippedTheme, Has385NamedColorsWithKeyFrames)
+INSTANTIATE_TEST_SUITE_P(Versions, ShippedTheme, testing::Range(kOldestVersion, kNewestVersion + 1),
+                         [](const auto& version) { return "V" + std::to_string(version.param); });
+
+TEST_P(ShippedTheme, SaysItsVersion)
+{
+    EXPECT_EQ(Version(), std::to_string(GetParam()));
+}
+
+TEST_P(ShippedTheme, Has385NamedColorsWithKeyFrames)
 {
     ASSERT_EQ(Document().colors.size(), 385u);
     EXPECT_EQ(Names().size(), 385u);
@@ -117,7 +141,7 @@ TEST_F(ShippedTheme, Has385NamedColorsWithKeyFrames)
     EXPECT_EQ(Document().fontSizes, (std::vector<double>{12, 13, 18}));
 }
 
-TEST_F(ShippedTheme, NamesAreThoseOfTheFramework)
+TEST_P(ShippedTheme, NamesAreThoseOfTheFramework)
 {
     for (const ThemeColorName& row : kThemeColorNames) {
         ASSERT_EQ(Names().count(row.name), 1u) << row.name;
@@ -125,19 +149,26 @@ TEST_F(ShippedTheme, NamesAreThoseOfTheFramework)
     }
 }
 
-TEST_F(ShippedTheme, BuiltInColorsAreTheSame)
+// The built-in colours stand in for the newest document; the older looks are others.
+TEST_P(ShippedTheme, TheNewestHasTheBuiltInColors)
 {
     const std::shared_ptr<const ThemeDocument> builtIn = BuiltInTheme();
     EXPECT_EQ(builtIn->fontSizes, Document().fontSizes);
-    for (const ThemeColorName& row : kThemeColorNames) {
-        EXPECT_EQ(builtIn->colors.at(row.color), Document().colors[row.color]) << row.name;
+    if (GetParam() == kNewestVersion) {
+        for (const ThemeColorName& row : kThemeColorNames) {
+            EXPECT_EQ(builtIn->colors.at(row.color), Document().colors[row.color]) << row.name;
+        }
+        return;
+    }
+    for (const ThemeColor color : {kGround, kFieldFrame, kAccent, kAccentTint, kLink}) {
+        EXPECT_NE(builtIn->colors.at(color), Document().colors[color]) << color;
     }
 }
 
 constexpr const char* kGrounds[] = {"ground", "raised-ground", "field-ground"};
 constexpr const char* kTints[] = {kNoTint, "hover-tint", "pressed-tint"};
 
-TEST_F(ShippedTheme, TextsStandOutFromEveryGround)
+TEST_P(ShippedTheme, TextsStandOutFromEveryGround)
 {
     for (const char* const ground : kGrounds) {
         for (const char* const text : {"text", "secondary-text", "error", "warning", "link"}) {
@@ -159,7 +190,7 @@ TEST_F(ShippedTheme, TextsStandOutFromEveryGround)
     }
 }
 
-TEST_F(ShippedTheme, MarksStandOutFromEveryGround)
+TEST_P(ShippedTheme, MarksStandOutFromEveryGround)
 {
     for (const char* const ground : kGrounds) {
         for (const char* const mark :
@@ -186,7 +217,7 @@ TEST_F(ShippedTheme, MarksStandOutFromEveryGround)
 }
 
 // "button.text.hover" stands on "button.ground.hover".
-TEST_F(ShippedTheme, SkinControlsAreReadableInEveryState)
+TEST_P(ShippedTheme, SkinControlsAreReadableInEveryState)
 {
     int pairs = 0;
     for (const auto& [name, index] : Names()) {
@@ -203,7 +234,7 @@ TEST_F(ShippedTheme, SkinControlsAreReadableInEveryState)
     EXPECT_EQ(pairs, 17 * 4);
 }
 
-TEST_F(ShippedTheme, GroundsGetLighterWithBrightness)
+TEST_P(ShippedTheme, GroundsGetLighterWithBrightness)
 {
     for (const char* const ground : kGrounds) {
         for (int percent = 1; percent <= 100; ++percent) {
