@@ -7,10 +7,10 @@ if(WIN32 AND CMAKE_CROSSCOMPILING)
     set(KIV_DRIVE "Z:")
 endif()
 
-# kiv_add_framework_library(NAME SOURCES... [PUBLIC libs...] [PRIVATE libs...])
+# kiv_add_framework_library(NAME DESCRIPTION text SOURCES... [PUBLIC libs...] [PRIVATE libs...])
 # A shared library of the open host framework: public headers under include/NAME, sources under src.
 function(kiv_add_framework_library name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;PUBLIC;PRIVATE")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "DESCRIPTION" "SOURCES;PUBLIC;PRIVATE")
     add_library(${name} SHARED ${arg_SOURCES})
     string(TOUPPER ${name} upper)
     target_include_directories(${name}
@@ -25,6 +25,7 @@ function(kiv_add_framework_library name)
         PRIVATE ${arg_PRIVATE} $<BUILD_INTERFACE:kiv_flags>)
     set_target_properties(${name} PROPERTIES
         VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+    kiv_add_version_resource(${name} DESCRIPTION "${arg_DESCRIPTION}")
     kiv_install_library(${name})
     install(DIRECTORY include/ DESTINATION ${CMAKE_INSTALL_INCLUDEDIR} FILES_MATCHING PATTERN "*.h")
 endfunction()
