@@ -1,5 +1,6 @@
 // kivhost: the sample host. Shows a photo's metadata in the dialog and saves what was confirmed.
 
+#include "host/Console.h"
 #include "host/Listing.h"
 #include "host/Options.h"
 #include "include/kivmetadataapi.h"
@@ -187,10 +188,11 @@ int Run(const Options& options)
     return RunDialog(options);
 }
 
-int Main(const std::vector<std::string>& arguments)
+int Main(int argc, char** argv)
 {
+    const Console console;
     try {
-        const int status = Run(ParseOptions(arguments));
+        const int status = Run(ParseOptions(CommandLineArguments(argc, argv)));
         if (!std::cout.flush()) {
             throw std::runtime_error("standard output cannot be written");
         }
@@ -209,5 +211,5 @@ int Main(const std::vector<std::string>& arguments)
 
 int main(int argc, char** argv)
 {
-    return kivhost::Main(std::vector<std::string>(argv + 1, argv + argc));
+    return kivhost::Main(argc, argv);
 }
