@@ -65,7 +65,7 @@ TEST(LibraryRounds, AHundredLoadsAndUnloads)
         {
             const SharedLibrary library(KIV_LIBRARY_PATH);
             const Functions functions(library);
-            EXPECT_TRUE(IsModuleLoaded("libkivmetadataapi"));
+            EXPECT_TRUE(IsLibraryLoaded("kivmetadataapi."));
             EXPECT_FALSE(functions.initialize(nullptr));
             const MetadataAPIInitParams params = Params("Loader", "en_US", 1);
             ASSERT_TRUE(functions.initialize(&params));
@@ -74,7 +74,7 @@ TEST(LibraryRounds, AHundredLoadsAndUnloads)
             functions.terminate();
         }
         // All of ours is gone: nothing pins a library in the host.
-        ASSERT_FALSE(IsModuleLoaded("libkiv")) << "after round " << round;
+        ASSERT_FALSE(IsLibraryLoaded("kiv")) << "after round " << round;
         if (round == kRounds / 2) {
             heapHalfway = HeapInUse();
         }

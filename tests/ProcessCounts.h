@@ -13,8 +13,9 @@ std::size_t OpenHandles();
 /// Bytes in use on the heap.
 std::size_t HeapInUse();
 
-/// True if a module whose path contains `part` is loaded.
-bool IsModuleLoaded(const std::string& part);
+/// True if a shared library is loaded whose file name, behind the system's prefix, begins with
+/// `name` (ASCII).
+bool IsLibraryLoaded(const std::string& name);
 
 /// In a sanitizer build: what is allocated from here on is not counted as a leak.
 void AllowLeaksFromHere();

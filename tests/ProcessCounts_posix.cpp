@@ -32,11 +32,11 @@ std::size_t HeapInUse()
     return info.uordblks + info.hblkhd;
 }
 
-bool IsModuleLoaded(const std::string& part)
+bool IsLibraryLoaded(const std::string& name)
 {
     std::ifstream maps("/proc/self/maps");
     for (std::string line; std::getline(maps, line);) {
-        if (line.find(part) != std::string::npos) {
+        if (line.find("/lib" + name) != std::string::npos) {
             return true;
         }
     }
