@@ -24,7 +24,7 @@ readonly packages_test="libgtest-dev libgmock-dev exiv2 libimage-exiftool-perl x
     fonts-noto-cjk util-linux binutils"
 readonly packages_windows="g++-mingw-w64-x86-64-posix googletest wine64 libwine patch xz-utils
     debian-archive-keyring"
-readonly packages_all="clang clang-format clang-tidy libclang-rt-14-dev libbenchmark-dev"
+readonly packages_all="git clang clang-format clang-tidy libclang-rt-14-dev libbenchmark-dev"
 
 # need_packages NAME...: installs what is missing.
 need_packages() {

@@ -6,6 +6,7 @@ cd "$top"
 
 status=0
 mapfile -t sources < <(git ls-files '*.cpp' '*.h' '*.c')
+[ ${#sources[@]} -gt 0 ] || fail "git lists no sources here"
 if clang-format --dry-run -Werror "${sources[@]}"; then
     say "clang-format: ${#sources[@]} files are formatted"
 else
