@@ -2,6 +2,8 @@
 """Tests kivhost as its users meet it: real windows, a real photo, the file afterwards.
 
 usage: kivhost_test.py BIN_DIR      under a display (tests/with_display.sh)
+
+A kivhost for Windows is run under Wine, all runs in one session of scripts/wine.sh.
 """
 
 import json
@@ -12,6 +14,8 @@ import subprocess
 import sys
 import tempfile
 import unittest
+
+from programs import Program
 
 HERE = pathlib.Path(__file__).resolve().parent
 KIVHOST = None  # set from the command line
@@ -29,22 +33,26 @@ class KivhostTest(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp())
         self.addCleanup(shutil.rmtree, self.folder)
-        self.environment = dict(os.environ, KIV_PREF_DIR=str(self.folder / "preferences"))
+        self.environment = dict(
+            os.environ, **KIVHOST.variables(KIV_PREF_DIR=self.folder / "preferences")
+        )
         self.photo = self.folder / "photo.jpg"
         shutil.copy(sample("with-packet"), self.photo)
         self.photo.chmod(0o644)
         self.original = self.photo.read_bytes()
 
     def run_host(self, *arguments, **environment):
-        return subprocess.run(
-            [str(KIVHOST), *map(str, arguments)],
+        run = subprocess.run(
+            KIVHOST.command(*arguments),
             capture_output=True,
-            text=True,
-            encoding="utf-8",
             timeout=120,
-            env=dict(self.environment, **environment),
+            env=dict(self.environment, **KIVHOST.variables(**environment)),
             check=False,
         )
+        # Not as text, which would let ends of lines through that are none of ours.
+        run.stdout = run.stdout.decode("utf-8")
+        run.stderr = run.stderr.decode("utf-8")
+        return run
 
     def expect(self, run, status):
         self.assertEqual(run.returncode, status, run.stdout + run.stderr)
@@ -136,6 +144,24 @@ class Edits(KivhostTest):
         self.assertEqual(self.independent()["dc:title[@x-default]"], "New")
         self.assert_only_the_packet_differs()
 
+    def test_a_photo_whose_folder_and_name_are_in_other_scripts(self):
+        folder = self.folder / "Fotos été 写真 Ελλάδα"
+        folder.mkdir()
+        self.photo = self.photo.rename(folder / "Größe 大きさ.jpg")
+        picture = folder / "снимок.png"
+        run = self.run_host(
+            "--set", "photoshop:City=Göteborg",
+            "--screenshot", picture, "--auto", "ok", self.photo,
+        )  # fmt: skip
+        self.expect(run, 0)
+        self.assertEqual(self.independent()["photoshop:City"], "Göteborg")
+        self.assert_only_the_packet_differs()
+        self.expect(self.run_host("--extract", folder / "パケット.xmp", self.photo), 0)
+        self.assertEqual(
+            sorted(p.name for p in folder.iterdir()),
+            ["Größe 大きさ.jpg", "снимок.png", "パケット.xmp"],
+        )
+
     def test_one_edit_after_the_other(self):
         for title in ("One", "Two", "Three"):
             self.expect(
@@ -199,10 +225,14 @@ class Looks(KivhostTest):
         self.assert_untouched()
 
 
-class WithoutAWindow(KivhostTest):
+class NoDisplayTest(KivhostTest):
     def run_host(self, *arguments, **environment):
-        return super().run_host(*arguments, DISPLAY="", WAYLAND_DISPLAY="", **environment)
+        if not KIVHOST.is_windows:  # there, programs always have a desktop
+            environment.update(DISPLAY="", WAYLAND_DISPLAY="")
+        return super().run_host(*arguments, **environment)
 
+
+class WithoutAWindow(NoDisplayTest):
     def test_dump_and_extract_need_no_display(self):
         self.assertIn("dc:title", " ".join(self.dump()) + " dc:title")
         packet = self.folder / "out.xmp"
@@ -224,12 +254,6 @@ class WithoutAWindow(KivhostTest):
         self.assertTrue(ours)
         self.assertEqual(ours, theirs)
 
-    def test_no_display_is_a_clear_failure(self):
-        run = self.run_host("--auto", "ok", self.photo)
-        self.expect(run, 1)
-        self.assertRegex(run.stderr, "display")
-        self.assert_untouched()
-
     def test_help_and_version(self):
         self.expect(self.run_host("--help"), 0)
         self.assertRegex(self.run_host("--version").stdout, r"^kivhost \d+\.\d+\.\d+\n$")
@@ -237,16 +261,24 @@ class WithoutAWindow(KivhostTest):
 
     def test_custom_definitions_are_listed(self):
         archive = HERE / "definitions"
-        run = self.run_host("--list-definitions", KIV_DEFINITIONS_DIR=str(archive))
+        run = self.run_host("--list-definitions", KIV_DEFINITIONS_DIR=archive)
         self.expect(run, 0)
         records = [json.loads(line) for line in run.stdout.splitlines()]
         self.assertTrue(records)
         self.assertEqual(
             set(records[0]), {"view", "namespace", "name", "label", "editable"}
         )
-        run = self.run_host("--list-definitions", KIV_DEFINITIONS_DIR=str(self.folder))
+        run = self.run_host("--list-definitions", KIV_DEFINITIONS_DIR=self.folder)
         self.expect(run, 0)
         self.assertEqual(run.stdout, "")
+
+
+class WithoutADisplay(NoDisplayTest):
+    def test_no_display_is_a_clear_failure(self):
+        run = self.run_host("--auto", "ok", self.photo)
+        self.expect(run, 1)
+        self.assertRegex(run.stderr, "display")
+        self.assert_untouched()
 
 
 class BadInput(KivhostTest):
@@ -328,12 +360,14 @@ class BadInput(KivhostTest):
         (broken / "view" / "v.xml").write_text("<view")
         run = self.run_host(
             "--auto", "ok", self.photo,
-            KIV_DEFINITIONS_DIR=str(broken.parent), KIV_TRACE="kivmetadata",
+            KIV_DEFINITIONS_DIR=broken.parent, KIV_TRACE="kivmetadata",
         )  # fmt: skip
         self.expect(run, 0)
         self.assertRegex(run.stderr, r"v\.xml:1")
 
 
 if __name__ == "__main__":
-    KIVHOST = pathlib.Path(sys.argv.pop(1)) / "kivhost"
+    KIVHOST = Program(sys.argv.pop(1), "kivhost")
+    if KIVHOST.is_windows:
+        del WithoutADisplay
     unittest.main()

@@ -9,14 +9,17 @@ EDITOR is kivxmp_photo_editor. The photographs are those of sample_photo.sh.
 
 import json
 import os
+import pathlib
 import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
 
+from programs import Program
+
 FOLDER = os.path.dirname(os.path.abspath(__file__))
-EDITOR = ""
+EDITOR = None  # set from the command line
 EDITS = {"dc:title[@x-default]": "Blinds, \u00e9t\u00e9 \u6d77", "xmp:Rating": "4"}
 
 
@@ -25,6 +28,10 @@ def output(*command, status=0):
     if result.returncode != status:
         raise AssertionError("%s: %s" % (" ".join(command), result.stderr.decode()))
     return result.stdout.decode("utf-8", "surrogateescape")
+
+
+def run_editor(photo, *edits):
+    return output(*EDITOR.command(pathlib.Path(photo), *edits))
 
 
 def script(name, *arguments):
@@ -58,8 +65,8 @@ class RealPhotos(unittest.TestCase):
 
     def edit(self, photo):
         edits = ["%s=%s" % edit for edit in EDITS.items()]
-        self.assertEqual(output(EDITOR, photo, *edits), "saved\n")
-        self.assertEqual(output(EDITOR, photo, *edits), "nothing to save\n")
+        self.assertEqual(run_editor(photo, *edits), "saved\n")
+        self.assertEqual(run_editor(photo, *edits), "nothing to save\n")
 
     def check(self, before, after):
         self.assertIn("equal: ", script("photo_equal.py", before, after))
@@ -113,7 +120,7 @@ class RealPhotos(unittest.TestCase):
         self.check(before, after)
         # And that editor goes on with our file.
         output("exiftool", "-q", "-overwrite_original", "-XMP-dc:Format=image/jpeg", after)
-        self.assertEqual(output(EDITOR, after), "nothing to save\n")
+        self.assertEqual(run_editor(after), "nothing to save\n")
         self.assertIn("dc:format\timage/jpeg\n", script("xmp_reader.py", after))
 
     def test_many_rounds(self):
@@ -121,7 +128,7 @@ class RealPhotos(unittest.TestCase):
         self.edit(after)
         size = os.path.getsize(after)
         for number in range(10, 40):
-            output(EDITOR, after, "dc:source=%d" % number)
+            run_editor(after, "dc:source=%d" % number)
             if number == 10:
                 size = os.path.getsize(after)
             self.assertEqual(os.path.getsize(after), size)
@@ -130,5 +137,5 @@ class RealPhotos(unittest.TestCase):
 
 
 if __name__ == "__main__":
-    EDITOR = sys.argv.pop(1)
+    EDITOR = Program.at(sys.argv.pop(1))
     unittest.main()
