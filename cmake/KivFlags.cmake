@@ -32,10 +32,21 @@ set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 set(CMAKE_ARCHIVE_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 set(CMAKE_BUILD_RPATH "$ORIGIN")
 set(CMAKE_BUILD_RPATH_USE_ORIGIN ON)
+# Installed, too, everything of ours lies in one folder on Windows, which has no search path in a
+# library; elsewhere each kind has its own.
+if(WIN32)
+    set(CMAKE_INSTALL_DOCDIR doc)
+    set(KIV_INSTALL_LIBRARYDIR "${CMAKE_INSTALL_BINDIR}")
+    set(KIV_INSTALL_APPDIR "${CMAKE_INSTALL_BINDIR}")
+    set(KIV_LIB_TO_DATA ".")
+else()
+    set(KIV_INSTALL_LIBRARYDIR "${CMAKE_INSTALL_LIBDIR}")
+    set(KIV_INSTALL_APPDIR "${CMAKE_INSTALL_DATADIR}/kivmetadataapi")
+    file(RELATIVE_PATH KIV_LIB_TO_DATA
+        "${CMAKE_INSTALL_FULL_LIBDIR}" "${CMAKE_INSTALL_FULL_DATADIR}/kivmetadataapi")
+endif()
 file(RELATIVE_PATH KIV_BIN_TO_LIB
     "${CMAKE_INSTALL_FULL_BINDIR}" "${CMAKE_INSTALL_FULL_LIBDIR}")
-file(RELATIVE_PATH KIV_LIB_TO_DATA
-    "${CMAKE_INSTALL_FULL_LIBDIR}" "${CMAKE_INSTALL_FULL_DATADIR}/kivmetadataapi")
 set(CMAKE_INSTALL_RPATH "$ORIGIN;$ORIGIN/${KIV_BIN_TO_LIB}")
 
 find_program(KIV_CCACHE ccache)

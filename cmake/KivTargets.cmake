@@ -35,7 +35,7 @@ function(kiv_install_library name)
     install(TARGETS ${name}
         EXPORT kivmetadataapiTargets
         RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR}
-        LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
+        LIBRARY DESTINATION ${KIV_INSTALL_LIBRARYDIR}
         ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 endfunction()
 
@@ -106,5 +106,5 @@ function(kiv_copy_data folder)
     string(MAKE_C_IDENTIFIER "${folder}" target)
     add_custom_target(data_${target} ALL DEPENDS ${copies})
     add_dependencies(application_data data_${target})
-    install(FILES ${files} DESTINATION "${CMAKE_INSTALL_DATADIR}/kivmetadataapi/${folder}")
+    install(FILES ${files} DESTINATION "${KIV_INSTALL_APPDIR}/${folder}")
 endfunction()

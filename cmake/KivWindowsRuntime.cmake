@@ -1,0 +1,43 @@
+# The DLLs that ours need and Windows does not have: the compiler's runtime and wxWidgets. One copy
+# of each, shared by all modules, so that exceptions cross from one to another. They lie beside the
+# programs, built and installed.
+
+file(GLOB runtime "${KIV_WINDOWS_WXWIDGETS}/lib/*/*.dll")
+foreach(name libstdc++-6.dll libgcc_s_seh-1.dll libwinpthread-1.dll)
+    execute_process(
+        COMMAND "${CMAKE_CXX_COMPILER}" -print-file-name=${name}
+        OUTPUT_VARIABLE path OUTPUT_STRIP_TRAILING_WHITESPACE COMMAND_ERROR_IS_FATAL ANY)
+    if(NOT EXISTS "${path}")
+        message(FATAL_ERROR "The compiler's folders have no ${name}")
+    endif()
+    list(APPEND runtime "${path}")
+endforeach()
+
+file(MAKE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
+foreach(source IN LISTS runtime)
+    get_filename_component(name "${source}" NAME)
+    set(copy "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}")
+    if("${source}" IS_NEWER_THAN "${copy}")
+        # Nine tenths of the compiler's files are symbols.
+        execute_process(
+            COMMAND "${CMAKE_STRIP}" --strip-unneeded -o "${copy}" "${source}"
+            COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+    install(PROGRAMS "${copy}" DESTINATION ${CMAKE_INSTALL_BINDIR})
+endforeach()
+
+# Their terms are passed on with them.
+set(licences "${CMAKE_INSTALL_DOCDIR}/licences")
+install(FILES "${CMAKE_CURRENT_LIST_DIR}/windows-licences.txt"
+    DESTINATION ${licences} RENAME README.txt)
+foreach(prefix IN LISTS KIV_WINDOWS_PREFIXES)
+    if(IS_DIRECTORY "${prefix}/licences")
+        install(DIRECTORY "${prefix}/licences/" DESTINATION ${licences})
+    endif()
+endforeach()
+install(FILES /usr/share/doc/gcc-mingw-w64-base/copyright
+    DESTINATION ${licences} RENAME gcc.txt)
+install(FILES /usr/share/common-licenses/GPL-3
+    DESTINATION ${licences} RENAME gcc-gpl-3.txt)
+install(FILES /usr/share/doc/mingw-w64-x86-64-dev/copyright
+    DESTINATION ${licences} RENAME mingw-w64.txt)
