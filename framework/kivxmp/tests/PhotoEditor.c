@@ -1,8 +1,4 @@
-/* Sets texts in a photo's XMP packet and saves it; for tests that judge the result from outside.
- *
- * usage: kivxmp_photo_editor PHOTO [PATH=TEXT]...
- *
- * Prints "saved" or "nothing to save", or why not, and then ends with 1. */
+#include "framework/kivxmp/tests/PhotoEditor.h"
 
 #include <kivxmp/kivxmp_file.h>
 
@@ -16,7 +12,7 @@ static int Failed(const char* what)
     return 1;
 }
 
-int main(int argc, char** argv)
+int RunPhotoEditor(int argc, char** argv)
 {
     __XMPMeta__* meta = NULL;
     int written = 0;
