@@ -4,10 +4,13 @@
 
 #pragma once
 
+#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "svgloom/renderer/SVGRenderer.h"
+#include "svgloom/src/ColorValue.h"
+#include "svgloom/src/GradientTable.h"
 
 namespace SVGLoom {
 
@@ -37,6 +40,31 @@ public:
     /// @return true if the end of the text was reached. What was applied before a failure stays
     ///         applied, so a caller that asks drops the transform then.
     static bool ParseTransform(const char*& current, const char* end, Transform& transform);
+
+    /// Reads one colour, white space before it included. What follows it is left: a caller that
+    /// wants the whole value looks whether `current` is the end.
+    ///
+    /// @param current           one past the colour on success, where reading stopped on failure
+    /// @param value             written on success only
+    /// @param allowCurrentColor accept "currentColor" (a fallback may be that in any case)
+    /// @param result            kSuccess or kInvalid; untouched where nothing but white space is
+    /// left
+    /// @return true on success
+    static bool ParseColor(const char*& current, const char* end, ColorValue& value,
+                           bool allowCurrentColor, ParseResult& result);
+
+    /// Reads the whole text as a paint. A reference to a gradient copies it into `paint` with the
+    /// coordinates that it does not give taken from the size of `viewport`; a gradient with one
+    /// stop is that stop's colour. A reference that is not known, without a fallback, is a success
+    /// that writes nothing.
+    ///
+    /// @param paint      written on success only
+    /// @param colorValue written together with `paint`: the colour to resolve when it is drawn,
+    ///                   empty for a gradient
+    /// @return kNone for no paint
+    static ParseResult ParsePaint(std::string_view text, const GradientTable& gradients,
+                                  const Rect& viewport, Paint& paint,
+                                  std::optional<ColorValue>& colorValue);
 };
 
 }  // namespace SVGLoom
