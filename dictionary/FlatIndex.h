@@ -19,16 +19,8 @@ struct SearchCost {
     std::size_t total = 0;  // over all entries
 };
 
-/// How full an index becomes before it grows, by how much it grows, and how full it is with as
-/// many entries as were announced.
-struct HalfFull {
-    static constexpr std::size_t kFillPercent = 50;
-    static constexpr std::size_t kGrowthPercent = 150;
-    static constexpr std::size_t kReservedFillPercent = 40;
-};
-
 /// Payload is small and trivially copied; `kNone` is a value that is never stored.
-template <typename Payload, Payload kNone, typename Density = HalfFull>
+template <typename Payload, Payload kNone>
 class FlatIndex {
 public:
     class Slot {
@@ -71,16 +63,8 @@ public:
     /// Makes room for one more entry, so that the next Insert() does not allocate.
     void ReserveOne()
     {
-        if ((count_ + 1) * 100 > slots_.size() * Density::kFillPercent)
-            Resize(slots_.empty() ? kFirstSlots : slots_.size() * Density::kGrowthPercent / 100);
-    }
-
-    /// Makes room for `more` entries at once.
-    void Reserve(std::size_t more)
-    {
-        const std::size_t wanted = (count_ + more) * 100 / Density::kReservedFillPercent;
-        if (wanted > slots_.size())
-            Resize(std::max(wanted, kFirstSlots));
+        if (count_ + 1 > slots_.size() / 2)
+            Grow();
     }
 
     /// Adds an entry that Find() did not find.
@@ -138,9 +122,9 @@ private:
         return at;
     }
 
-    void Resize(std::size_t slotCount)
+    void Grow()
     {
-        std::vector<Slot> grown(slotCount);
+        std::vector<Slot> grown(slots_.empty() ? kFirstSlots : slots_.size() / 2 * 3);
         for (const Slot& slot : slots_) {
             if (slot.IsUsed())
                 grown[FreeSlot(grown, slot.hash_)] = slot;

@@ -27,20 +27,19 @@ static_assert(alignof(Word) >= alignof(void*));
 
 }  // namespace
 
-TextArena::Run TextArena::Allocate(std::size_t sizeBytes, std::size_t alignment)
+TextArena::Run TextArena::Allocate(std::size_t sizeBytes)
 {
-    const std::size_t gap = (alignment - offset_ % alignment) % alignment;
-    if (gap <= freeBytes_ && sizeBytes <= freeBytes_ - gap) {
-        std::byte* const start = free_ + gap;
-        free_ = start + sizeBytes;
-        freeBytes_ -= gap + sizeBytes;
-        offset_ += gap + sizeBytes;
-        return {start, &blocks_[current_]};
-    }
     if (sizeBytes > SIZE_MAX - sizeof(Word))
         throw std::bad_alloc();
+    const std::size_t wordCount = (sizeBytes + sizeof(Word) - 1) / sizeof(Word);
+    const std::size_t wantedBytes = wordCount * sizeof(Word);
+    if (wantedBytes <= freeBytes_) {
+        std::byte* const start = free_;
+        free_ += wantedBytes;
+        freeBytes_ -= wantedBytes;
+        return {start, &blocks_[current_]};
+    }
 
-    const std::size_t wantedBytes = (sizeBytes + sizeof(Word) - 1) / sizeof(Word) * sizeof(Word);
     const std::size_t nextBytes =
         std::clamp(reservedBytes_ / kGrowthDivisor / sizeof(Word) * sizeof(Word),
                    kSmallestBlockBytes, kLargestBlockBytes);
@@ -52,9 +51,8 @@ TextArena::Run TextArena::Allocate(std::size_t sizeBytes, std::size_t alignment)
     reservedBytes_ += blockBytes;
     if (!alone) {
         current_ = blocks_.size() - 1;
-        free_ = start + sizeBytes;
-        freeBytes_ = blockBytes - sizeBytes;
-        offset_ = sizeBytes;
+        free_ = start + wantedBytes;
+        freeBytes_ = blockBytes - wantedBytes;
     }
     return {start, &blocks_.back()};
 }
@@ -65,7 +63,6 @@ void TextArena::Clear()
     current_ = 0;
     free_ = nullptr;
     freeBytes_ = 0;
-    offset_ = 0;
     reservedBytes_ = 0;
 }
 

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <stdexcept>
 #include <utility>
 
 namespace kivtoolkit {
@@ -81,10 +82,14 @@ bool IsDark(const ui::Theme& theme)
 DialogWindow::DialogWindow(kivmetadataui::DialogSession& session, HWND host)
     : session_(session), model_(session.Model()), look_(NewLook(session))
 {
-    darkSide_ = std::make_unique<DarkSide>(IsDark(look_->Theme()));
-    Create(nullptr, wxID_ANY, ToWx(model_.WindowTitle()), wxDefaultPosition, wxDefaultSize,
-           wxCAPTION | wxSYSTEM_MENU | wxCLOSE_BOX | wxRESIZE_BORDER | wxMAXIMIZE_BOX |
-               wxDIALOG_NO_PARENT);
+    const bool isDark = IsDark(look_->Theme());
+    darkSide_ = std::make_unique<DarkSide>(isDark);
+    if (!Create(nullptr, wxID_ANY, ToWx(model_.WindowTitle()), wxDefaultPosition, wxDefaultSize,
+                DialogStyle())) {
+        throw std::runtime_error(Utf8Text(
+            "$$$/Kiv/Dialog/Failure/NoWindow=The system did not give the dialog a window."));
+    }
+    DressDialog(*this, isDark);
     sideWidth_ = model_.NavigationWidth();
     SetPlace(host);
     Build();
@@ -417,10 +422,21 @@ void DialogWindow::EndWith(int result)
     ClosePopup();
     RememberPlace();
     isClosing_ = true;
+    if (hold_ != nullptr) {
+        hold_->Release();
+    }
     if (IsModal()) {
         EndModal(result);
     } else {
         SetReturnCode(result);
+    }
+}
+
+void DialogWindow::WindowLost()
+{
+    isClosing_ = true;
+    if (IsModal()) {
+        EndModal(wxID_CANCEL);
     }
 }
 
@@ -431,9 +447,16 @@ void DialogWindow::CancelSoon()
 
 DialogResult DialogWindow::RunModal()
 {
+    hold_ = std::make_unique<HostHold>(*this, [this] { WindowLost(); });
     look_->Run([this] { FocusFirst(); });
-    const int result = ShowModal();
-    isClosing_ = true;
+    int result = ShowModal();
+    if (!isClosing_) {
+        // The loop ended because the program is to end.
+        look_->Contain([this] { Cancel(); });
+        result = wxID_CANCEL;
+    }
+    Hide();
+    hold_.reset();
     return result == wxID_OK ? DialogResult::kConfirmed : DialogResult::kCancelled;
 }
 

@@ -71,6 +71,7 @@ private:
     void Confirm();
     void Cancel();
     void EndWith(int result);
+    void WindowLost();
     void BeginScript();
     void WaitForScript();
 
@@ -78,7 +79,8 @@ private:
     kivmetadataui::DialogModel& model_;
     std::unique_ptr<Look> look_;
     std::unique_ptr<DarkSide> darkSide_;
-    SidePanel* side_ = nullptr;  // windows are owned by this one
+    std::unique_ptr<HostHold> hold_;  // while the loop runs
+    SidePanel* side_ = nullptr;       // windows are owned by this one
     SideEdge* edge_ = nullptr;
     BottomBar* bar_ = nullptr;
     std::unique_ptr<PageStack> pages_;

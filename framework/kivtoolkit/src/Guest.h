@@ -22,9 +22,9 @@ bool IsToolkitOurs() noexcept;
 /// True once the connection to the display broke; nothing can be shown any more.
 bool IsConnectionLost() noexcept;
 
-/// Called from deep within the toolkit when the connection to the display breaks; must only note
-/// it. A null function takes it away.
-void SetConnectionLostHandler(void (*handler)()) noexcept;
+/// Called from deep within the toolkit when the connection to the display breaks or the program is
+/// asked to end: a dialog must close. Must only note it. A null function takes it away.
+void SetEndingHandler(void (*handler)()) noexcept;
 
 /// While it lives the toolkit starts, which changes the environment and how a broken pipe is
 /// handled. The destructor puts both back.
@@ -45,7 +45,8 @@ private:
 void ReleaseClipboard();
 
 /// While it lives the process's locale and error handlers may be changed by the toolkit, and errors
-/// of our own display connection end in the trace instead of reaching the host, as does its end.
+/// of our own display connection end in the trace instead of reaching the host, as does its end. A
+/// request to end the program that arrives meanwhile is kept for the host.
 /// The destructor puts everything back, unless the host itself changed it meanwhile.
 class GuestGuard {
 public:

@@ -37,7 +37,7 @@ namespace {
 // Plain data, because it outlives every static destructor.
 constinit bool connectionLost = false;
 using Handler = void (*)();
-constinit Handler connectionLostHandler = nullptr;
+constinit Handler endingHandler = nullptr;
 constinit bool logWriterIsOurs = false;
 constinit Display* ourConnection = nullptr;  // that GDK opened for us
 constinit XErrorHandler hostErrorHandler = nullptr;
@@ -84,8 +84,8 @@ void OnConnectionLost(Display* connection, void*)
     connectionLost = true;
     DropUnsentRequests(connection);
     XSetAfterFunction(connection, DropUnsentRequests);
-    if (connectionLostHandler != nullptr) {
-        connectionLostHandler();
+    if (endingHandler != nullptr) {
+        endingHandler();
     }
 }
 
@@ -204,9 +204,9 @@ bool IsConnectionLost() noexcept
     return connectionLost;
 }
 
-void SetConnectionLostHandler(void (*handler)()) noexcept
+void SetEndingHandler(void (*handler)()) noexcept
 {
-    connectionLostHandler = handler;
+    endingHandler = handler;
 }
 
 struct StartGuard::Saved {

@@ -6,6 +6,7 @@
 #include "framework/kivmetadataui/src/ToolkitModule.h"
 #include "framework/kivtoolkit/src/WxPainter.h"
 
+#include <wx/dcmemory.h>
 #include <wx/event.h>
 #include <wx/gdicmn.h>
 #include <wx/window.h>
@@ -42,6 +43,10 @@ public:
     /// For measuring only.
     kivui::ui::Drawing Measuring() { return On(measuring_.Get()); }
 
+    /// The part of the window that is being drawn, in its pixels.
+    const wxRect& DrawnPart() const noexcept { return drawnPart_; }
+    void SetDrawnPart(const wxRect& part) noexcept { drawnPart_ = part; }
+
     /// Runs a callback so that nothing passes the toolkit's frames.
     void Contain(const std::function<void()>& callback) noexcept
     {
@@ -62,6 +67,7 @@ private:
     double scale_;
     bool mirrored_;
     MeasuringPainter measuring_;
+    wxRect drawnPart_;
     std::function<void()> after_;
 };
 
@@ -78,8 +84,13 @@ void BindContained(Look& look, wxEvtHandler& window, const wxEventTypeTag<Event>
 wxRect ToWx(const kivui::ui::Rect& rect);
 kivui::ui::Rect FromWx(const wxRect& rect);
 
-/// Binds `draw` to the painting of `window`: it gets the drawing and the whole client area.
+/// Binds `draw` to the painting of `window` and to DrawInto: it gets the drawing and the whole
+/// client area.
 void BindPainting(Look& look, wxWindow& window, kivui::ui::ThemeColor ground,
                   std::function<void(const kivui::ui::Drawing&, const kivui::ui::Rect&)> draw);
+
+/// Draws what BindPainting has bound, not the windows inside `window`: its own pixel `from` comes
+/// to the beginning of `dc`, as does what lies right and below of it, `size` pixels in all.
+void DrawInto(wxWindow& window, wxMemoryDC& dc, const wxPoint& from, const wxSize& size);
 
 }  // namespace kivtoolkit

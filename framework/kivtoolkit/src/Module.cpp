@@ -13,6 +13,12 @@
 #include <memory>
 #include <stdexcept>
 
+#ifdef _WIN32
+#define KIVTOOLKIT_ENTRY __declspec(dllexport)
+#else
+#define KIVTOOLKIT_ENTRY __attribute__((visibility("default")))
+#endif
+
 namespace kivtoolkit {
 
 namespace {
@@ -30,14 +36,14 @@ public:
         const GuestGuard guard;
         auto window = std::make_unique<DialogWindow>(session, parent);
         running = window.get();
-        SetConnectionLostHandler([] {
+        SetEndingHandler([] {
             if (running != nullptr) {
                 running->CancelSoon();
             }
         });
         const kivmetadataui::DialogResult result = window->RunModal();
         running = nullptr;
-        SetConnectionLostHandler(nullptr);
+        SetEndingHandler(nullptr);
         if (IsConnectionLost()) {
             // The toolkit would wait for answers that never come.
             window.release()->Abandon();
@@ -73,8 +79,7 @@ private:
 
 }  // namespace kivtoolkit
 
-extern "C" __attribute__((visibility("default"))) kivmetadataui::ToolkitModule* KivToolkitOpen(
-    std::uint32_t version)
+extern "C" KIVTOOLKIT_ENTRY kivmetadataui::ToolkitModule* KivToolkitOpen(std::uint32_t version)
 {
     static auto& module = *new kivtoolkit::Module;
     return version == kivmetadataui::kToolkitVersion ? &module : nullptr;

@@ -1,5 +1,5 @@
-// What text needs of the system behind the toolkit: its measures, the look of native text fields,
-// and whether an input method is at work in one.
+// What text needs of the system behind the toolkit: its font and measures, native text fields and
+// their look, and whether an input method is at work in one.
 
 #pragma once
 
@@ -14,6 +14,10 @@
 #include <kivui/Painter.h>
 
 namespace kivtoolkit {
+
+/// The system's interface font in a weight, at its own size; where the application's language has a
+/// font of its own, that one.
+wxFont InterfaceFont(kivui::ui::FontWeight weight);
 
 /// Pixels of the toolkit's own coordinates in one point of a font size.
 double PixelsPerPoint();
@@ -38,14 +42,30 @@ inline constexpr int kAllLines = std::numeric_limits<int>::max();
 /// another font has to lend may be higher than the others.
 int NativeTextHeight(const wxFont& font, kivcore::UStringView text, int width, int mostLines);
 
+enum class TextShape {
+    kLine,           ///< Enter commits
+    kLines,          ///< Enter begins a new line
+    kReadOnlyLines,  ///< to select and copy
+};
+
+/// A native text field without text, frame or scroll bars, owned by `parent`. The functions below
+/// take none but these.
+wxTextCtrl* NewNativeText(wxWindow& parent, TextShape shape, bool mirrored);
+
+/// The part of `rect` that `text` has to fill so that its text stands in the middle of the height
+/// where it has one line, and at the top where it has several.
+wxRect NativeTextRect(const wxTextCtrl& text, const wxRect& rect);
+
 struct NativeTextStyle {
-    kivui::ui::TextStyle font;  ///< size, weight and colour
+    kivui::ui::TextStyle font;    ///< size, weight and colour
+    kivui::ui::ColorRGBA ground;  ///< what the field stands on
     kivui::ui::ColorRGBA selection;
     kivui::ui::ColorRGBA selectionText;
 };
 
-/// Takes frame, ground, padding and the system's colours off a text field: what lies under it
-/// shows.
+/// Takes frame, ground, padding and the system's colours off a text field: what its parent draws
+/// under it shows, at least while the field is empty. The system may keep its own colours of a
+/// selection.
 void StyleNativeText(wxTextCtrl& text, const NativeTextStyle& style);
 
 /// True while an input method composes in `text`: keys belong to it then.

@@ -5,6 +5,7 @@
 #include <gtk/gtk.h>
 
 #include <wx/fontutil.h>
+#include <wx/settings.h>
 
 #include <kivcore/StringConversion.h>
 
@@ -24,6 +25,32 @@ namespace {
 constexpr double kPointsPerInch = 72;
 constexpr double kUsualResolution = 96;
 constexpr const char* kComposingKey = "kivtoolkit-composing";
+
+int NumericWeight(kivui::ui::FontWeight weight)
+{
+    switch (weight) {
+        case kivui::ui::FontWeight::kMedium:
+            return wxFONTWEIGHT_MEDIUM;
+        case kivui::ui::FontWeight::kSemibold:
+            return wxFONTWEIGHT_SEMIBOLD;
+        case kivui::ui::FontWeight::kNormal:
+            break;
+    }
+    return wxFONTWEIGHT_NORMAL;
+}
+
+long StyleOf(TextShape shape)
+{
+    switch (shape) {
+        case TextShape::kLines:
+            return wxBORDER_NONE | wxTE_MULTILINE;
+        case TextShape::kReadOnlyLines:
+            return wxBORDER_NONE | wxTE_MULTILINE | wxTE_READONLY | wxTE_NO_VSCROLL;
+        case TextShape::kLine:
+            break;
+    }
+    return wxBORDER_NONE | wxTE_PROCESS_ENTER;
+}
 
 double Resolution()
 {
@@ -131,6 +158,14 @@ void DeleteWatcher(gpointer data, GClosure*)
 
 }  // namespace
 
+wxFont InterfaceFont(kivui::ui::FontWeight weight)
+{
+    wxFont font = wxSystemSettings::GetFont(wxSYS_DEFAULT_GUI_FONT);
+    font.SetStyle(wxFONTSTYLE_NORMAL);
+    font.SetNumericWeight(NumericWeight(weight));
+    return font;
+}
+
 double PixelsPerPoint()
 {
     return Resolution() / kPointsPerInch;
@@ -204,6 +239,21 @@ int NativeTextHeight(const wxFont& font, kivcore::UStringView text, int width, i
         height += line.height;
     }
     return height;
+}
+
+wxTextCtrl* NewNativeText(wxWindow& parent, TextShape shape, bool mirrored)
+{
+    auto* text = new wxTextCtrl(&parent, wxID_ANY, wxString(), wxDefaultPosition, wxSize(10, 10),
+                                StyleOf(shape));
+    if (mirrored) {
+        text->SetLayoutDirection(wxLayout_RightToLeft);
+    }
+    return text;
+}
+
+wxRect NativeTextRect(const wxTextCtrl&, const wxRect& rect)
+{
+    return rect;  // the system's fields do it themselves
 }
 
 void StyleNativeText(wxTextCtrl& text, const NativeTextStyle& style)

@@ -161,13 +161,12 @@ void Page::PlaceItems()
 
 void Page::Draw(const ui::Drawing& drawing)
 {
-    const wxRect update = GetUpdateRegion().GetBox();
     for (const PageSlot& slot : slots_) {
         // Focus rings, dots and buttons reach a little out of a piece's own area.
         wxRect area = slot.place;
         area.y -= offset_;
         area.Inflate(GetClientSize().x, look_.Px(8));
-        if (area.Intersects(update)) {
+        if (area.Intersects(look_.DrawnPart())) {
             slot.item->Draw(drawing);
         }
     }

@@ -1,6 +1,7 @@
 #include "framework/kivtoolkit/src/PopupList.h"
 
 #include "framework/kivtoolkit/src/Accessible.h"
+#include "framework/kivtoolkit/src/SystemWindow.h"
 #include "framework/kivtoolkit/src/Texts.h"
 
 #include <algorithm>
@@ -81,7 +82,7 @@ void PopupList::PlaceAt(const wxRect& anchor)
     x = std::clamp(x, gap, std::max(gap, room.x - width - gap));
     const int y = isBelow ? anchor.y + anchor.height + gap : anchor.y - gap - height;
     SetSize(x, y, width, height);
-    Raise();
+    LayOverSiblings(*this);
     if (current_) {
         ShowItem(*current_);
     }

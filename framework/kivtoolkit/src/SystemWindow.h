@@ -6,6 +6,7 @@
 #include "framework/kivtoolkit/src/Look.h"
 
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -21,11 +22,40 @@ namespace kivtoolkit {
 /// The order of the buttons: true where OK stands behind Cancel.
 bool ConfirmingButtonStandsLast();
 
+/// The toolkit's style bits of a dialog that can be resized.
+long DialogStyle();
+/// Gives a window of that style, new and not shown yet, what the toolkit has no bits for.
+/// `isDark` says on which side the theme is.
+void DressDialog(wxTopLevelWindow& window, bool isDark);
+
+/// Puts `window` over those in the same parent, which it may overlap.
+void LayOverSiblings(wxWindow& window);
+
 /// Makes `window`, which is not shown yet, stay above the host's window. False if there is no such
 /// window, or none can be on this kind of display.
 bool AttachToHost(wxTopLevelWindow& window, HWND host);
 /// The host's window on the screen; none where there is no such window.
 std::optional<wxRect> RectOfHost(HWND host);
+
+/// While it lives the window that AttachToHost found below the dialog takes no input, where the
+/// system expects that of a modal dialog.
+class HostHold {
+public:
+    /// `lost` runs, and must not throw, when the system destroys `window` together with the host's.
+    HostHold(wxTopLevelWindow& window, std::function<void()> lost);
+    HostHold(const HostHold&) = delete;
+    HostHold& operator=(const HostHold&) = delete;
+    /// Gives the focus back to where it was; the dialog is hidden by now.
+    ~HostHold();
+
+    /// To be called right before the dialog is hidden: the host's window takes input again, else
+    /// the system would bring another program to the front.
+    void Release() noexcept;
+
+private:
+    struct State;
+    std::unique_ptr<State> state_;
+};
 
 /// Takes what stays the toolkit's own (menus of text fields, tooltips) to the theme's side of light
 /// and dark, where no one else's windows would change with it. Back on destruction.

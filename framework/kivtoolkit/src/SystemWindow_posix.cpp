@@ -7,6 +7,8 @@
 #include <gdk/gdkx.h>
 #include <gtk/gtk.h>
 
+#include <wx/dialog.h>
+
 #include <X11/Xlib.h>
 
 #include <kivcore/StringConversion.h>
@@ -276,6 +278,19 @@ bool ConfirmingButtonStandsLast()
     return true;
 }
 
+long DialogStyle()
+{
+    return wxCAPTION | wxSYSTEM_MENU | wxCLOSE_BOX | wxRESIZE_BORDER | wxMAXIMIZE_BOX |
+           wxDIALOG_NO_PARENT;
+}
+
+void DressDialog(wxTopLevelWindow&, bool) {}
+
+void LayOverSiblings(wxWindow& window)
+{
+    window.Raise();
+}
+
 bool AttachToHost(wxTopLevelWindow& window, HWND host)
 {
     GdkDisplay* display = X11Display();
@@ -311,6 +326,15 @@ std::optional<wxRect> RectOfHost(HWND host)
     const int scale = gdk_monitor_get_scale_factor(gdk_display_get_monitor(display, 0));
     return wxRect(x / scale, y / scale, attributes.width / scale, attributes.height / scale);
 }
+
+// The window manager keeps the host's window below; whether it takes input is the host's affair.
+struct HostHold::State {};
+
+HostHold::HostHold(wxTopLevelWindow&, std::function<void()>) {}
+
+HostHold::~HostHold() = default;
+
+void HostHold::Release() noexcept {}
 
 DarkSide::DarkSide(bool isDark)
 {

@@ -1,7 +1,6 @@
 #include "framework/kivtoolkit/src/TextEntry.h"
 
 #include "framework/kivtoolkit/src/Accessible.h"
-#include "framework/kivtoolkit/src/NativeText.h"
 #include "framework/kivtoolkit/src/Texts.h"
 
 #include <wx/app.h>
@@ -11,38 +10,19 @@ namespace kivtoolkit {
 
 namespace ui = kivui::ui;
 
-namespace {
-
-long StyleOf(TextShape shape)
-{
-    switch (shape) {
-        case TextShape::kLines:
-            return wxBORDER_NONE | wxTE_MULTILINE;
-        case TextShape::kReadOnlyLines:
-            return wxBORDER_NONE | wxTE_MULTILINE | wxTE_READONLY | wxTE_NO_VSCROLL;
-        case TextShape::kLine:
-            break;
-    }
-    return wxBORDER_NONE | wxTE_PROCESS_ENTER;
-}
-
-}  // namespace
-
 TextEntry::TextEntry(Look& look, wxWindow& parent, TextShape shape, Actions actions)
     : look_(look),
       core_(std::make_shared<Core>()),
-      control_(new wxTextCtrl(&parent, wxID_ANY, wxString(), wxDefaultPosition, wxSize(10, 10),
-                              StyleOf(shape)))
+      control_(NewNativeText(parent, shape, look.IsMirrored()))
 {
     core_->shape = shape;
     core_->actions = std::move(actions);
     core_->control = control_;
-    StyleNativeText(*control_,
-                    {ui::StyleOfText(look.Measuring(), ui::TextRole::kBody),
-                     look.Theme().Color(ui::kSelection), look.Theme().Color(ui::kSelectionText)});
-    if (look.IsMirrored()) {
-        control_->SetLayoutDirection(wxLayout_RightToLeft);
-    }
+    const ui::ThemeColor ground =
+        shape == TextShape::kReadOnlyLines ? ui::kGround : ui::kFieldGround;
+    StyleNativeText(*control_, {ui::StyleOfText(look.Measuring(), ui::TextRole::kBody),
+                                look.Theme().Color(ground), look.Theme().Color(ui::kSelection),
+                                look.Theme().Color(ui::kSelectionText)});
     BindAll();
 }
 
@@ -115,8 +95,9 @@ void TextEntry::BindAll()
 
 void TextEntry::Place(const wxRect& rect)
 {
-    if (control_->GetRect() != rect) {
-        control_->SetSize(rect);
+    const wxRect place = NativeTextRect(*control_, rect);
+    if (control_->GetRect() != place) {
+        control_->SetSize(place);
     }
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include "framework/kivtoolkit/src/Look.h"
+#include "framework/kivtoolkit/src/NativeText.h"
 
 #include <functional>
 #include <memory>
@@ -13,12 +14,6 @@
 #include <kivcore/UString.h>
 
 namespace kivtoolkit {
-
-enum class TextShape {
-    kLine,           ///< Enter commits
-    kLines,          ///< Enter begins a new line
-    kReadOnlyLines,  ///< to select and copy
-};
 
 class TextEntry {
 public:

@@ -7,7 +7,6 @@
 #include <wx/brush.h>
 #include <wx/image.h>
 #include <wx/pen.h>
-#include <wx/settings.h>
 
 #include <algorithm>
 #include <cmath>
@@ -26,19 +25,6 @@ std::map<FontKey, wxFont>& Fonts()
 {
     static auto& fonts = *new std::map<FontKey, wxFont>;
     return fonts;
-}
-
-int NumericWeight(ui::FontWeight weight)
-{
-    switch (weight) {
-        case ui::FontWeight::kMedium:
-            return wxFONTWEIGHT_MEDIUM;
-        case ui::FontWeight::kSemibold:
-            return wxFONTWEIGHT_SEMIBOLD;
-        case ui::FontWeight::kNormal:
-            break;
-    }
-    return wxFONTWEIGHT_NORMAL;
 }
 
 wxGraphicsPath RoundedPath(wxGraphicsContext& context, const ui::Rect& rect, double radius)
@@ -79,9 +65,7 @@ const wxFont& FontFor(const ui::TextStyle& style)
     if (found != Fonts().end()) {
         return found->second;
     }
-    wxFont font = wxSystemSettings::GetFont(wxSYS_DEFAULT_GUI_FONT);
-    font.SetStyle(wxFONTSTYLE_NORMAL);
-    font.SetNumericWeight(NumericWeight(style.weight));
+    wxFont font = InterfaceFont(style.weight);
     font.SetFractionalPointSize(style.sizePixels / PixelsPerPoint());
     return Fonts().emplace(key, font).first->second;
 }
