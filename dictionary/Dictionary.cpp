@@ -1,6 +1,8 @@
 #include "dictionary/Dictionary.h"
 
+#include "dictionary/DictionaryLine.h"
 #include "dictionary/DictionaryReader.h"
+#include "dictionary/ImageSource.h"
 #include "dictionary/KeyHash.h"
 
 #include <algorithm>
@@ -17,8 +19,8 @@ using morvish_private::FastArray;
 
 namespace {
 
-constexpr std::int8_t kImageMajor = 2;
-constexpr std::int8_t kImageMinor = 7;
+// A block of at most this size is no image, whatever it begins with.
+constexpr std::size_t kSmallestImageBytes = 24;
 
 // The file's byte-order mark, alone on its line.
 constexpr std::u16string_view kMarkLine = u"\uFEFF";
@@ -46,16 +48,6 @@ bool Split(const char* key, SplitKey& result)
     result.defaultText =
         equals == std::string_view::npos ? std::string_view() : text.substr(equals + 1);
     return true;
-}
-
-// Finds the next quote at or after `from` that does not follow a backslash. Only one unit back is
-// looked at: a quote behind two backslashes counts as escaped too.
-std::size_t FindQuote(std::u16string_view line, std::size_t from)
-{
-    std::size_t quote = line.find(u'"', from);
-    while (quote != std::u16string_view::npos && quote > 0 && line[quote - 1] == u'\\')
-        quote = line.find(u'"', quote + 1);
-    return quote;
 }
 
 bool Answer(const ByteRunValue* value, const char16_t*& units, std::size_t& lengthUnits)
@@ -136,7 +128,8 @@ void Dictionary::LoadFromStream(std::istream* stream)
     // Back to the very start: a reader of UTF-16 meets its byte-order mark as the first unit.
     stream->seekg(0);
     if (!reader->ReadsUtf16() && std::string_view(start.data(), startBytes) == kImageMagic) {
-        valid_ = false;
+        morvish_private::StreamImageSource source(*stream);
+        LoadImage(source, HeaderTextAtEnd::kRead);
         return;
     }
     while (reader->ReadLine() != nullptr) {
@@ -154,7 +147,12 @@ void Dictionary::LoadFromMemory(const void* block, std::size_t sizeBytes)
     }
     const char* const start = static_cast<const char*>(block);
     if (std::string_view(start, sizeBytes).starts_with(kImageMagic)) {
-        valid_ = false;
+        if (sizeBytes <= kSmallestImageBytes) {
+            valid_ = false;
+            return;
+        }
+        morvish_private::MemoryImageSource source(start, sizeBytes);
+        LoadImage(source, HeaderTextAtEnd::kSkip);
         return;
     }
     const std::unique_ptr<DictionaryReader> reader =
@@ -178,30 +176,13 @@ void Dictionary::ParseLine(const char16_t* line)
 
 void Dictionary::ParseLine(std::u16string_view line)
 {
-    std::u16string_view content = line;
-    const std::size_t open = FindQuote(line, 0);
-    if (open != std::u16string_view::npos) {
-        const std::size_t close = FindQuote(line, open + 1);
-        content =
-            line.substr(open + 1, close == std::u16string_view::npos ? close : close - open - 1);
+    const morvish_private::LineParts parts = morvish_private::SplitLine(line);
+    if (!parts.valid) {
+        valid_ = false;
+        return;
     }
-    if (content.starts_with(u'$')) {
-        if (!content.starts_with(u"$$$")) {
-            valid_ = false;
-            return;
-        }
-        content.remove_prefix(3);
-    }
-    const std::size_t equals = content.find(u'=');
-    const std::u16string_view key = content.substr(0, equals);
-    const std::u16string_view value =
-        equals == std::u16string_view::npos ? std::u16string_view() : content.substr(equals + 1);
-
-    // Only the low byte of each unit counts, unchecked: keys are meant to be ASCII.
-    keyBuffer_.resize(key.size());
-    std::transform(key.begin(), key.end(), keyBuffer_.begin(),
-                   [](char16_t unit) { return static_cast<char>(unit & 0xFF); });
-    Store(keyBuffer_, value);
+    morvish_private::NarrowKey(parts.key, keyBuffer_);
+    Store(keyBuffer_, parts.value);
 }
 
 void Dictionary::Store(std::string_view key, std::u16string_view rawValue)
@@ -341,8 +322,13 @@ bool Dictionary::RawLookupIndex(std::uint32_t index, const char16_t*& units,
 void Dictionary::VisitEntries(EntryVisitor& visitor) const
 {
     if (IsBinary()) {
-        for (std::uint32_t index = 0; index < binaryStore_->Count(); ++index)
-            visitor.Visit(binaryStore_->Key(index), binaryStore_->RawValue(index).View());
+        for (std::uint32_t index = 0; index < binaryStore_->Count(); ++index) {
+            const std::u16string_view value = binaryStore_->RawValue(index).View();
+            if (binaryStore_->HasKey(index))
+                visitor.Visit(binaryStore_->Key(index), value);
+            else
+                visitor.VisitBare(index, value);
+        }
         return;
     }
     for (std::uint32_t bucket = 0; bucket < morvish_private::kBucketCount; ++bucket) {

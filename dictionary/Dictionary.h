@@ -8,6 +8,7 @@
 #pragma once
 
 #include "dictionary/BucketChains.h"
+#include "dictionary/ByteOrder.h"
 #include "dictionary/DictionaryEntry.h"
 #include "dictionary/DictionaryString.h"
 #include "dictionary/FastArray.h"
@@ -20,8 +21,17 @@
 #include <cstdint>
 #include <istream>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
+
+namespace morvish_private {
+
+class ImageSource;
+struct WrittenEntry;
+
+}  // namespace morvish_private
 
 namespace morvish {
 
@@ -46,12 +56,14 @@ public:
     /// A fallback dictionary stops being one.
     ~Dictionary();
 
-    /// Adds what `stream` holds from its offset 0 on; it must be able to seek. Null clears the
-    /// valid flag, and so does a binary image, of which nothing is loaded.
+    /// Adds what `stream` holds from its offset 0 on; it must be able to seek. A binary image puts
+    /// the binary store in force: entries of text that was loaded before are no longer found. Null
+    /// and a broken image clear the valid flag; what was there before stays. An image of another
+    /// major version than 2 is passed over.
     void LoadFromStream(std::istream* stream);
 
-    /// Adds what the block holds. Null, fewer than two bytes and a binary image clear the valid
-    /// flag and add nothing.
+    /// Adds what the block holds. Null, fewer than two bytes, and an image of at most 24 bytes
+    /// clear the valid flag and add nothing.
     void LoadFromMemory(const void* block, std::size_t sizeBytes);
 
     /// Adds the entry of one line that ends in NUL. A later entry of the same key replaces the
@@ -95,11 +107,31 @@ public:
     /// The header text of a loaded image, null if there is none.
     const char* HeaderText() const { return headerText_.get(); }
 
+    /// The store flag of the image loaded last, 0 without one.
+    std::uint8_t StoreFlag() const { return binaryStore_->StoreFlag(); }
+
+    /// Writes the store in force, with version 2.7: as a binary image for mode 0 and 3, as text
+    /// export for any other. The export is for looking at: UTF-16 without line ends, which cannot
+    /// be read back. Without a loaded header text the image's is "en_US".
+    ///
+    /// Throws std::length_error, with nothing written, if a text is too long for an image, and for
+    /// a store that mixes entries with and without keys. An exception of the stream is reported on
+    /// the standard error stream and ends the writing.
+    /// @return the number of bytes that the stream took; its state tells whether these are all
+    std::uint64_t Serialize(std::ostream& out, std::int32_t mode, bool storeFlag,
+                            morvish_private::ByteOrder order) const;
+
+    /// The same, an image or an export, always little-endian.
+    std::uint64_t SerializeLittleEndian(std::ostream& out, bool asImage, bool storeFlag) const;
+
     /// Receives entries one by one; the views are valid during the call.
     class EntryVisitor {
     public:
         virtual ~EntryVisitor() = default;
         virtual void Visit(std::string_view key, std::u16string_view value) = 0;
+
+        /// An entry without a key, which only its number finds. Left out unless overridden.
+        virtual void VisitBare(std::uint32_t /*index*/, std::u16string_view /*value*/) {}
     };
 
     /// Shows all entries of the store in force: of a text dictionary bucket by bucket and the
@@ -109,8 +141,9 @@ public:
     /// How far searches in the text store go.
     morvish_private::SearchCost TextSearchCost() const { return index_.Cost(); }
 
-    /// What the text store takes, keys and values included.
+    /// What each store takes, keys and values included.
     std::size_t TextStoreBytes() const;
+    std::size_t BinaryStoreBytes() const { return binaryStore_->ReservedBytes(); }
 
     /// The dictionary that answers where another one lacks a key; null for none. Not owned. It is
     /// unset when it is destroyed.
@@ -119,6 +152,19 @@ public:
 
 private:
     using TextIndex = morvish_private::FlatIndex<morvish_private::DictionaryEntry*, nullptr>;
+
+    // Whether a header text is looked for where nothing follows its length.
+    enum class HeaderTextAtEnd { kRead, kSkip };
+
+    static constexpr std::int8_t kImageMajor = 2;
+    static constexpr std::int8_t kImageMinor = 7;
+
+    void LoadImage(morvish_private::ImageSource& source, HeaderTextAtEnd atEnd);
+    bool ReadHeaderText(morvish_private::ImageSource& source, std::uint32_t lengthBytes);
+    std::vector<morvish_private::WrittenEntry> WrittenEntries() const;
+    std::uint64_t WriteImage(std::ostream& out, bool storeFlag,
+                             morvish_private::ByteOrder order) const;
+    std::uint64_t WriteTextExport(std::ostream& out, morvish_private::ByteOrder order) const;
 
     bool IsBinary() const { return majorVersion_ >= 2; }
     const Dictionary* OtherFallback() const;

@@ -10,7 +10,7 @@ namespace morvish_private {
 namespace {
 
 constexpr char16_t kNoUnits[] = u"";
-constexpr ByteRunValue kEmptyValue = {0, kNoUnits};
+constexpr ByteRunValue kEmptyValue = {0, 0, kNoUnits};
 
 constexpr std::size_t kMaxLengthUnits =
     std::numeric_limits<std::uint32_t>::max() / sizeof(char16_t);
@@ -28,7 +28,7 @@ ByteRunValue PlaceUnits(void* memory, std::u16string_view text)
 {
     auto* const units = static_cast<char16_t*>(memory);
     *std::copy(text.begin(), text.end(), units) = 0;
-    return {static_cast<std::uint32_t>(text.size() * sizeof(char16_t)), units};
+    return {static_cast<std::uint32_t>(text.size() * sizeof(char16_t)), 0, units};
 }
 
 }  // namespace morvish_private

@@ -14,7 +14,8 @@ namespace morvish_private {
 /// The units of a value and their length. Both lie in a block that whoever points here shares.
 struct ByteRunValue {
     std::uint32_t lengthBytes;
-    const char16_t* units;  // a NUL stands behind the last one
+    std::uint32_t keyLengthBytes;  // of the key beside it, in a binary store; 0 elsewhere
+    const char16_t* units;
 
     std::size_t LengthUnits() const { return lengthBytes / sizeof(char16_t); }
     std::u16string_view View() const { return {units, LengthUnits()}; }
@@ -50,7 +51,7 @@ public:
     /// Refers to the one empty value of the process from now on.
     void Clear();
 
-    /// Never null, and a NUL stands behind the last unit.
+    /// Never null. No NUL need stand behind the last unit.
     const char16_t* Units() const { return value_->units; }
     std::size_t LengthUnits() const { return value_->LengthUnits(); }
     std::u16string_view View() const { return value_->View(); }

@@ -19,8 +19,16 @@ struct SearchCost {
     std::size_t total = 0;  // over all entries
 };
 
+/// How full an index becomes before it grows, by how much it grows, and how full it is with as
+/// many entries as were announced.
+struct HalfFull {
+    static constexpr std::size_t kFillPercent = 50;
+    static constexpr std::size_t kGrowthPercent = 150;
+    static constexpr std::size_t kReservedFillPercent = 40;
+};
+
 /// Payload is small and trivially copied; `kNone` is a value that is never stored.
-template <typename Payload, Payload kNone>
+template <typename Payload, Payload kNone, typename Density = HalfFull>
 class FlatIndex {
 public:
     class Slot {
@@ -63,8 +71,16 @@ public:
     /// Makes room for one more entry, so that the next Insert() does not allocate.
     void ReserveOne()
     {
-        if (count_ + 1 > slots_.size() / 2)
-            Grow();
+        if ((count_ + 1) * 100 > slots_.size() * Density::kFillPercent)
+            Resize(slots_.empty() ? kFirstSlots : slots_.size() * Density::kGrowthPercent / 100);
+    }
+
+    /// Makes room for `more` entries at once.
+    void Reserve(std::size_t more)
+    {
+        const std::size_t wanted = (count_ + more) * 100 / Density::kReservedFillPercent;
+        if (wanted > slots_.size())
+            Resize(std::max(wanted, kFirstSlots));
     }
 
     /// Adds an entry that Find() did not find.
@@ -122,9 +138,9 @@ private:
         return at;
     }
 
-    void Grow()
+    void Resize(std::size_t slotCount)
     {
-        std::vector<Slot> grown(slots_.empty() ? kFirstSlots : slots_.size() / 2 * 3);
+        std::vector<Slot> grown(slotCount);
         for (const Slot& slot : slots_) {
             if (slot.IsUsed())
                 grown[FreeSlot(grown, slot.hash_)] = slot;

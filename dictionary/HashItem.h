@@ -2,13 +2,13 @@
 
 #pragma once
 
+#include "dictionary/ByteOrder.h"
+
 #include <cstdint>
 #include <ostream>
 #include <string_view>
 
 namespace morvish_private {
-
-enum class ByteOrder { kLittle, kBig };
 
 /// A node of a bucket chain. The order of the virtual functions is fixed.
 class HashItem {

@@ -27,19 +27,20 @@ static_assert(alignof(Word) >= alignof(void*));
 
 }  // namespace
 
-TextArena::Run TextArena::Allocate(std::size_t sizeBytes)
+TextArena::Run TextArena::Allocate(std::size_t sizeBytes, std::size_t alignment)
 {
-    if (sizeBytes > SIZE_MAX - sizeof(Word))
-        throw std::bad_alloc();
-    const std::size_t wordCount = (sizeBytes + sizeof(Word) - 1) / sizeof(Word);
-    const std::size_t wantedBytes = wordCount * sizeof(Word);
-    if (wantedBytes <= freeBytes_) {
-        std::byte* const start = free_;
-        free_ += wantedBytes;
-        freeBytes_ -= wantedBytes;
+    const std::size_t gap = (alignment - offset_ % alignment) % alignment;
+    if (gap <= freeBytes_ && sizeBytes <= freeBytes_ - gap) {
+        std::byte* const start = free_ + gap;
+        free_ = start + sizeBytes;
+        freeBytes_ -= gap + sizeBytes;
+        offset_ += gap + sizeBytes;
         return {start, &blocks_[current_]};
     }
+    if (sizeBytes > SIZE_MAX - sizeof(Word))
+        throw std::bad_alloc();
 
+    const std::size_t wantedBytes = (sizeBytes + sizeof(Word) - 1) / sizeof(Word) * sizeof(Word);
     const std::size_t nextBytes =
         std::clamp(reservedBytes_ / kGrowthDivisor / sizeof(Word) * sizeof(Word),
                    kSmallestBlockBytes, kLargestBlockBytes);
@@ -51,8 +52,9 @@ TextArena::Run TextArena::Allocate(std::size_t sizeBytes)
     reservedBytes_ += blockBytes;
     if (!alone) {
         current_ = blocks_.size() - 1;
-        free_ = start + wantedBytes;
-        freeBytes_ = blockBytes - wantedBytes;
+        free_ = start + sizeBytes;
+        freeBytes_ = blockBytes - sizeBytes;
+        offset_ = sizeBytes;
     }
     return {start, &blocks_.back()};
 }
@@ -63,6 +65,7 @@ void TextArena::Clear()
     current_ = 0;
     free_ = nullptr;
     freeBytes_ = 0;
+    offset_ = 0;
     reservedBytes_ = 0;
 }
 

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <vector>
 
@@ -16,11 +17,12 @@ public:
     TextArena& operator=(const TextArena&) = delete;
 
     struct Run {
-        std::byte* start;                    // aligned for pointers and 64-bit numbers
+        std::byte* start;                    // aligned as asked for
         const std::shared_ptr<void>* block;  // keeps `start` alive; valid until the next call
     };
 
-    Run Allocate(std::size_t sizeBytes);
+    /// @param alignment  a power of two, at most that of pointers and 64-bit numbers
+    Run Allocate(std::size_t sizeBytes, std::size_t alignment = alignof(std::uint64_t));
 
     /// Lets go of all blocks.
     void Clear();
@@ -33,6 +35,7 @@ private:
     std::size_t current_ = 0;  // the index of the block that runs are cut from
     std::byte* free_ = nullptr;
     std::size_t freeBytes_ = 0;
+    std::size_t offset_ = 0;  // of free_ in its block, whose start is aligned for everything
     std::size_t reservedBytes_ = 0;
 };
 

@@ -20,6 +20,8 @@ LAYERS = {
     "include": (),
     "dictionary": (),
     "localizer": ("dictionary", "kivcore"),
+    "svgloom/src": ("kivcore", "svgloom/renderer/Records.h", "svgloom/renderer/SVGRenderer.h"),
+    "svgloom/renderer": ("kivcore",),
     "api": ("include", "localizer", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui"),
     "framework/kivcore": (),
     "framework/kivui": ("kivcore",),
@@ -52,6 +54,7 @@ FOREIGN = {
     r"(wx|gtk|gdk|gio|glib)/.+|(cairo|glib)\.h": ("framework/kivtoolkit",),
     r"X11/.+": ("framework/kivtoolkit", "*tests"),
     r"boost/(function\.hpp|smart_ptr/intrusive_ptr\.hpp|shared_ptr\.hpp)": ("framework", "api"),
+    r"boost/property_tree/detail/rapidxml\.hpp": ("svgloom/src",),
     r"(gtest|gmock)/.+": ("*tests",),
     r"benchmark/.+": ("bench",),
 }
@@ -91,7 +94,7 @@ def lines_of(top):
 
 def is_in(path, places):
     path = path.as_posix()
-    return any("/tests/" in "/" + path if place == "*tests" else path.startswith(place + "/")
+    return any("/tests/" in "/" + path if place == "*tests" else (path + "/").startswith(place + "/")
                for place in places)
 
 

@@ -7,6 +7,7 @@
 #include <cstring>
 #include <memory>
 #include <new>
+#include <sstream>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -111,6 +112,60 @@ TEST(Allocations, MemoryPerEntry)
                 << static_cast<double>(taken) / static_cast<double>(count);
         }
     }
+}
+
+// A binary store, filled line by line and from an image.
+TEST(Allocations, MemoryPerEntryOfABinaryStore)
+{
+    for (const std::size_t valueLength : {0u, 25u, 201u}) {
+        for (const std::size_t count : {1000u, 3000u, 16000u, 30000u}) {
+            SCOPED_TRACE(testing::Message() << count << " values of " << valueLength);
+            std::size_t keyAndValueBytes = 0;
+            std::size_t before = liveBytes;
+            const auto inserted = std::make_unique<Dictionary>(Dictionary::Format::kBinary);
+            const std::size_t emptyBytes = liveBytes - before;
+            for (std::size_t i = 0; i < count; ++i) {
+                const std::string key = "/Menu/Item/" + std::to_string(i);
+                std::u16string line = std::u16string(key.begin(), key.end()) + u'=';
+                line.append(valueLength, static_cast<char16_t>(u'A' + i % 26));
+                line += std::u16string(key.begin(), key.end());  // no two values are equal
+                inserted->ParseLine(line.c_str());
+                keyAndValueBytes += key.size() + 2 * (valueLength + key.size());
+            }
+            std::size_t taken = liveBytes - before - emptyBytes - keyAndValueBytes;
+            // The ends of the arena's blocks are left over too.
+            EXPECT_LE(taken, 40 * count + keyAndValueBytes / 16)
+                << "inserted: " << static_cast<double>(taken) / static_cast<double>(count);
+
+            std::ostringstream image;
+            inserted->Serialize(image, 0, false, morvish_private::ByteOrder::kLittle);
+            const std::string bytes = image.str();
+            before = liveBytes;
+            const auto loaded = std::make_unique<Dictionary>();
+            loaded->LoadFromMemory(bytes.data(), bytes.size());
+            ASSERT_EQ(loaded->EntryCount(), count);
+            taken = liveBytes - before - emptyBytes - keyAndValueBytes;
+            EXPECT_LE(taken, 40 * count)
+                << "loaded: " << static_cast<double>(taken) / static_cast<double>(count);
+        }
+    }
+}
+
+TEST(Allocations, AnImageTakesAFewForManyEntries)
+{
+    Dictionary text;
+    for (int i = 0; i < 10000; ++i) {
+        const std::string line = "/Menu/Item/" + std::to_string(i) + "=text";
+        text.ParseLine(std::u16string(line.begin(), line.end()).c_str());
+    }
+    std::ostringstream image;
+    text.Serialize(image, 0, false, morvish_private::ByteOrder::kBig);
+    const std::string bytes = image.str();
+    const std::size_t before = allocations;
+    Dictionary loaded;
+    loaded.LoadFromMemory(bytes.data(), bytes.size());
+    EXPECT_EQ(loaded.EntryCount(), 10000u);
+    EXPECT_LT(allocations - before, 30u);
 }
 
 }  // namespace

@@ -214,7 +214,7 @@ TEST(Dictionary, BrokenUtf8EndsTheLoadSilently)
     }
 }
 
-TEST(Dictionary, BinaryImageLoadsNothing)
+TEST(Dictionary, ImageWithoutAStoreLoadsNothing)
 {
     const std::string image = "Pemtext Binary Format\x02\x07\x01\n$$$/A=1\n";
     for (const std::string& bytes : {image, image.substr(0, 21)}) {

@@ -1,13 +1,5 @@
-// Whether a debugger watches the process, and stopping in it.
+// What the sources of each system implement.
 
 #pragma once
 
-namespace kivcore::debug {
-
-/// True if a program that is known to catch a stop is attached.
-bool IsDebuggerAttached() noexcept;
-
-/// Stops in the debugger. Only where IsDebuggerAttached(): it would end the process elsewhere.
-void StopInDebugger() noexcept;
-
-}  // namespace kivcore::debug
+#include <kivcore/Debugger.h>

@@ -255,22 +255,45 @@ void SetAssertHandler(AssertHandler handler)
     ChangeState([&shared](State& state) { state.assertHandler = shared; });
 }
 
+namespace {
+
+/// True if a handler took the failure, false if it was traced.
+bool HandOverFailure(const char* file, int line, const char* text)
+{
+    const std::shared_ptr<const State> state = CurrentState();
+    if (state->assertHandler != nullptr) {
+        (*state->assertHandler)(file, line, text);
+        return true;
+    }
+    Trace(0, "kivcore",
+          std::string(file != nullptr ? file : "") + ":" + std::to_string(line) +
+              ": assertion failed: " + (text != nullptr ? text : ""));
+    return false;
+}
+
+}  // namespace
+
 void AssertionFailed(const char* file, int line, const char* text) noexcept
 {
     try {
-        const std::shared_ptr<const State> state = CurrentState();
-        if (state->assertHandler != nullptr) {
-            (*state->assertHandler)(file, line, text);
-            return;
-        }
-        Trace(0, "kivcore",
-              std::string(file != nullptr ? file : "") + ":" + std::to_string(line) +
-                  ": assertion failed: " + (text != nullptr ? text : ""));
-        if (IsDebuggerAttached()) {
+        if (!HandOverFailure(file, line, text) && IsDebuggerAttached()) {
             StopInDebugger();
         }
     } catch (...) {
         return;
+    }
+}
+
+bool DoSimpleAssert(const char* file, int line, const char* function, const char* condition,
+                    const char* message) noexcept
+{
+    try {
+        std::string text = function != nullptr ? function : "";
+        text.append(": ").append(condition != nullptr ? condition : "");
+        text.append(": ").append(message != nullptr ? message : "");
+        return !HandOverFailure(file, line, text.c_str());
+    } catch (...) {
+        return false;
     }
 }
 

@@ -165,10 +165,30 @@ TEST_F(TraceTest, AFailedAssertionIsTracedAndWorkGoesOn)
                                         "0 kivcore :0: assertion failed: "}));
 }
 
+TEST_F(TraceTest, ASimpleAssertNamesItsOwnPlace)
+{
+    std::vector<std::string> failures;
+    SetAssertHandler([&failures](const char* file, int line, const char* text) {
+        failures.push_back(std::string(file) + ":" + std::to_string(line) + ": " + text);
+    });
+    EXPECT_FALSE(DoSimpleAssert("dir/File", 7, "Class::Call", "false", "cannot be"));
+    SetAssertHandler(nullptr);
+    EXPECT_EQ(failures, std::vector<std::string>{"dir/File:7: Class::Call: false: cannot be"});
+
+    SetTraceLevel("kivcore", 0);
+    EXPECT_TRUE(DoSimpleAssert("dir/File", 8, "Class::Call", "false", "cannot be"));
+    EXPECT_TRUE(DoSimpleAssert(nullptr, 0, nullptr, nullptr, nullptr));
+    SetTraceLevel("kivcore", -1);
+    EXPECT_EQ(lines_, (std::vector<std::string>{
+                          "0 kivcore dir/File:8: assertion failed: Class::Call: false: cannot be",
+                          "0 kivcore :0: assertion failed: : : "}));
+}
+
 TEST_F(TraceTest, AHandlerThatThrowsIsContained)
 {
     SetAssertHandler([](const char*, int, const char*) { throw 1; });
     KIV_ASSERT(lines_.size() == 99);
+    EXPECT_FALSE(DoSimpleAssert("File", 1, "Call", "false", "text"));
     SetAssertHandler(nullptr);
 }
 

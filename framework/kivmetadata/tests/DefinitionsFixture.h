@@ -3,6 +3,7 @@
 
 #pragma once
 
+#include <algorithm>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -72,7 +73,8 @@ protected:
         }
         return prefixes;
     }
-    /// What was traced since the last call; "$", "$APP" and "$PREFS" stand for the folders.
+    /// What was traced since the last call; "$", "$APP" and "$PREFS" stand for the folders, and
+    /// names are separated by slashes on every system.
     std::vector<std::string> Trace()
     {
         std::vector<std::string> lines(log_.Lines().begin() + static_cast<std::ptrdiff_t>(seen_),
@@ -86,6 +88,7 @@ protected:
                     line.replace(at, path.size(), sign);
                 }
             }
+            std::replace(line.begin(), line.end(), '\\', '/');
         }
         return lines;
     }

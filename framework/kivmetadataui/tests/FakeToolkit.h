@@ -11,6 +11,7 @@
 #include "framework/kivmetadataui/src/Fields.h"
 #include "framework/kivmetadataui/src/Texts.h"
 #include "framework/kivmetadataui/src/ToolkitModule.h"
+#include "framework/kivmetadataui/tests/Samples.h"
 
 namespace kivmetadataui {
 
@@ -28,7 +29,7 @@ public:
         log_ += "type " + field.Path();
         switch (part.kind) {
             case FieldPart::Kind::kWhole:
-                TypeWhole(field, text);
+                samples::TypeInto(field, text);
                 break;
             case FieldPart::Kind::kLanguage:
                 log_ += " @" + part.language;
@@ -78,24 +79,6 @@ public:
     std::function<void(DialogButton)> onPress;
 
 private:
-    static void TypeWhole(Field& field, const kivcore::UString& text)
-    {
-        switch (field.Kind()) {
-            case FieldKind::kDate:
-                static_cast<DateField&>(field).SetText(text);
-                break;
-            case FieldKind::kNumber:
-                static_cast<NumberField&>(field).SetText(text);
-                break;
-            case FieldKind::kChoice:
-                static_cast<ChoiceField&>(field).SetText(text);
-                break;
-            default:
-                static_cast<TextField&>(field).SetText(text);
-                break;
-        }
-    }
-
     DialogModel& model_;
     std::string& log_;
 };

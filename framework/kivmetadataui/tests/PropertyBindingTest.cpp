@@ -21,25 +21,7 @@ using Edit = std::function<void(Field& field)>;
 
 Edit Text(const char16_t* text)
 {
-    return [text](Field& field) {
-        switch (field.Kind()) {
-            case FieldKind::kLanguageAlternative:
-                static_cast<LanguageField&>(field).SetText(text);
-                break;
-            case FieldKind::kDate:
-                static_cast<DateField&>(field).SetText(text);
-                break;
-            case FieldKind::kNumber:
-                static_cast<NumberField&>(field).SetText(text);
-                break;
-            case FieldKind::kChoice:
-                static_cast<ChoiceField&>(field).SetText(text);
-                break;
-            default:
-                static_cast<TextField&>(field).SetText(text);
-                break;
-        }
-    };
+    return [text](Field& field) { samples::TypeInto(field, text); };
 }
 
 Edit Language(const char* tag, const char16_t* text)

@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "framework/kivmetadataui/src/Fields.h"
+
 #include <kivcore/StringConversion.h>
 
 namespace kivmetadataui::samples {
@@ -156,6 +158,27 @@ FieldDescription Describe(std::string path)
 std::string Utf8(const kivcore::UString& text)
 {
     return kivcore::string::UTF16to8(text);
+}
+
+void TypeInto(Field& field, const kivcore::UString& text)
+{
+    switch (field.Kind()) {
+        case FieldKind::kLanguageAlternative:
+            static_cast<LanguageField&>(field).SetText(text);
+            break;
+        case FieldKind::kDate:
+            static_cast<DateField&>(field).SetText(text);
+            break;
+        case FieldKind::kNumber:
+            static_cast<NumberField&>(field).SetText(text);
+            break;
+        case FieldKind::kChoice:
+            static_cast<ChoiceField&>(field).SetText(text);
+            break;
+        default:
+            static_cast<TextField&>(field).SetText(text);
+            break;
+    }
 }
 
 std::string Print(const FieldItems& items)

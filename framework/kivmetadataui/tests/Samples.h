@@ -40,6 +40,9 @@ std::unique_ptr<__XMPMeta__> Parse(std::string_view properties);
 /// What a field is described by in tests that need no definition.
 FieldDescription Describe(std::string path);
 
+/// Puts `text` into a field of any kind that takes typed text, as its widget does.
+void TypeInto(Field& field, const kivcore::UString& text);
+
 /// UTF-8 of a text, for readable failures.
 std::string Utf8(const kivcore::UString& text);
 /// The items as "a|de=b|c".

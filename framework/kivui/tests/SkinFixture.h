@@ -1,21 +1,18 @@
-// Skins over theme documents that lie beside the test program, whose own node manager is the
-// registered one.
+// Skins over theme documents of a test's own.
 
 #pragma once
 
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <string>
 
 #include <gtest/gtest.h>
 
-#include <kivcore/Dir.h>
-#include <kivcore/Resource.h>
 #include <kivcore/Xml.h>
 #include <kivui/NodeManager.h>
 #include <kivui/Skins.h>
 #include <kivui/Theme.h>
+
+#include "framework/kivui/tests/DocumentModule.h"
 
 namespace kivui {
 
@@ -23,27 +20,17 @@ class SkinFixture : public testing::Test {
 protected:
     SkinFixture()
     {
-        static const int kHere = 0;
-        folder_ = kivcore::filesupport::PathToUTF8(kivcore::ModuleFolder(&kHere).FullPath());
-        folder_ /= "kivui_tests.res";
-        std::filesystem::remove_all(folder_);
-        std::filesystem::create_directory(folder_);
         kivcore::xml::SetParserFactory(std::make_unique<kivcore::xml::MSXMLParserFactory>());
-        ui::UI_NodeManager::Set(&manager_);
     }
     ~SkinFixture() override
     {
         ui::Theme::Terminate();
         skins::core::SkinManager::Terminate();
         kivcore::xml::ResetParserFactory();
-        std::filesystem::remove_all(folder_);
     }
 
-    /// Puts the document `name` ("KIVCOLORTHEMESV5") beside the program.
-    void Put(const std::string& name, const std::string& text)
-    {
-        std::ofstream(folder_ / (name + ".xml"), std::ios::binary) << text;
-    }
+    /// Puts the document `name` ("KIVCOLORTHEMESV5") into the module of the node manager.
+    void Put(const std::string& name, const std::string& text) { module_.Put(name, text); }
     /// Documents of one row: colour 4 at every brightness.
     static std::string TextColor(const std::string& color)
     {
@@ -51,10 +38,7 @@ protected:
     }
 
 private:
-    class TestNodeManager : public ui::OS_NodeManager {};
-
-    std::filesystem::path folder_;
-    TestNodeManager manager_;
+    DocumentModule module_;
 };
 
 }  // namespace kivui

@@ -73,6 +73,11 @@ using AssertHandler = std::function<void(const char* file, int line, const char*
 KIVCORE_API void SetAssertHandler(AssertHandler handler);
 /// Traces on "kivcore" (and stops in a debugger, if one is attached); never ends the process.
 KIVCORE_API void AssertionFailed(const char* file, int line, const char* text) noexcept;
+/// Reports a failed assertion with a place and a message of the caller's choice; the handler is
+/// told "function: condition: message". Null texts count as empty.
+/// @return true if the caller should stop in a debugger, where one is attached (Debugger.h)
+KIVCORE_API bool DoSimpleAssert(const char* file, int line, const char* function,
+                                const char* condition, const char* message) noexcept;
 
 }  // namespace kivcore::debug
 

@@ -1,0 +1,134 @@
+// Numbers, lengths and lists of them as whole values.
+
+#include <cstddef>
+
+#include "svgloom/src/Characters.h"
+#include "svgloom/src/NumberReader.h"
+#include "svgloom/src/SVGStringParser.h"
+
+namespace SVGLoom {
+
+namespace {
+
+struct UnitRow {
+    std::string_view name;
+    float factor;  // user units
+};
+
+// "%" is read apart, and "em" and "ex" never come here: the number reader fails at the "e".
+constexpr UnitRow kUnits[] = {
+    {"px", 1.0f},  {"pt", 4.0f / 3.0f},   {"pc", 16.0f},
+    {"in", 96.0f}, {"cm", 96.0f / 2.54f}, {"mm", 96.0f / 25.4f},
+};
+constexpr std::ptrdiff_t kUnitLength = 2;
+
+bool ReadLength(const char*& current, const char* end, float reference, float& value)
+{
+    float number = 0;
+    if (!ReadNumber(current, end, number)) {
+        return false;
+    }
+    if (current != end && *current == '%') {
+        ++current;
+        number = number * reference / 100;
+    } else if (end - current >= kUnitLength) {
+        const std::string_view unit(current, kUnitLength);
+        for (const UnitRow& row : kUnits) {
+            if (row.name == unit) {
+                current += kUnitLength;
+                number *= row.factor;
+                break;
+            }
+        }
+    }
+    value = number;
+    return true;
+}
+
+/// Reads one value with `read` and white space around it; false if anything else is there.
+template <class Read>
+bool ReadWhole(std::string_view text, const Read& read, float& value)
+{
+    const char* current = text.data();
+    const char* const end = current + text.size();
+    float number = 0;
+    SkipSpace(current, end);
+    if (!read(current, end, number) || SkipSpace(current, end)) {
+        return false;
+    }
+    value = number;
+    return true;
+}
+
+template <class Read>
+bool ReadList(std::string_view text, const Read& read, std::vector<float>& values)
+{
+    values.clear();
+    const char* current = text.data();
+    const char* const end = current + text.size();
+    bool more = SkipSpace(current, end);
+    while (more) {
+        float value = 0;
+        if (!read(current, end, value)) {
+            values.clear();
+            return false;
+        }
+        values.push_back(value);
+        more = SkipSpace(current, end);
+        if (more && *current == ',') {
+            ++current;
+            SkipSpace(current, end);  // a value has to follow
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+bool SVGStringParser::ParseNumber(std::string_view text, float& value)
+{
+    return ReadWhole(text, ReadNumber, value);
+}
+
+bool SVGStringParser::ParseLength(std::string_view text, float reference, float& value)
+{
+    return ReadWhole(
+        text,
+        [reference](const char*& current, const char* end, float& number) {
+            return ReadLength(current, end, reference, number);
+        },
+        value);
+}
+
+bool SVGStringParser::ParseNumberList(std::string_view text, std::vector<float>& values)
+{
+    return ReadList(text, ReadNumber, values);
+}
+
+bool SVGStringParser::ParseLengthList(std::string_view text, float reference,
+                                      std::vector<float>& values)
+{
+    return ReadList(
+        text,
+        [reference](const char*& current, const char* end, float& number) {
+            return ReadLength(current, end, reference, number);
+        },
+        values);
+}
+
+std::vector<std::string_view> SVGStringParser::SplitWords(std::string_view text)
+{
+    std::vector<std::string_view> words;
+    const char* current = text.data();
+    const char* const end = current + text.size();
+    while (SkipSpace(current, end)) {
+        const char* const start = current;
+        while (current != end && !IsSpace(*current)) {
+            ++current;
+        }
+        words.emplace_back(start, static_cast<std::size_t>(current - start));
+    }
+    return words;
+}
+
+}  // namespace SVGLoom
