@@ -1,9 +1,9 @@
 // The system's code pages: its ANSI code page, whichever the user's Windows has, and UTF-8.
 
-#include "dictionary/SystemConverter.h"
+#include "dictionary/SystemConverter_win.h"
 
 #include "dictionary/DictionaryException.h"
-#include "dictionary/SystemConverter_win.h"
+#include "dictionary/SystemConverter.h"
 
 #include <windows.h>
 
