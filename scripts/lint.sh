@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Format and lint checks. usage: scripts/lint.sh [BUILD_DIR]   (default build/debug)
+# Format and lint checks. usage: scripts/lint.sh [BUILD_DIR...]   (default build/debug)
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 cd "$top"
@@ -12,5 +12,8 @@ if clang-format --dry-run -Werror "${sources[@]}"; then
 else
     status=1
 fi
-python3 scripts/tidy.py "${1:-build/debug}" || status=1
+[ $# -gt 0 ] || set -- build/debug
+for build in "$@"; do
+    python3 scripts/tidy.py "$build" || status=1
+done
 exit "$status"

@@ -3,14 +3,16 @@
 
 usage: tidy.py BUILD_DIR
 
-A source is looked at again when its preprocessed text, its command line or the checks changed.
+Of a build for Windows, the sources that no other build has (_win). A source is looked at again when its preprocessed text, its command line or the checks changed.
 """
 
 import concurrent.futures
+import functools
 import hashlib
 import json
 import os
 import pathlib
+import re
 import shlex
 import subprocess
 import sys
@@ -18,12 +20,30 @@ import sys
 TOP = pathlib.Path(__file__).resolve().parent.parent
 CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME", pathlib.Path.home() / ".cache"))
 CACHE = CACHE / "kivmetadataapi" / "tidy"
-GCC_ONLY = {"-fno-gnu-unique", "-Wno-restrict"}
+GCC_ONLY = {"-fno-gnu-unique", "-Wno-restrict", "-fno-keep-inline-dllexport", "-Wa,-mbig-obj"}
+
+
+def is_for_windows(words):
+    return "mingw32" in pathlib.Path(words[0]).name
+
+
+@functools.cache
+def mingw_headers(compiler):
+    """Clang does not find them by itself. Its own take the place of those of GCC proper."""
+    run = subprocess.run(
+        [compiler, "-E", "-v", "-x", "c++", os.devnull], capture_output=True, text=True, check=True
+    )
+    listed = re.search(r"<\.\.\.> search starts here:\n(.*?)End of search", run.stderr, re.DOTALL)
+    folders = [line.strip() for line in listed.group(1).splitlines()]
+    proper = re.compile(r"/lib/gcc/[^/]+/[^/]+/include(-fixed)?$")
+    return [folder for folder in folders if not proper.search(folder)]
 
 
 def is_ours(entry):
     path = pathlib.Path(entry["file"]).resolve()
     if TOP not in path.parents or "build" in path.relative_to(TOP).parts[:1]:
+        return False
+    if is_for_windows(command_of(entry)) and not path.stem.endswith("_win"):
         return False
     # Tests are held by the compiler's warnings; GoogleTest's macros make clang-tidy slow on them.
     return "tests" not in path.relative_to(TOP).parts
@@ -39,6 +59,10 @@ def command_of(entry):
 def for_clang(entry):
     """The entry without what only GCC understands."""
     words = [word for word in command_of(entry) if word not in GCC_ONLY]
+    if is_for_windows(words):
+        words[1:1] = ["--target=x86_64-w64-mingw32", "-nostdinc++", "-nostdlibinc"] + [
+            word for folder in mingw_headers(words[0]) for word in ("-isystem", folder)
+        ]
     return {"directory": entry["directory"], "file": entry["file"], "arguments": words}
 
 
