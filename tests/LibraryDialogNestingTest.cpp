@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "tests/DialogFixture.h"
+#include "tests/UserFolder.h"
 
 #include <kivcore/Config.h>
 #include <kivmetadataui/DialogDriver.h>
@@ -137,9 +138,9 @@ TEST_F(LibraryDialogNestingTest, ALastTerminateLeavesTheObjectAndCancels)
 // The folder is named by the client, and there is none any more.
 TEST_F(LibraryDialogNestingTest, SuchADialogSavesNoPreferences)
 {
-    const EnvironmentVariable noFolder("KIV_PREF_DIR", std::nullopt);
-    const EnvironmentVariable home("XDG_CONFIG_HOME", folder.Of("home").string());
-    const std::string file = folder.Of("home/Orvan/Darkroom/MetadataDialogPrefs.xml").string();
+    const UserFolder user(folder.Of("home"));
+    const auto file = user.Folder() / "Orvan/Darkroom/MetadataDialogPrefs.xml";
+    std::filesystem::remove(file);  // of an earlier run
     const XmpObject object;
     Start();
     CallbackHook::Install(3, [this] { api.terminate(); });

@@ -4,14 +4,15 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <filesystem>
 #include <limits>
 #include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "tests/GuestState.h"
 #include "tests/LibraryFixture.h"
+#include "tests/UserFolder.h"
 
 #include <kivcore/Config.h>
 #include <kivcore/Dir.h>
@@ -249,38 +250,30 @@ TEST_F(LibraryTest, ScaleReachesTheNodeManager)
     }
 }
 
-TEST_F(LibraryTest, GdiPlusIsNothingToStartHere)
-{
-    MetadataAPIInitParams record = StartRecord();
-    record.startGdiPlus = 1;
-    for (int round = 0; round < 3; ++round) {
-        ASSERT_TRUE(api.initialize(&record));
-        EXPECT_EQ(WhatIsUp(), kAllUp);
-        api.terminate();
-        EXPECT_EQ(WhatIsUp(), "");
-    }
-}
-
 TEST_F(LibraryTest, ClientNamesMakeSafeFolders)
 {
-    const EnvironmentVariable noFolder("KIV_PREF_DIR", std::nullopt);
-    const EnvironmentVariable home("XDG_CONFIG_HOME", folder.Of("home").string());
+    const UserFolder user(folder.Of("home"));
     const struct {
         const char* name;
         const char* want;
     } rows[] = {
-        {"Darkroom", "home/Orvan/Darkroom"},
-        {"a/b\\c", "home/Orvan/a_b_c"},
-        {"..", "home/Orvan/_"},
-        {"", "home/Orvan/_"},
+        {"Darkroom", "Orvan/Darkroom"},
+        {"a/b\\c", "Orvan/a_b_c"},
+        {"..", "Orvan/_"},
+        {"", "Orvan/_"},
     };
     for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        const auto want = (user.Folder() / row.want).make_preferred();
+        const bool wasThere = std::filesystem::exists(want);
         const MetadataAPIInitParams record = StartRecord(row.name);
         ASSERT_TRUE(api.initialize(&record));
-        EXPECT_EQ(kivcore::filesupport::Dir::PrefDir().FullPath(), folder.Path(row.want));
+        EXPECT_EQ(kivcore::filesupport::Dir::PrefDir().FullPath(),
+                  kivcore::filesupport::PathFromUTF8(want.string()));
         api.terminate();
+        // Nobody changed a preference: no file and no folder is made.
+        EXPECT_EQ(std::filesystem::exists(want), wasThere);
     }
-    // Nobody changed a preference: no file and no folder is made.
     EXPECT_THAT(folder.Names(), ::testing::IsEmpty());
 }
 
@@ -341,28 +334,6 @@ TEST_F(LibraryTest, LastFailureTellsWhyThereIsNoDialog)
     EXPECT_EQ(LastFailure(), "The library is not initialized");
     // None of them had anything to remember.
     EXPECT_THAT(folder.Names(), ::testing::IsEmpty());
-}
-
-TEST_F(LibraryTest, WithoutADisplayThereIsAReasonAndNoToolkit)
-{
-    const EnvironmentVariable noDisplay("DISPLAY", std::nullopt);
-    const EnvironmentVariable noWayland("WAYLAND_DISPLAY", std::nullopt);
-    const struct {
-        const char* language;
-        const char* reason;
-    } rounds[] = {
-        {"en_US", "There is no display that a dialog could be shown on."},
-        {"de_DE", "Es gibt keinen Bildschirm, auf dem ein Dialog erscheinen könnte."},
-    };
-    for (const auto& round : rounds) {
-        const MetadataAPIInitParams record = StartRecord("Darkroom", round.language);
-        ASSERT_TRUE(api.initialize(&record));
-        EXPECT_FALSE(Dialog());
-        EXPECT_EQ(LastFailure(), round.reason);
-        EXPECT_FALSE(IsToolkitStarted());
-        api.terminate();
-        EXPECT_EQ(WhatIsUp(), "");
-    }
 }
 
 }  // namespace
