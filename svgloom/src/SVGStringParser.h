@@ -41,6 +41,10 @@ public:
     ///         applied, so a caller that asks drops the transform then.
     static bool ParseTransform(const char*& current, const char* end, Transform& transform);
 
+    /// Replays path data onto `path`. It stops at the first number or flag that cannot be read;
+    /// what came before it stays in the path.
+    static void ParsePath(std::string_view text, Path& path);
+
     /// Reads one colour, white space before it included. What follows it is left: a caller that
     /// wants the whole value looks whether `current` is the end.
     ///

@@ -1,0 +1,28 @@
+// Elliptical arcs of path data as cubic curves.
+
+#pragma once
+
+#include "svgloom/renderer/SVGRenderer.h"
+
+namespace SVGLoom {
+
+struct Point {
+    float x = 0;
+    float y = 0;
+};
+
+/// An arc as path data gives it; the end point is absolute.
+struct Arc {
+    float rx = 0;
+    float ry = 0;
+    float rotationDegrees = 0;
+    bool large = false;
+    bool sweep = false;
+    Point to;
+};
+
+/// Appends the arc from `from` to `path`, in pieces of at most 120 degrees. The rotation is not
+/// applied, and a radius of 0 gives coordinates that are not finite; both on purpose.
+void ArcToCurve(const Point& from, const Arc& arc, Path& path);
+
+}  // namespace SVGLoom

@@ -1,0 +1,258 @@
+// Path data: commands are read one by one and replayed onto the path at once, so that what stands
+// before an error is drawn.
+
+#include <kivcore/Trace.h>
+
+#include "svgloom/src/ArcToCurve.h"
+#include "svgloom/src/Characters.h"
+#include "svgloom/src/NumberReader.h"
+#include "svgloom/src/SVGStringParser.h"
+#include "svgloom/src/TraceText.h"
+
+namespace SVGLoom {
+
+namespace {
+
+constinit kivcore::debug::TraceSite unhandledSite("SVGLoom.Parse", 6);
+
+constexpr bool IsClose(char command)
+{
+    return ToLower(command) == 'z';
+}
+
+/// Where a number may begin, the command before it repeats. A "+" begins none here, on purpose: it
+/// is an unknown command.
+constexpr bool RepeatsCommand(char c)
+{
+    return IsDigit(c) || c == ',' || c == '-' || c == '.';
+}
+
+constexpr char RepeatOf(char command)
+{
+    return command == 'M' ? 'L' : command == 'm' ? 'l' : command;
+}
+
+class PathReader {
+public:
+    PathReader(const char* current, const char* end, Path& path)
+        : current_(current), end_(end), path_(path)
+    {
+    }
+
+    void Read()
+    {
+        if (!SkipSpace(current_, end_) || ToLower(*current_) != 'm') {
+            return;
+        }
+        while (SkipSpace(current_, end_)) {
+            char command = *current_;
+            if (!RepeatsCommand(command)) {
+                ++current_;
+            } else if (IsClose(previous_)) {
+                return;
+            } else {
+                command = RepeatOf(previous_);
+            }
+            if (!Execute(command)) {
+                return;
+            }
+        }
+    }
+
+private:
+    enum class Outcome { kDone, kUnreadable, kUnknown };
+
+    /// Carries out one command, and unknown ones before it. False ends the parse.
+    bool Execute(char command)
+    {
+        for (;;) {
+            if (IsClose(previous_)) {
+                if (IsClose(command)) {
+                    return true;
+                }
+                if (ToLower(command) != 'm') {
+                    // The start of the subpath with its x for both coordinates, on purpose; artwork
+                    // has been drawn with it. It is only emitted: relative coordinates count from
+                    // the true start. ParsePath.TheMoveBehindACloseTakesXTwice holds this.
+                    path_.MoveTo(position_.x, position_.x);
+                }
+            }
+            const Outcome outcome = Dispatch(command);
+            previous_ = command;
+            if (outcome != Outcome::kUnknown) {
+                return outcome == Outcome::kDone;
+            }
+            if (unhandledSite.Enabled()) {
+                unhandledSite.Write((TraceText("parsePathString UNHANDLED: ") << command).Text());
+            }
+            // Whatever comes next is the next command, white space included.
+            if (current_ == end_) {
+                return false;
+            }
+            command = *current_++;
+        }
+    }
+
+    Outcome Dispatch(char command)
+    {
+        const bool relative = command >= 'a';
+        Point points[3];
+        switch (ToLower(command)) {
+            case 'm':
+                if (!ReadPoints(points, 1, relative)) {
+                    return Outcome::kUnreadable;
+                }
+                start_ = points[0];
+                path_.MoveTo(points[0].x, points[0].y);
+                position_ = points[0];
+                return Outcome::kDone;
+            case 'l':
+                if (!ReadPoints(points, 1, relative)) {
+                    return Outcome::kUnreadable;
+                }
+                return LineTo(points[0]);
+            case 'h':
+                if (!ReadNumbers(&points[0].x, 1)) {
+                    return Outcome::kUnreadable;
+                }
+                return LineTo({relative ? position_.x + points[0].x : points[0].x, position_.y});
+            case 'v':
+                if (!ReadNumbers(&points[0].y, 1)) {
+                    return Outcome::kUnreadable;
+                }
+                return LineTo({position_.x, relative ? position_.y + points[0].y : points[0].y});
+            case 'c':
+                if (!ReadPoints(points, 3, relative)) {
+                    return Outcome::kUnreadable;
+                }
+                return CurveTo(points[0], points[1], points[2]);
+            case 's':
+                if (!ReadPoints(points, 2, relative)) {
+                    return Outcome::kUnreadable;
+                }
+                // Always the reflection, whatever command came before.
+                return CurveTo(Reflected(cubicControl_), points[0], points[1]);
+            case 'q':
+                if (!ReadPoints(points, 2, relative)) {
+                    return Outcome::kUnreadable;
+                }
+                return QuadTo(points[0], points[1]);
+            case 't': {
+                if (!ReadPoints(points, 1, relative)) {
+                    return Outcome::kUnreadable;
+                }
+                const char before = ToLower(previous_);
+                return QuadTo(before == 'q' || before == 't' ? Reflected(quadControl_) : position_,
+                              points[0]);
+            }
+            case 'a':
+                return ArcTo(relative);
+            case 'z':
+                path_.ClosePath();
+                position_ = start_;
+                return Outcome::kDone;
+            default:
+                return Outcome::kUnknown;
+        }
+    }
+
+    Outcome LineTo(const Point& to)
+    {
+        path_.LineTo(to.x, to.y);
+        position_ = to;
+        return Outcome::kDone;
+    }
+
+    Outcome CurveTo(const Point& first, const Point& second, const Point& to)
+    {
+        path_.CurveTo(first.x, first.y, second.x, second.y, to.x, to.y);
+        cubicControl_ = second;
+        position_ = to;
+        return Outcome::kDone;
+    }
+
+    Outcome QuadTo(const Point& control, const Point& to)
+    {
+        path_.QuadTo(control.x, control.y, to.x, to.y);
+        quadControl_ = control;
+        position_ = to;
+        return Outcome::kDone;
+    }
+
+    Outcome ArcTo(bool relative)
+    {
+        Arc arc;
+        float radii[3] = {};
+        Point to[1];
+        if (!ReadNumbers(radii, 3) || !ReadFlag(arc.large) || !ReadFlag(arc.sweep) ||
+            !ReadPoints(to, 1, relative)) {
+            return Outcome::kUnreadable;
+        }
+        arc.rx = radii[0];
+        arc.ry = radii[1];
+        arc.rotationDegrees = radii[2];
+        arc.to = to[0];
+        ArcToCurve(position_, arc, path_);
+        position_ = arc.to;
+        return Outcome::kDone;
+    }
+
+    Point Reflected(const Point& control) const
+    {
+        return {2 * position_.x - control.x, 2 * position_.y - control.y};
+    }
+
+    bool ReadNumbers(float* numbers, int count)
+    {
+        for (int i = 0; i < count; ++i) {
+            SkipSeparator(current_, end_);
+            if (!ReadNumber(current_, end_, numbers[i])) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    /// Reads `count` points; relative ones all count from the current point.
+    bool ReadPoints(Point* points, int count, bool relative)
+    {
+        for (int i = 0; i < count; ++i) {
+            float numbers[2];
+            if (!ReadNumbers(numbers, 2)) {
+                return false;
+            }
+            points[i] = relative ? Point{position_.x + numbers[0], position_.y + numbers[1]}
+                                 : Point{numbers[0], numbers[1]};
+        }
+        return true;
+    }
+
+    /// A single "0" or "1"; flags may touch each other and the number behind them.
+    bool ReadFlag(bool& flag)
+    {
+        SkipSeparator(current_, end_);
+        if (current_ == end_ || (*current_ != '0' && *current_ != '1')) {
+            return false;
+        }
+        flag = *current_++ == '1';
+        return true;
+    }
+
+    const char* current_;
+    const char* end_;
+    Path& path_;
+    char previous_ = 'm';
+    Point position_;
+    Point start_;
+    Point cubicControl_;
+    Point quadControl_;
+};
+
+}  // namespace
+
+void SVGStringParser::ParsePath(std::string_view text, Path& path)
+{
+    PathReader(text.data(), text.data() + text.size(), path).Read();
+}
+
+}  // namespace SVGLoom
