@@ -31,7 +31,7 @@ LAYERS = {
     # The private module behind kivmetadataui, which alone opens it. Its tests are hosts.
     "framework/kivtoolkit/tests": (
         "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
-        "framework/kivmetadataui/src", "framework/kivtoolkit/src"),
+        "framework/kivmetadataui/src", "framework/kivtoolkit/src", "tests/ProcessCounts.h"),
     "framework/kivtoolkit": ("kivcore", "kivui", "kivmetadataui", "framework/kivmetadataui/src"),
     "host": ("include",),
     # Judges of the whole.

@@ -160,7 +160,11 @@ TEST(GuestOnWindows, TheHostsWindowWaitsPaintsAndGetsTheFocusBack)
         for (int i = 0; i < 5; ++i) {
             driver.TypeValue("photoshop:Headline", "typed " + std::to_string(i)).WaitUntilPainted();
         }
-        driver = confirms ? std::move(driver.PressOk()) : std::move(driver.PressCancel());
+        if (confirms) {
+            driver.PressOk();
+        } else {
+            driver.PressCancel();
+        }
         EXPECT_EQ(host.ShowDialog(std::move(driver), window.Window()), confirms)
             << GuestHost::Failure();
         EXPECT_TRUE(wasOwned);
