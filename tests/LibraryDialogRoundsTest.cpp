@@ -40,13 +40,13 @@ private:
 
 TEST(GuestState, DifferencesAreSeen)
 {
-    const kivmetadata::EnvironmentVariable changed("KIV_TEST_CHANGED", "1");
-    const kivmetadata::EnvironmentVariable gone("KIV_TEST_GONE", "1");
+    const kivcore::testing::EnvironmentVariable changed("KIV_TEST_CHANGED", "1");
+    const kivcore::testing::EnvironmentVariable gone("KIV_TEST_GONE", "1");
     const ProcessState before = StateOfProcess();
     EXPECT_EQ(Differences(before, StateOfProcess()), "");
-    const kivmetadata::EnvironmentVariable changedNow("KIV_TEST_CHANGED", "2");
-    const kivmetadata::EnvironmentVariable goneNow("KIV_TEST_GONE", std::nullopt);
-    const kivmetadata::EnvironmentVariable newNow("KIV_TEST_NEW", "");
+    const kivcore::testing::EnvironmentVariable changedNow("KIV_TEST_CHANGED", "2");
+    const kivcore::testing::EnvironmentVariable goneNow("KIV_TEST_GONE", std::nullopt);
+    const kivcore::testing::EnvironmentVariable newNow("KIV_TEST_NEW", "");
     EXPECT_EQ(Differences(before, StateOfProcess()),
               "variable KIV_TEST_CHANGED: 1 -> 2\n"
               "variable KIV_TEST_GONE: 1 -> (none)\n"

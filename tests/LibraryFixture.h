@@ -8,8 +8,8 @@
 
 #include <string>
 
+#include "framework/kivcore/tests/Environment.h"
 #include "framework/kivcore/tests/TestFolder.h"
-#include "framework/kivmetadata/tests/Environment.h"
 #include "tests/SharedLibrary.h"
 #include "tests/StartRecord.h"
 
@@ -20,7 +20,7 @@ std::string WhatIsUp();
 
 class LibraryFixture : public ::testing::Test {
 protected:
-    using EnvironmentVariable = kivmetadata::EnvironmentVariable;
+    using EnvironmentVariable = kivcore::testing::EnvironmentVariable;
 
     LibraryFixture();
     ~LibraryFixture() override;

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <optional>
 
-#include "framework/kivmetadata/tests/Environment.h"
+#include "framework/kivcore/tests/Environment.h"
 
 namespace kivtests {
 
@@ -21,8 +21,8 @@ public:
     const std::filesystem::path& Folder() const { return folder_; }
 
 private:
-    kivmetadata::EnvironmentVariable noFolder_;
-    std::optional<kivmetadata::EnvironmentVariable> redirected_;
+    kivcore::testing::EnvironmentVariable noFolder_;
+    std::optional<kivcore::testing::EnvironmentVariable> redirected_;
     std::filesystem::path folder_;
 };
 

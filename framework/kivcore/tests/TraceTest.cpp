@@ -1,6 +1,7 @@
 #include <kivcore/Trace.h>
 
 #include <cstdlib>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -8,11 +9,13 @@
 
 #include <gtest/gtest.h>
 
+#include "framework/kivcore/tests/Environment.h"
+
 namespace kivcore::debug {
 namespace {
 
 /// One line for each message.
-class TraceTest : public testing::Test {
+class TraceTest : public ::testing::Test {
 protected:
     void SetUp() override { sink_ = Listen(); }
     void TearDown() override
@@ -225,15 +228,6 @@ constexpr EnvironmentCase kEnvironmentCases[] = {
     {"KIVUI", 0, 0, 0},
 };
 
-void SetVariable(const char* value)
-{
-    if (value != nullptr) {
-        setenv("KIV_TRACE", value, 1);
-    } else {
-        unsetenv("KIV_TRACE");
-    }
-}
-
 int ReadEnvironment()
 {
     TraceSite site("kivui", 0);
@@ -242,10 +236,19 @@ int ReadEnvironment()
            (TraceEnabled("other", 0, true) ? 4 : 0);
 }
 
-class TraceEnvironmentTest : public testing::Test {
+class TraceEnvironmentTest : public ::testing::Test {
 protected:
-    void SetUp() override { testing::FLAGS_gtest_death_test_style = "threadsafe"; }
-    void TearDown() override { unsetenv("KIV_TRACE"); }
+    void SetUp() override { ::testing::FLAGS_gtest_death_test_style = "threadsafe"; }
+
+    /// Null takes the variable away.
+    void SetVariable(const char* value)
+    {
+        variable_.emplace("KIV_TRACE",
+                          value != nullptr ? std::optional<std::string>(value) : std::nullopt);
+    }
+
+private:
+    std::optional<kivcore::testing::EnvironmentVariable> variable_;
 };
 
 TEST_F(TraceEnvironmentTest, NamesChannelsAndLevels)
@@ -254,7 +257,7 @@ TEST_F(TraceEnvironmentTest, NamesChannelsAndLevels)
         SCOPED_TRACE(row.variable != nullptr ? row.variable : "(not set)");
         SetVariable(row.variable);
         EXPECT_EXIT(std::_Exit(ReadEnvironment()),
-                    testing::ExitedWithCode(row.kivui0 + 2 * row.kivui6 + 4 * row.other0), "^$");
+                    ::testing::ExitedWithCode(row.kivui0 + 2 * row.kivui6 + 4 * row.other0), "^$");
     }
 }
 
@@ -270,7 +273,7 @@ TEST_F(TraceEnvironmentTest, IsReadOnDemandOnly)
             std::_Exit((early ? 1 : 0) + (read ? 2 : 0) + (late ? 4 : 0) +
                        (TraceChangeCount() != before ? 8 : 0));
         },
-        testing::ExitedWithCode(2 + 4 + 8), "^$");
+        ::testing::ExitedWithCode(2 + 4 + 8), "^$");
 }
 
 TEST_F(TraceEnvironmentTest, WhatItSwitchedOnGoesToStandardError)
@@ -291,7 +294,7 @@ TEST_F(TraceEnvironmentTest, WhatItSwitchedOnGoesToStandardError)
             Trace(0, "kivui", "switched off");
             std::_Exit(0);
         },
-        testing::ExitedWithCode(0), "^\\[kivui 6\\] first\n\\[kivui 0\\] second\r\n$");
+        ::testing::ExitedWithCode(0), "^\\[kivui 6\\] first\n\\[kivui 0\\] second\r\n$");
 }
 
 TEST_F(TraceEnvironmentTest, ACallBeforehandCountsMore)
@@ -302,7 +305,7 @@ TEST_F(TraceEnvironmentTest, ACallBeforehandCountsMore)
             SetTraceLevel("kivui", 1);
             std::_Exit(ReadEnvironment());
         },
-        testing::ExitedWithCode(1), "^$");
+        ::testing::ExitedWithCode(1), "^$");
 }
 
 TEST_F(TraceEnvironmentTest, AnAssertionNeverEndsTheProcess)
@@ -313,7 +316,7 @@ TEST_F(TraceEnvironmentTest, AnAssertionNeverEndsTheProcess)
             AssertionFailed("File.cpp", 3, "1 == 2");
             std::_Exit(0);
         },
-        testing::ExitedWithCode(0), "^\\[kivcore 0\\] File.cpp:3: assertion failed: 1 == 2\n$");
+        ::testing::ExitedWithCode(0), "^\\[kivcore 0\\] File.cpp:3: assertion failed: 1 == 2\n$");
 }
 
 }  // namespace

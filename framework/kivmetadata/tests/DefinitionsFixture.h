@@ -8,14 +8,16 @@
 #include <string>
 #include <vector>
 
+#include "framework/kivcore/tests/Environment.h"
 #include "framework/kivcore/tests/TestFolder.h"
 #include "framework/kivmetadata/tests/Dump.h"
-#include "framework/kivmetadata/tests/Environment.h"
 #include "framework/kivmetadata/tests/TraceLog.h"
 
 #include <kivmetadata/Definitions.h>
 
 namespace kivmetadata {
+
+using kivcore::testing::EnvironmentVariable;
 
 class DefinitionsFixture : public ReaderTest {
 protected:

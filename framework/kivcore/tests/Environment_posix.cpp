@@ -1,8 +1,8 @@
-#include "framework/kivmetadata/tests/Environment.h"
+#include "framework/kivcore/tests/Environment.h"
 
 #include <cstdlib>
 
-namespace kivmetadata {
+namespace kivcore::testing {
 
 namespace {
 
@@ -31,4 +31,4 @@ EnvironmentVariable::~EnvironmentVariable()
     Put(name_, before_);
 }
 
-}  // namespace kivmetadata
+}  // namespace kivcore::testing

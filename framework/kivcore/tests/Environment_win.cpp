@@ -1,11 +1,11 @@
-#include "framework/kivmetadata/tests/Environment.h"
+#include "framework/kivcore/tests/Environment.h"
 
 #include <cstdlib>
 #include <filesystem>
 
 #include <windows.h>
 
-namespace kivmetadata {
+namespace kivcore::testing {
 
 namespace {
 
@@ -45,4 +45,4 @@ EnvironmentVariable::~EnvironmentVariable()
     Put(name_, before_);
 }
 
-}  // namespace kivmetadata
+}  // namespace kivcore::testing

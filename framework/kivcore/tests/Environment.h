@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-namespace kivmetadata {
+namespace kivcore::testing {
 
 class EnvironmentVariable {
 public:
@@ -21,4 +21,4 @@ private:
     std::optional<std::string> before_;
 };
 
-}  // namespace kivmetadata
+}  // namespace kivcore::testing
