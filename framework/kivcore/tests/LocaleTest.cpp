@@ -161,14 +161,15 @@ TEST(Locale, TheFirstInitializeCountsUntilReset)
     ASSERT_FALSE(Locale::IsInitialized());
     EXPECT_EQ(Locale::ApplicationLanguage(), u"en_US");
 
-    Locale::Initialize(u"de", filesupport::Dir(u"/dictionaries"));
+    const filesupport::Dir folder(u"/dictionaries");
+    Locale::Initialize(u"de", folder);
     EXPECT_TRUE(Locale::IsInitialized());
     EXPECT_EQ(Locale::ApplicationLanguage(), u"de_DE");
-    EXPECT_EQ(Locale::DictionaryDir().FullPath(), u"/dictionaries");
+    EXPECT_EQ(Locale::DictionaryDir().FullPath(), folder.FullPath());
 
     Locale::Initialize(u"fr", filesupport::Dir());
     EXPECT_EQ(Locale::ApplicationLanguage(), u"de_DE");
-    EXPECT_EQ(Locale::DictionaryDir().FullPath(), u"/dictionaries");
+    EXPECT_EQ(Locale::DictionaryDir().FullPath(), folder.FullPath());
 
     Locale::Reset();
     Locale::Reset();

@@ -20,7 +20,9 @@ TEST(FileApi, FromC)
 {
     const kivcore::testing::TestFolder folder;
     folder.Write("p.jpg", test::Jpeg().Exif().Xmp(test::SmallPacket("t")).Scan().Bytes());
-    EXPECT_EQ(KivXmpTryPhotoFromC(folder.Of("p.jpg").c_str(), folder.Of("out.xmp").c_str()), 0);
+    EXPECT_EQ(KivXmpTryPhotoFromC(folder.Of("p.jpg").string().c_str(),
+                                  folder.Of("out.xmp").string().c_str()),
+              0);
 }
 
 TEST(FileApi, OptionsThatMeanNothing)
@@ -29,9 +31,11 @@ TEST(FileApi, OptionsThatMeanNothing)
     folder.Write("p.jpg", test::Jpeg().Scan().Bytes());
     __XMPMeta__* meta = nullptr;
     KivXmpOpenOptions options = {9, kKivXmpSidecarAuto};
-    EXPECT_EQ(KivXmpOpenPhoto(folder.Of("p.jpg").c_str(), &options, &meta), kKivXmpBadArgument);
+    EXPECT_EQ(KivXmpOpenPhoto(folder.Of("p.jpg").string().c_str(), &options, &meta),
+              kKivXmpBadArgument);
     options = {kKivXmpPlaceAuto, -1};
-    EXPECT_EQ(KivXmpOpenPhoto(folder.Of("p.jpg").c_str(), &options, &meta), kKivXmpBadArgument);
+    EXPECT_EQ(KivXmpOpenPhoto(folder.Of("p.jpg").string().c_str(), &options, &meta),
+              kKivXmpBadArgument);
     EXPECT_EQ(meta, nullptr);
 }
 
