@@ -14,6 +14,8 @@
 #include <kivcore/StringConversion.h>
 #include <kivcore/Trace.h>
 
+#include "framework/kivcore/src/StaticMutex.h"
+
 namespace kivcore::config {
 
 namespace {
@@ -25,7 +27,7 @@ struct Current {
     std::shared_ptr<const ErrorPresenter> presenter;
 };
 
-constinit std::mutex currentMutex;
+constinit StaticMutex currentMutex;
 
 /// Under the lock only.
 Current& InForce() noexcept

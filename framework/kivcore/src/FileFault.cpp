@@ -2,10 +2,11 @@
 
 #include <atomic>
 #include <charconv>
-#include <cstdlib>
 #include <optional>
+#include <string>
 #include <string_view>
 
+#include "framework/kivcore/src/EnvironmentText.h"
 #include "framework/kivcore/src/SystemError.h"
 
 namespace kivcore::filesupport {
@@ -59,8 +60,8 @@ std::optional<FileStep> StepByName(std::string_view name)
 
 void ReadEnvironment() noexcept
 {
-    const char* value = std::getenv("KIV_FILE_FAULT");
-    const std::string_view text = value ? value : "";
+    const std::optional<std::string> value = EnvironmentText("KIV_FILE_FAULT");
+    const std::string_view text = value ? std::string_view(*value) : std::string_view();
     const std::size_t first = text.find(':');
     const std::size_t second = text.rfind(':');
     if (first == std::string_view::npos || first == second) {
@@ -84,7 +85,7 @@ void SetFileFault(FileStep step, int systemError, int countdown)
 {
     environmentRead = true;
     faultStep = step;
-    faultError = systemError;
+    faultError = systemError == kKillProcess ? kKillProcess : SystemErrorByErrno(systemError);
     faultCountdown = systemError != 0 && countdown > 0 ? countdown : 0;
 }
 
@@ -95,9 +96,6 @@ int TakeFault(FileStep step) noexcept
     }
     if (faultCountdown == 0 || faultStep != step || --faultCountdown > 0) {
         return 0;
-    }
-    if (faultError == kKillProcess) {
-        KillProcess();
     }
     return faultError;
 }

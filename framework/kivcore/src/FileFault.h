@@ -8,8 +8,9 @@
 
 namespace kivcore::filesupport {
 
-/// The error that the coming system call of `step` has to answer with; 0 to carry it out. Does not
-/// return where the switch says kKillProcess.
+/// The error that the coming system call of `step` has to answer with; 0 to carry it out.
+/// kKillProcess stands for the end of the process: in front of the call, and on Windows behind it,
+/// because there one call is what takes several steps elsewhere.
 int TakeFault(FileStep step) noexcept;
 
 /// What a message says where the step failed: "cannot be read".

@@ -1,9 +1,3 @@
-// Names of new files: ".kivsave-" + 16 hex digits of the target's name + "-" + a number. The number
-// tells the writers of one file apart; it also names the second link under which the old file is
-// kept from the rename until the folder is flushed, so that also a failure there can be undone.
-// Readers look for the low numbers only, which costs them two questions; writers look through the
-// whole folder.
-
 #include <kivcore/FileReplacement.h>
 
 #include <algorithm>
@@ -13,7 +7,7 @@
 
 #include <kivcore/Trace.h>
 
-#include "framework/kivcore/src/FileFault.h"
+#include "framework/kivcore/src/FileExchange.h"
 #include "framework/kivcore/src/FileSystem.h"
 #include "framework/kivcore/src/Path.h"
 #include "framework/kivcore/src/SystemError.h"
@@ -22,56 +16,8 @@ namespace kivcore::filesupport {
 
 namespace {
 
-constexpr UStringView kPrefix = u".kivsave-";
-constexpr UStringView kHexDigits = u"0123456789abcdef";
-constexpr std::size_t kHashDigits = 16;
-constexpr std::size_t kMaxNumbers = 100;
-
 // What is written is cut into blocks of this size, and read back in the same blocks.
 constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
-
-UString BesideName(const UString& target, std::size_t number)
-{
-    std::uint64_t hash = 0xcbf29ce484222325U;
-    for (const char16_t unit : NamePart(target)) {
-        hash = (hash ^ unit) * 0x100000001b3U;
-    }
-    UString name(FolderPart(target));
-    if (!name.empty() && !IsSeparator(name.back())) {
-        name += kSeparator;
-    }
-    name += kPrefix;
-    for (std::size_t digit = kHashDigits; digit-- > 0;) {
-        name += kHexDigits[(hash >> (4 * digit)) & 0xF];
-    }
-    name += u'-';
-    if (number >= 10) {
-        name += static_cast<char16_t>(u'0' + number / 10);
-    }
-    name += static_cast<char16_t>(u'0' + number % 10);
-    return name;
-}
-
-bool IsBesideName(UStringView name)
-{
-    if (!name.starts_with(kPrefix)) {
-        return false;
-    }
-    name.remove_prefix(kPrefix.size());
-    const UStringView number = name.substr(std::min(name.size(), kHashDigits + 1));
-    return !number.empty() && number.size() <= 2 && name[kHashDigits] == u'-' &&
-           name.substr(0, kHashDigits).find_first_not_of(kHexDigits) == UStringView::npos &&
-           number.find_first_not_of(kHexDigits.substr(0, 10)) == UStringView::npos;
-}
-
-void ClearFolder(const UString& folder)
-{
-    for (const UString& name : NamesInFolder(folder, EntryKind::kFile, kPrefix)) {
-        if (IsBesideName(name)) {
-            RemoveUnlessLocked(File(Dir(folder), name).FullPath());
-        }
-    }
-}
 
 // Not a secure digest: it only has to tell what was written from what came back. Every step is
 // one-to-one in the digest so far and in the word, so a single damaged word is always seen.
@@ -180,7 +126,7 @@ private:
 
 }  // namespace
 
-/// One replacement. Whatever ends it, nothing of it is left beside the target.
+/// One replacement.
 class FileReplacement {
 public:
     FileReplacement(const UString& path, const ReplaceOptions& options)
@@ -189,41 +135,20 @@ public:
     }
     FileReplacement(const FileReplacement&) = delete;
     FileReplacement& operator=(const FileReplacement&) = delete;
-    ~FileReplacement()
-    {
-        // The files are still open here, and so the names still ours.
-        RemoveSilently(newName_);
-        RemoveSilently(keptName_);
-    }
 
-    FileIdentity Run(const std::function<void(OutputFile& out)>& write)
+    FileIdentity Run(const std::function<void(OutputFile& out)>& write) const
     {
-        exists_ = FindIdentity(path_).has_value();
+        const bool exists = FindIdentity(path_).has_value();
         RefuseChanged();
-        if (exists_) {
+        if (exists) {
             RefuseReadOnly(target_);
         }
-        const UString folder(FolderPart(target_));
-        ClearFolder(folder);
-        Create();
-        BlockOutput out(*file_, path_);
-        write(out);
-        out.Finish();
-        if (options_.check) {
-            InputFile written(file_);
-            options_.check(written);
-        }
-        KeepOld();
+        ClearLeftovers(UString(FolderPart(target_)));
+        FileExchange exchange(target_, path_);
+        Write(exchange.Create(exists), write);
+        exchange.KeepOld();
         RefuseChanged();
-        RenameOver(newName_, target_);
-        newName_.clear();
-        try {
-            FlushFolder(folder, path_);
-        } catch (const FileError&) {
-            PutOldBack();
-            throw;
-        }
-        return file_->Identity();
+        return exchange.Place();
     }
 
 private:
@@ -235,75 +160,21 @@ private:
         }
     }
 
-    void Create()
+    void Write(const std::shared_ptr<SystemFile>& file,
+               const std::function<void(OutputFile& out)>& write) const
     {
-        const std::optional<UString> original = exists_ ? std::optional(target_) : std::nullopt;
-        for (std::size_t number = 0; number < kMaxNumbers; ++number) {
-            UString name = BesideName(target_, number);
-            file_ = SystemFile::CreateLocked(name, path_, original);
-            if (file_) {
-                newName_ = std::move(name);
-                return;
-            }
-        }
-        throw FileError(FileError::Kind::kOther,
-                        ErrorText(path_, "is being written by too many others"));
-    }
-
-    void KeepOld()
-    {
-        old_ = exists_ ? SystemFile::Hold(target_) : nullptr;
-        LinkResult result = old_ ? LinkResult::kTaken : LinkResult::kFailed;
-        for (std::size_t number = 0; result == LinkResult::kTaken && number < kMaxNumbers;
-             ++number) {
-            UString name = BesideName(target_, number);
-            result = old_->Link(name);
-            if (result == LinkResult::kMade) {
-                keptName_ = std::move(name);
-            }
-        }
-    }
-
-    void PutOldBack() noexcept
-    {
-        try {
-            if (FindIdentity(target_) != file_->Identity()) {
-                return;  // another writer's by now
-            }
-            if (!exists_) {
-                RemoveFile(target_);
-            } else if (!keptName_.empty()) {
-                RenameOver(keptName_, target_);
-                keptName_.clear();
-            }
-        } catch (const std::exception& error) {
-            debug::Trace(0, "kivcore", error.what());
-        }
-    }
-
-    static void RemoveSilently(const UString& name) noexcept
-    {
-        if (name.empty()) {
-            return;
-        }
-        try {
-            RemoveFile(name);
-        } catch (const std::exception& error) {
-            debug::Trace(0, "kivcore", error.what());
+        BlockOutput out(*file, path_);
+        write(out);
+        out.Finish();
+        if (options_.check) {
+            InputFile written(file);
+            options_.check(written);
         }
     }
 
     const UString path_;    // as the caller names it
     const UString target_;  // with symbolic links followed
     const ReplaceOptions& options_;
-    bool exists_ = false;
-    // A name beside the target is ours for as long as the file is open: all others leave it alone
-    // then. Without that, a name that another writer cleared and took would be removed, or even
-    // renamed over the target, half written.
-    std::shared_ptr<SystemFile> file_;
-    std::shared_ptr<SystemFile> old_;
-    UString newName_;   // of file_, while it has one
-    UString keptName_;  // of old_, the second one, while it has it
 };
 
 FileIdentity ReplaceFile(const UString& path, const std::function<void(OutputFile& out)>& write,
@@ -320,18 +191,7 @@ void CheckReplaceable(const UString& path)
 void RecoverReplacedFile(const UString& path) noexcept
 {
     try {
-        const UString target = FollowLinks(AbsolutePath(path));
-        // Two in a row, because a writer uses up to two names and lets go of the lower one first.
-        std::size_t free = 0;
-        for (std::size_t number = 0; number < kMaxNumbers && free < 2; ++number) {
-            const UString name = BesideName(target, number);
-            if (IsNameTaken(name)) {
-                RemoveUnlessLocked(name);
-                free = 0;
-            } else {
-                ++free;
-            }
-        }
+        RecoverLeftovers(FollowLinks(AbsolutePath(path)));
     } catch (const std::exception& error) {
         debug::Trace(0, "kivcore", error.what());
     }

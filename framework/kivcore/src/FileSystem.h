@@ -39,8 +39,6 @@ std::optional<FileIdentity> FindIdentity(const UString& path);
 /// the read-only attribute), or the system does not let us.
 void RefuseReadOnly(const UString& path);
 
-enum class LinkResult { kMade, kTaken, kFailed };
-
 /// An open file.
 class SystemFile {
 public:
@@ -52,10 +50,6 @@ public:
     static std::shared_ptr<SystemFile> CreateLocked(const UString& path, const UString& shownPath,
                                                     const std::optional<UString>& original);
 
-    /// Opens the file at `path` and marks it as in use by a living writer, so that
-    /// RemoveUnlessLocked leaves all its names alone. Null where that is not possible.
-    static std::shared_ptr<SystemFile> Hold(const UString& path);
-
     SystemFile(const SystemFile&) = delete;
     SystemFile& operator=(const SystemFile&) = delete;
     ~SystemFile();
@@ -65,8 +59,6 @@ public:
     std::size_t ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes, FileStep step);
     void Append(const void* data, std::size_t bytes);
     void Flush();
-    /// Gives the file one more name in the same file system.
-    LinkResult Link(const UString& name);
 
 private:
     SystemFile(std::intptr_t handle, UString shownPath)
@@ -78,14 +70,7 @@ private:
     UString shownPath_;
 };
 
-/// Puts the file `from` in the place of `to`, in one step.
-void RenameOver(const UString& from, const UString& to);
-/// Makes what was made and renamed in `folder` survive a power failure.
-void FlushFolder(const UString& folder, const UString& shownPath);
-
 /// True if there is something of that name, whatever it is.
 bool IsNameTaken(const UString& path);
-/// Removes the file unless a living writer holds its lock.
-void RemoveUnlessLocked(const UString& path);
 
 }  // namespace kivcore::filesupport

@@ -1,6 +1,3 @@
-// File names go to the system as bytes. A path with a NUL in it would be cut by the system and name
-// another file, so it is handed over as the empty path, which no file has.
-
 #include "framework/kivcore/src/FileSystem.h"
 
 #include <algorithm>
@@ -17,9 +14,8 @@
 #include <unistd.h>
 
 #include "framework/kivcore/src/FileAccess_posix.h"
-#include "framework/kivcore/src/FileFault.h"
 #include "framework/kivcore/src/Path.h"
-#include "framework/kivcore/src/SystemError.h"
+#include "framework/kivcore/src/SystemCall_posix.h"
 
 #include <kivcore/Trace.h>
 
@@ -30,48 +26,6 @@ namespace {
 constexpr std::string_view kNoFileBeside = "no new file can be made beside it";
 constexpr std::string_view kNotAFile = "is not a file";
 constexpr int kMaxLinks = 40;
-
-std::string Native(const UString& path)
-{
-    std::string native = PathToUTF8(path);
-    return native.find('\0') == std::string::npos ? native : std::string();
-}
-
-/// Carries a system call out (it answers -1 and sets errno where it fails) unless the fault switch
-/// answers for it; again where a signal interrupted it.
-template <class Call>
-auto Attempt(FileStep step, const Call& call) -> decltype(call())
-{
-    if (const int fault = TakeFault(step)) {
-        errno = fault;
-        return -1;
-    }
-    for (;;) {
-        const auto result = call();
-        if (result != -1 || errno != EINTR) {
-            return result;
-        }
-    }
-}
-
-/// Closes what it holds.
-class Descriptor {
-public:
-    explicit Descriptor(int number) : number_(number) {}
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-    ~Descriptor()
-    {
-        if (number_ >= 0) {
-            close(number_);
-        }
-    }
-    int Get() const { return number_; }
-    int Release() { return std::exchange(number_, -1); }
-
-private:
-    int number_;
-};
 
 struct FolderCloser {
     void operator()(DIR* folder) const { closedir(folder); }
@@ -98,16 +52,7 @@ FileIdentity IdentityFrom(const struct stat& status)
 bool HasKind(const UString& path, mode_t kind)
 {
     struct stat status {};
-    return stat(Native(path).c_str(), &status) == 0 && (status.st_mode & S_IFMT) == kind;
-}
-
-/// True if `name` still names the open file.
-bool Names(const std::string& name, int descriptor)
-{
-    struct stat named {};
-    struct stat open {};
-    return lstat(name.c_str(), &named) == 0 && fstat(descriptor, &open) == 0 &&
-           named.st_dev == open.st_dev && named.st_ino == open.st_ino;
+    return stat(NativePath(path).c_str(), &status) == 0 && (status.st_mode & S_IFMT) == kind;
 }
 
 void TraceUnlessMissing(const UString& folder, int error)
@@ -137,13 +82,13 @@ bool IsFolder(const UString& path)
 std::vector<UString> NamesInFolder(const UString& folder, EntryKind kind, UStringView prefix)
 {
     std::vector<UString> names;
-    const std::string native = Native(folder);
+    const std::string native = NativePath(folder);
     const std::unique_ptr<DIR, FolderCloser> stream(opendir(native.c_str()));
     if (!stream) {
         TraceUnlessMissing(folder, errno);
         return names;
     }
-    const std::string nativePrefix = Native(UString(prefix));
+    const std::string nativePrefix = NativePath(UString(prefix));
     const mode_t wanted = kind == EntryKind::kFile ? S_IFREG : S_IFDIR;
     while (const dirent* entry = readdir(stream.get())) {
         const std::string name = entry->d_name;
@@ -162,7 +107,7 @@ std::vector<UString> NamesInFolder(const UString& folder, EntryKind kind, UStrin
 
 void MakeFolder(const UString& path)
 {
-    const std::string native = Native(path);
+    const std::string native = NativePath(path);
     if (Attempt(FileStep::kCreate, [&] { return mkdir(native.c_str(), 0777); }) == -1) {
         const int error = errno;
         if (error != EEXIST || !IsFolder(path)) {
@@ -173,7 +118,7 @@ void MakeFolder(const UString& path)
 
 void MakeEmptyFile(const UString& path)
 {
-    const std::string native = Native(path);
+    const std::string native = NativePath(path);
     const Descriptor file(Attempt(FileStep::kCreate, [&] {
         return open(native.c_str(),
                     O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666);
@@ -185,7 +130,7 @@ void MakeEmptyFile(const UString& path)
 
 void RemoveFile(const UString& path)
 {
-    const std::string native = Native(path);
+    const std::string native = NativePath(path);
     if (Attempt(FileStep::kRemove, [&] { return unlink(native.c_str()); }) == -1 &&
         errno != ENOENT) {
         ThrowSystemError(path, StepText(FileStep::kRemove), errno);
@@ -197,7 +142,7 @@ UString FollowLinks(const UString& path)
     UString target = path;
     std::vector<char> buffer(PATH_MAX);
     for (int links = 0; links < kMaxLinks; ++links) {
-        const ssize_t length = readlink(Native(target).c_str(), buffer.data(), buffer.size());
+        const ssize_t length = readlink(NativePath(target).c_str(), buffer.data(), buffer.size());
         if (length < 0) {
             return target;
         }
@@ -213,7 +158,7 @@ UString FollowLinks(const UString& path)
 std::optional<FileIdentity> FindIdentity(const UString& path)
 {
     struct stat status {};
-    if (stat(Native(path).c_str(), &status) == -1) {
+    if (stat(NativePath(path).c_str(), &status) == -1) {
         if (errno == ENOENT) {
             return std::nullopt;
         }
@@ -227,7 +172,7 @@ std::optional<FileIdentity> FindIdentity(const UString& path)
 
 void RefuseReadOnly(const UString& path)
 {
-    const std::string native = Native(path);
+    const std::string native = NativePath(path);
     struct stat status {};
     if (stat(native.c_str(), &status) == -1) {
         ThrowSystemError(path, StepText(FileStep::kOpen), errno);
@@ -243,7 +188,7 @@ void RefuseReadOnly(const UString& path)
 
 std::shared_ptr<SystemFile> SystemFile::Open(const UString& path, const UString& shownPath)
 {
-    const std::string native = Native(path);
+    const std::string native = NativePath(path);
     // Without O_NONBLOCK a named pipe would hold us here.
     Descriptor file(Attempt(FileStep::kOpen, [&] {
         return open(native.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
@@ -261,7 +206,7 @@ std::shared_ptr<SystemFile> SystemFile::Open(const UString& path, const UString&
 std::shared_ptr<SystemFile> SystemFile::CreateLocked(const UString& path, const UString& shownPath,
                                                      const std::optional<UString>& original)
 {
-    const std::string native = Native(path);
+    const std::string native = NativePath(path);
     Descriptor file(Attempt(FileStep::kCreate, [&] {
         return open(native.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW,
                     original ? S_IRUSR | S_IWUSR : 0666);
@@ -278,24 +223,13 @@ std::shared_ptr<SystemFile> SystemFile::CreateLocked(const UString& path, const 
     if (flock(file.Get(), LOCK_EX | LOCK_NB) == -1 && errno == EWOULDBLOCK) {
         return nullptr;
     }
-    if (!Names(native, file.Get())) {
+    if (!NamesOpenFile(native, file.Get())) {
         return nullptr;
     }
     if (original) {
-        CopyAccess(Native(*original), file.Get());
+        CopyAccess(NativePath(*original), file.Get());
     }
     return std::shared_ptr<SystemFile>(new SystemFile(file.Release(), shownPath));
-}
-
-std::shared_ptr<SystemFile> SystemFile::Hold(const UString& path)
-{
-    Descriptor file(
-        open(Native(path).c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
-    // Several may hold one file.
-    if (file.Get() == -1 || (flock(file.Get(), LOCK_SH | LOCK_NB) == -1 && errno == EWOULDBLOCK)) {
-        return nullptr;
-    }
-    return std::shared_ptr<SystemFile>(new SystemFile(file.Release(), path));
 }
 
 SystemFile::~SystemFile()
@@ -354,62 +288,18 @@ void SystemFile::Flush()
     }
 }
 
-LinkResult SystemFile::Link(const UString& name)
-{
-    // By way of the open file, because another one may stand under its name by now.
-    const std::string open = "/proc/self/fd/" + std::to_string(handle_);
-    if (linkat(AT_FDCWD, open.c_str(), AT_FDCWD, Native(name).c_str(), AT_SYMLINK_FOLLOW) == 0) {
-        return LinkResult::kMade;
-    }
-    return errno == EEXIST ? LinkResult::kTaken : LinkResult::kFailed;
-}
-
-void RenameOver(const UString& from, const UString& to)
-{
-    const std::string nativeFrom = Native(from);
-    const std::string nativeTo = Native(to);
-    if (Attempt(FileStep::kRename, [&] { return rename(nativeFrom.c_str(), nativeTo.c_str()); }) ==
-        -1) {
-        ThrowSystemError(to, StepText(FileStep::kRename), errno);
-    }
-}
-
-void FlushFolder(const UString& folder, const UString& shownPath)
-{
-    const std::string native = Native(folder);
-    const Descriptor file(open(native.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    // A folder that may be written but not read cannot be opened, and some file systems flush no
-    // folders: there is nothing more to be done then.
-    if (file.Get() == -1 && errno == EACCES) {
-        return;
-    }
-    if ((file.Get() == -1 ||
-         Attempt(FileStep::kFlushFolder, [&] { return fsync(file.Get()); }) == -1) &&
-        errno != EINVAL && errno != ENOTSUP) {
-        ThrowSystemError(shownPath, StepText(FileStep::kFlushFolder), errno);
-    }
-}
-
 bool IsNameTaken(const UString& path)
 {
     struct stat status {};
-    return lstat(Native(path).c_str(), &status) == 0;
+    return lstat(NativePath(path).c_str(), &status) == 0;
 }
 
-void RemoveUnlessLocked(const UString& path)
+bool NamesOpenFile(const std::string& name, int descriptor)
 {
-    const std::string native = Native(path);
-    const Descriptor file(
-        open(native.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY));
-    struct stat status {};
-    if (file.Get() == -1 || fstat(file.Get(), &status) == -1 || !S_ISREG(status.st_mode)) {
-        return;
-    }
-    // With the lock in hand, the name is looked at again: the writer may have come to its end and
-    // let go of the lock just now, and then the open file is the replaced one under its own name.
-    if (flock(file.Get(), LOCK_EX | LOCK_NB) == 0 && Names(native, file.Get())) {
-        unlink(native.c_str());
-    }
+    struct stat named {};
+    struct stat open {};
+    return lstat(name.c_str(), &named) == 0 && fstat(descriptor, &open) == 0 &&
+           named.st_dev == open.st_dev && named.st_ino == open.st_ino;
 }
 
 }  // namespace kivcore::filesupport

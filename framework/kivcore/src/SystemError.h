@@ -12,6 +12,10 @@ namespace kivcore::filesupport {
 /// The number of the error of that name ("ENOSPC", or the number itself); 0 where there is none.
 int SystemErrorByName(std::string_view name) noexcept;
 
+/// The system's number of an errno. On Windows those are two worlds: numbers that no errno of ours
+/// has are taken for the system's own.
+int SystemErrorByErrno(int error) noexcept;
+
 /// "PATH: WHAT", UTF-8.
 std::string ErrorText(const UString& path, std::string_view what);
 

@@ -78,6 +78,11 @@ int SystemErrorByName(std::string_view name) noexcept
     return number > 0 ? number : 0;
 }
 
+int SystemErrorByErrno(int error) noexcept
+{
+    return error;
+}
+
 std::string ErrorText(const UString& path, std::string_view what)
 {
     return string::UTF16to8(path).append(": ").append(what);

@@ -7,7 +7,6 @@
 
 #include <charconv>
 #include <cstdio>
-#include <cstdlib>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -15,6 +14,8 @@
 #include <utility>
 
 #include "framework/kivcore/src/Debugger.h"
+#include "framework/kivcore/src/EnvironmentText.h"
+#include "framework/kivcore/src/StaticMutex.h"
 
 namespace kivcore::debug {
 
@@ -35,7 +36,7 @@ struct State {
     std::shared_ptr<const AssertHandler> assertHandler;
 };
 
-constinit std::mutex stateMutex;
+constinit StaticMutex stateMutex;
 constinit std::atomic<std::uint32_t> changeCount{1};
 thread_local bool isInSink = false;
 
@@ -136,8 +137,7 @@ std::shared_ptr<const State> StateWithEnvironment()
     if (state->environmentRead) {
         return state;
     }
-    const char* const variable = std::getenv("KIV_TRACE");
-    const Levels named = ReadLevels(variable != nullptr ? variable : "");
+    const Levels named = ReadLevels(EnvironmentText("KIV_TRACE").value_or(""));
     ChangeState([&named](State& changed) {
         if (!changed.environmentRead) {
             changed.environmentRead = true;

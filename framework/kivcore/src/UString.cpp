@@ -8,6 +8,8 @@
 #include <mutex>
 #include <type_traits>
 
+#include "framework/kivcore/src/StaticMutex.h"
+
 namespace kivcore {
 
 namespace {
@@ -39,7 +41,7 @@ struct FreeBlock {
 };
 
 struct Pool {
-    std::mutex mutex;
+    StaticMutex mutex;
     std::array<FreeBlock*, kClassCount> free{};
     std::size_t waitingBytes = 0;
 };

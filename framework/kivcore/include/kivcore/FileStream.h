@@ -76,10 +76,11 @@ enum class FileStep {
 inline constexpr int kKillProcess = -1;
 
 /// Test switch: the `countdown`-th coming occurrence of `step` (1 is the next) fails as if the
-/// system had answered with the errno `systemError`; 0 takes the switch away. The environment
-/// variable KIV_FILE_FAULT="write:ENOSPC:1" sets it for a whole process; the steps are called open,
-/// read, create, write, flush, verify, rename, flushfolder and remove, the errors by the system's
-/// names or numbers, or "KILL".
+/// system had answered with the errno `systemError`; 0 takes the switch away. On Windows the errno
+/// is translated to the system's error, and other numbers (1175) are the system's own. The
+/// environment variable KIV_FILE_FAULT="write:ENOSPC:1" sets it for a whole process; the steps are
+/// called open, read, create, write, flush, verify, rename, flushfolder and remove, the errors by
+/// their errno's names, the system's names ("ERROR_SHARING_VIOLATION") or numbers, or "KILL".
 KIVCORE_API void SetFileFault(FileStep step, int systemError, int countdown);
 
 }  // namespace kivcore::filesupport

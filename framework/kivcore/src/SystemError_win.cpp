@@ -1,0 +1,184 @@
+#include "framework/kivcore/src/SystemError.h"
+
+#include <cerrno>
+#include <charconv>
+
+#include <windows.h>
+
+#include <kivcore/StringConversion.h>
+
+#include "framework/kivcore/src/SystemCall_win.h"
+
+namespace kivcore::filesupport {
+
+namespace {
+
+using Kind = FileError::Kind;
+
+struct ErrorRow {
+    int number;
+    std::string_view name;  // behind "ERROR_"
+    Kind kind;
+    std::string_view text;
+};
+
+// The texts of the other systems where the meaning is the same.
+constexpr ErrorRow kErrorRows[] = {
+    {ERROR_FILE_NOT_FOUND, "FILE_NOT_FOUND", Kind::kNotFound, "no such file or folder"},
+    {ERROR_PATH_NOT_FOUND, "PATH_NOT_FOUND", Kind::kNotFound, "no such file or folder"},
+    {ERROR_TOO_MANY_OPEN_FILES, "TOO_MANY_OPEN_FILES", Kind::kOther, "too many open files"},
+    {ERROR_ACCESS_DENIED, "ACCESS_DENIED", Kind::kRefused, "permission denied"},
+    {ERROR_INVALID_HANDLE, "INVALID_HANDLE", Kind::kOther, "the file is not open"},
+    {ERROR_NOT_ENOUGH_MEMORY, "NOT_ENOUGH_MEMORY", Kind::kOther, "out of memory"},
+    {ERROR_OUTOFMEMORY, "OUTOFMEMORY", Kind::kOther, "out of memory"},
+    {ERROR_INVALID_DRIVE, "INVALID_DRIVE", Kind::kNotFound, "no such drive"},
+    {ERROR_NOT_SAME_DEVICE, "NOT_SAME_DEVICE", Kind::kOther, "on another file system"},
+    {ERROR_WRITE_PROTECT, "WRITE_PROTECT", Kind::kRefused, "the file system is read-only"},
+    {ERROR_NOT_READY, "NOT_READY", Kind::kOther, "the drive is not ready"},
+    {ERROR_CRC, "CRC", Kind::kOther, "the disk reports an error"},
+    {ERROR_SEEK, "SEEK", Kind::kOther, "the disk reports an error"},
+    {ERROR_SECTOR_NOT_FOUND, "SECTOR_NOT_FOUND", Kind::kOther, "the disk reports an error"},
+    {ERROR_WRITE_FAULT, "WRITE_FAULT", Kind::kOther, "the disk reports an error"},
+    {ERROR_READ_FAULT, "READ_FAULT", Kind::kOther, "the disk reports an error"},
+    {ERROR_IO_DEVICE, "IO_DEVICE", Kind::kOther, "the disk reports an error"},
+    {ERROR_DISK_CORRUPT, "DISK_CORRUPT", Kind::kOther, "the disk reports an error"},
+    {ERROR_FILE_CORRUPT, "FILE_CORRUPT", Kind::kOther, "the disk reports an error"},
+    {ERROR_SHARING_VIOLATION, "SHARING_VIOLATION", Kind::kOther, "in use by another program"},
+    {ERROR_LOCK_VIOLATION, "LOCK_VIOLATION", Kind::kOther, "in use by another program"},
+    {ERROR_BUSY, "BUSY", Kind::kOther, "in use by another program"},
+    {ERROR_USER_MAPPED_FILE, "USER_MAPPED_FILE", Kind::kOther, "in use by another program"},
+    {ERROR_DELETE_PENDING, "DELETE_PENDING", Kind::kOther, "it is being removed"},
+    {ERROR_HANDLE_DISK_FULL, "HANDLE_DISK_FULL", Kind::kNoSpace, "no space left on the disk"},
+    {ERROR_DISK_FULL, "DISK_FULL", Kind::kNoSpace, "no space left on the disk"},
+    {kErrorDiskQuotaExceeded, "DISK_QUOTA_EXCEEDED", Kind::kNoSpace, "the disk quota is used up"},
+    {ERROR_NOT_ENOUGH_QUOTA, "NOT_ENOUGH_QUOTA", Kind::kNoSpace, "the disk quota is used up"},
+    {ERROR_NOT_SUPPORTED, "NOT_SUPPORTED", Kind::kOther, "the file system does not support it"},
+    {ERROR_INVALID_FUNCTION, "INVALID_FUNCTION", Kind::kOther,
+     "the file system does not support it"},
+    {ERROR_INVALID_PARAMETER, "INVALID_PARAMETER", Kind::kOther,
+     "the file system does not allow it"},
+    {ERROR_BAD_NETPATH, "BAD_NETPATH", Kind::kNotFound, "no such server"},
+    {ERROR_BAD_NET_NAME, "BAD_NET_NAME", Kind::kNotFound, "no such folder on the server"},
+    {ERROR_NETNAME_DELETED, "NETNAME_DELETED", Kind::kOther, "the server does not answer"},
+    {ERROR_SEM_TIMEOUT, "SEM_TIMEOUT", Kind::kOther, "the server does not answer"},
+    {ERROR_NETWORK_UNREACHABLE, "NETWORK_UNREACHABLE", Kind::kOther, "the server does not answer"},
+    {ERROR_FILE_EXISTS, "FILE_EXISTS", Kind::kOther, "a file of that name exists"},
+    {ERROR_ALREADY_EXISTS, "ALREADY_EXISTS", Kind::kOther, "a file of that name exists"},
+    {ERROR_INVALID_NAME, "INVALID_NAME", Kind::kNotFound, "no file can have that name"},
+    {ERROR_BAD_PATHNAME, "BAD_PATHNAME", Kind::kNotFound, "no file can have that name"},
+    {ERROR_FILENAME_EXCED_RANGE, "FILENAME_EXCED_RANGE", Kind::kOther, "the name is too long"},
+    {ERROR_BUFFER_OVERFLOW, "BUFFER_OVERFLOW", Kind::kOther, "the name is too long"},
+    {ERROR_FILE_TOO_LARGE, "FILE_TOO_LARGE", Kind::kTooLarge, "the file would be too large"},
+    {ERROR_DIRECTORY, "DIRECTORY", Kind::kNotFound, "a part of the path is not a folder"},
+    {kErrorDirectoryNotSupported, "DIRECTORY_NOT_SUPPORTED", Kind::kRefused, "it is a folder"},
+    {ERROR_CANT_RESOLVE_FILENAME, "CANT_RESOLVE_FILENAME", Kind::kOther, "too many symbolic links"},
+    {ERROR_PRIVILEGE_NOT_HELD, "PRIVILEGE_NOT_HELD", Kind::kRefused, "not permitted"},
+    {kErrorVirusInfected, "VIRUS_INFECTED", Kind::kRefused, "the virus scanner refuses it"},
+    {ERROR_UNABLE_TO_REMOVE_REPLACED, "UNABLE_TO_REMOVE_REPLACED", Kind::kOther,
+     "the old one cannot be put aside"},
+    {ERROR_UNABLE_TO_MOVE_REPLACEMENT, "UNABLE_TO_MOVE_REPLACEMENT", Kind::kOther,
+     "the system does not move it"},
+    {ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, "UNABLE_TO_MOVE_REPLACEMENT_2", Kind::kOther,
+     "the system put the old one aside and does not move the new one"},
+};
+
+struct PosixRow {
+    int posix;
+    std::string_view name;
+    int number;
+};
+
+// The errors by which tests of all systems ask for a fault.
+constexpr PosixRow kPosixRows[] = {
+    {EACCES, "EACCES", ERROR_ACCESS_DENIED},
+    {EBADF, "EBADF", ERROR_INVALID_HANDLE},
+    {EBUSY, "EBUSY", ERROR_SHARING_VIOLATION},
+    {EEXIST, "EEXIST", ERROR_FILE_EXISTS},
+    {EFBIG, "EFBIG", ERROR_FILE_TOO_LARGE},
+    {EINVAL, "EINVAL", ERROR_INVALID_PARAMETER},
+    {EIO, "EIO", ERROR_IO_DEVICE},
+    {EISDIR, "EISDIR", kErrorDirectoryNotSupported},
+    {EMFILE, "EMFILE", ERROR_TOO_MANY_OPEN_FILES},
+    {ENAMETOOLONG, "ENAMETOOLONG", ERROR_FILENAME_EXCED_RANGE},
+    {ENOENT, "ENOENT", ERROR_FILE_NOT_FOUND},
+    {ENOMEM, "ENOMEM", ERROR_NOT_ENOUGH_MEMORY},
+    {ENOSPC, "ENOSPC", ERROR_DISK_FULL},
+    {ENOTDIR, "ENOTDIR", ERROR_DIRECTORY},
+    {ENOTSUP, "ENOTSUP", ERROR_NOT_SUPPORTED},
+    {EPERM, "EPERM", ERROR_PRIVILEGE_NOT_HELD},
+    {EROFS, "EROFS", ERROR_WRITE_PROTECT},
+    {ETIMEDOUT, "ETIMEDOUT", ERROR_SEM_TIMEOUT},
+    {EXDEV, "EXDEV", ERROR_NOT_SAME_DEVICE},
+};
+
+constexpr std::string_view kNamePrefix = "ERROR_";
+
+const ErrorRow* FindRow(int number)
+{
+    for (const ErrorRow& row : kErrorRows) {
+        if (row.number == number) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace
+
+int SystemErrorByName(std::string_view name) noexcept
+{
+    for (const PosixRow& row : kPosixRows) {
+        if (row.name == name) {
+            return row.number;
+        }
+    }
+    if (name.starts_with(kNamePrefix)) {
+        name.remove_prefix(kNamePrefix.size());
+        for (const ErrorRow& row : kErrorRows) {
+            if (row.name == name) {
+                return row.number;
+            }
+        }
+    }
+    int number = 0;
+    std::from_chars(name.data(), name.data() + name.size(), number);
+    return number > 0 ? number : 0;
+}
+
+int SystemErrorByErrno(int error) noexcept
+{
+    for (const PosixRow& row : kPosixRows) {
+        if (row.posix == error) {
+            return row.number;
+        }
+    }
+    return error;
+}
+
+std::string ErrorText(const UString& path, std::string_view what)
+{
+    return string::UTF16to8(path).append(": ").append(what);
+}
+
+void ThrowSystemError(const UString& path, std::string_view what, int error)
+{
+    const ErrorRow* const row = FindRow(error);
+    std::string text = ErrorText(path, what).append(": ");
+    if (row) {
+        text += row->text;
+    } else {
+        text += "system error " + std::to_string(error);
+    }
+    throw FileError(row ? row->kind : Kind::kOther, text);
+}
+
+void KillProcess() noexcept
+{
+    // The number by which the system says that a program was ended from outside.
+    TerminateProcess(GetCurrentProcess(), STATUS_CONTROL_C_EXIT);
+    for (;;) {
+        Sleep(INFINITE);
+    }
+}
+
+}  // namespace kivcore::filesupport
