@@ -3,6 +3,7 @@
 
 #include "dictionary/Dictionary.h"
 #include "dictionary/InputStreams.h"
+#include "dictionary/Utf8.h"
 #include "dictionary/ValuePasses.h"
 
 #include <cstddef>
@@ -30,14 +31,16 @@ public:
     {
         Require(entries.emplace(key, value).second);
     }
+    void VisitBare(std::uint32_t /*index*/, std::u16string_view /*value*/) override { ++bareCount; }
     Entries entries;
+    std::size_t bareCount = 0;
 };
 
 Entries EntriesOf(const Dictionary& dictionary)
 {
     Collector collector;
     dictionary.VisitEntries(collector);
-    Require(collector.entries.size() == dictionary.EntryCount());
+    Require(collector.entries.size() + collector.bareCount == dictionary.EntryCount());
     return collector.entries;
 }
 
@@ -56,6 +59,31 @@ void CheckLookups(const Dictionary& dictionary, const Entries& entries)
     }
 }
 
+// The same lines in every encoding: what UTF-8 gives, both orders of UTF-16 give too.
+void CheckEncodings(const std::string& bytes)
+{
+    std::u16string text;
+    if (!morvish_private::ConvertUtf8(bytes, text) ||
+        text.find_first_of(std::u16string_view(u"\0\r\u2028\u2029\uFEFF", 5)) != text.npos)
+        return;  // these end a line or a file in one encoding only
+    std::string little = "\xFF\xFE";
+    std::string big = "\xFE\xFF";
+    for (const char16_t unit : text) {
+        const char low = static_cast<char>(unit & 0xFF);
+        const char high = static_cast<char>(unit >> 8);
+        little += {low, high};
+        big += {high, low};
+    }
+    Dictionary dictionaries[3];
+    dictionaries[0].LoadFromMemory((bytes + "\n\n").data(), bytes.size() + 2);
+    dictionaries[1].LoadFromMemory(little.data(), little.size());
+    dictionaries[2].LoadFromMemory(big.data(), big.size());
+    for (const Dictionary& other : dictionaries) {
+        Require(EntriesOf(other) == EntriesOf(dictionaries[0]));
+        Require(other.Valid() == dictionaries[0].Valid());
+    }
+}
+
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
@@ -66,6 +94,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     memory.LoadFromMemory(data, size);
     const Entries entries = EntriesOf(memory);
     CheckLookups(memory, entries);
+    if (!bytes.starts_with(morvish::kImageMagic))
+        CheckEncodings(bytes);
 
     Dictionary own;
     morvish::basic_irstream<char> ownStream(data, size);

@@ -3,9 +3,11 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <map>
+#include <string>
 
 #include "svgloom/renderer/Records.h"
-#include "svgloom/src/NameHash.h"
 
 namespace SVGLoom {
 
@@ -18,6 +20,6 @@ struct GradientDefinition {
     SpreadMethod spreadMethod = SpreadMethod::kPad;  // read, and not drawn
 };
 
-using GradientTable = NameMap<GradientDefinition>;
+using GradientTable = std::map<std::string, GradientDefinition, std::less<>>;
 
 }  // namespace SVGLoom

@@ -18,7 +18,7 @@ namespace {
 using kivcore::testing::RunInChild;
 using kivcore::testing::RunUnprivileged;
 
-class DefinitionsSystemTest : public DefinitionsFixture {
+class DefinitionsPosixTest : public DefinitionsFixture {
 protected:
     /// Loads, and tells the views and what was traced, a line each.
     std::string LoadAndTell()
@@ -50,7 +50,7 @@ protected:
     }
 };
 
-TEST_F(DefinitionsSystemTest, WhatMayNotBeReadIsLeftOut)
+TEST_F(DefinitionsPosixTest, WhatMayNotBeReadIsLeftOut)
 {
     PutBuiltIn();
     PutSet("prefs/Definitions/a", "org.a", "v");
@@ -83,7 +83,7 @@ TEST_F(DefinitionsSystemTest, WhatMayNotBeReadIsLeftOut)
 }
 
 // A user without a home, as services have: there is no preferences folder to look into.
-TEST_F(DefinitionsSystemTest, AUserWithoutAHomeHasTheRest)
+TEST_F(DefinitionsPosixTest, AUserWithoutAHomeHasTheRest)
 {
     PutBuiltIn();
     PutSet("app/Required/Definitions/z", "org.z", "r");
