@@ -107,6 +107,9 @@ public:
     /// The header text of a loaded image, null if there is none.
     const char* HeaderText() const { return headerText_.get(); }
 
+    /// What an image is written with from now on, up to the first NUL.
+    void SetHeaderText(const std::string& text);
+
     /// The store flag of the image loaded last, 0 without one.
     std::uint8_t StoreFlag() const { return binaryStore_->StoreFlag(); }
 

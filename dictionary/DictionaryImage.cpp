@@ -11,8 +11,8 @@
 #include "dictionary/ImageSource.h"
 #include "dictionary/StoreImageWriter.h"
 
+#include <algorithm>
 #include <array>
-#include <cstring>
 #include <iostream>
 #include <limits>
 #include <stdexcept>
@@ -106,6 +106,13 @@ bool Dictionary::ReadHeaderText(ImageSource& source, std::uint32_t lengthBytes)
         return false;
     headerText_ = std::move(text);
     return true;
+}
+
+void Dictionary::SetHeaderText(const std::string& text)
+{
+    auto copy = std::make_unique<char[]>(text.size() + 1);
+    std::copy(text.begin(), text.end(), copy.get());
+    headerText_ = std::move(copy);
 }
 
 std::uint64_t Dictionary::Serialize(std::ostream& out, std::int32_t mode, bool storeFlag,

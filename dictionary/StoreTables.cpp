@@ -21,6 +21,7 @@ constexpr std::size_t kOffsetBytes = 4;
 constexpr std::size_t kLengthBytes = 2;
 constexpr std::size_t kTableBytes = kOffsetBytes + kLengthBytes;
 constexpr std::size_t kGroupBytes = 2 + 4;
+constexpr std::uint32_t kUnitBytes = sizeof(char16_t);
 
 bool IsInside(std::uint32_t offset, std::uint32_t length, std::uint32_t size)
 {
@@ -81,8 +82,8 @@ bool StoreTables::ReadCounts(ImageSource& source, ByteOrder order)
     }
     if (!hasKeys)
         groupCount_ = 0;
-    unitCount_ = valuePoolBytes / sizeof(char16_t);
-    return groupCount_ <= kBucketCount && valuePoolBytes % sizeof(char16_t) == 0;
+    unitCount_ = valuePoolBytes / kUnitBytes;
+    return groupCount_ <= kBucketCount && valuePoolBytes % kUnitBytes == 0;
 }
 
 bool StoreTables::ReadPools(ImageSource& source, ByteOrder order)

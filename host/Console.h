@@ -7,8 +7,8 @@
 
 namespace kivhost {
 
-/// While it lives, standard output and standard error pass bytes on as they are, and a console
-/// takes them for UTF-8.
+/// While it lives, the standard streams pass bytes on as they are, and a console takes them for
+/// UTF-8.
 class Console {
 public:
     Console();

@@ -37,6 +37,7 @@ std::string ToUtf8(const wchar_t* text)
 Console::Console()
 {
     // Lines end as they do on other systems: what a script compares is the same everywhere.
+    _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
     const UINT before = GetConsoleOutputCP();

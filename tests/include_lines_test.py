@@ -34,6 +34,7 @@ LAYERS = {
         "framework/kivmetadataui/src", "framework/kivtoolkit/src", "tests/ProcessCounts.h"),
     "framework/kivtoolkit": ("kivcore", "kivui", "kivmetadataui", "framework/kivmetadataui/src"),
     "host": ("include",),
+    "tools/pemtext": ("dictionary", "localizer", "kivcore", "host/Console.h"),
     # Judges of the whole.
     "bench": ("include", "dictionary", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
               "framework/kivxmp/tests"),
