@@ -4,11 +4,11 @@
 add_library(kivtoolkit_wx INTERFACE)
 
 if(WIN32)
+    set(wx_libraries "${KIV_WINDOWS_WXWIDGETS}/lib/gcc_x64_dll")
     target_include_directories(kivtoolkit_wx SYSTEM INTERFACE
-        "${KIV_WINDOWS_WXWIDGETS}/include" "${KIV_WINDOWS_WXWIDGETS}/lib/setup")
-    target_compile_definitions(kivtoolkit_wx INTERFACE
-        __WXMSW__ WXUSINGDLL wxDEBUG_LEVEL=0)
-    target_link_libraries(kivtoolkit_wx INTERFACE "${KIV_WINDOWS_WXWIDGETS}/lib/libwx.dll.a")
+        "${KIV_WINDOWS_WXWIDGETS}/include" "${wx_libraries}/mswu")
+    target_compile_definitions(kivtoolkit_wx INTERFACE __WXMSW__ WXUSINGDLL wxDEBUG_LEVEL=0)
+    target_link_libraries(kivtoolkit_wx INTERFACE "${wx_libraries}/libwxmsw32u.a")
 else()
     find_package(wxWidgets 3.2 REQUIRED COMPONENTS core base)
     target_include_directories(kivtoolkit_wx SYSTEM INTERFACE ${wxWidgets_INCLUDE_DIRS})

@@ -21,7 +21,7 @@ readonly compiler=x86_64-w64-mingw32-g++-posix
 # build_NAME gets the folders $source (the unpacked source package), $work (its own, thrown away) and
 # $prefix (what is kept). With package_NAME, version_NAME is the version of that source package.
 
-readonly libraries="boost expat googletest"
+readonly libraries="boost expat googletest wxwidgets"
 
 # The compiler must not see all of /usr/include: a folder with a link to nothing but these headers.
 version_boost="$(dpkg-query -W -f '${Version}' libboost-dev)"
@@ -134,8 +134,8 @@ fetch() {
     local attempt note
     : > "$log"
     # Now and then a mirror lacks a file of Debian's changes, and an archive moves on.
-    for attempt in "$package=$version" "--tar-only $package=$version" "$package" \
-        "--tar-only $package"; do
+    for attempt in "$package=$version" "$package=$version --tar-only" "$package" \
+        "$package --tar-only"; do
         rm -rf "$work/download"
         mkdir -p "$work/download"
         # shellcheck disable=SC2086
@@ -175,9 +175,12 @@ unpack() {
 
 # hash NAME: of everything that decides about the result.
 hash_of() {
-    local version="version_$1"
-    { declare -f "build_$1" cmake_build keep_licence unpack; echo "${!version} $compiler_version"; } |
-        sha256sum | cut -c 1-12
+    local version="version_$1" package="package_$1"
+    {
+        declare -f "build_$1" cmake_build keep_licence
+        [ -z "${!package-}" ] || declare -f unpack
+        echo "${!package-} ${!version} $compiler_version"
+    } | sha256sum | cut -c 1-12
 }
 
 # build_library NAME FOLDER

@@ -3,11 +3,9 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <map>
-#include <string>
 
 #include "svgloom/renderer/Records.h"
+#include "svgloom/src/NameHash.h"
 
 namespace SVGLoom {
 
@@ -20,6 +18,6 @@ struct GradientDefinition {
     SpreadMethod spreadMethod = SpreadMethod::kPad;  // read, and not drawn
 };
 
-using GradientTable = std::map<std::string, GradientDefinition, std::less<>>;
+using GradientTable = NameMap<GradientDefinition>;
 
 }  // namespace SVGLoom

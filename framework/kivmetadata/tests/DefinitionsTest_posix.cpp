@@ -18,7 +18,7 @@ namespace {
 using kivcore::testing::RunInChild;
 using kivcore::testing::RunUnprivileged;
 
-class DefinitionsPosixTest : public DefinitionsFixture {
+class DefinitionsSystemTest : public DefinitionsFixture {
 protected:
     /// Loads, and tells the views and what was traced, a line each.
     std::string LoadAndTell()
@@ -50,7 +50,7 @@ protected:
     }
 };
 
-TEST_F(DefinitionsPosixTest, WhatMayNotBeReadIsLeftOut)
+TEST_F(DefinitionsSystemTest, WhatMayNotBeReadIsLeftOut)
 {
     PutBuiltIn();
     PutSet("prefs/Definitions/a", "org.a", "v");
@@ -83,7 +83,7 @@ TEST_F(DefinitionsPosixTest, WhatMayNotBeReadIsLeftOut)
 }
 
 // A user without a home, as services have: there is no preferences folder to look into.
-TEST_F(DefinitionsPosixTest, AUserWithoutAHomeHasTheRest)
+TEST_F(DefinitionsSystemTest, AUserWithoutAHomeHasTheRest)
 {
     PutBuiltIn();
     PutSet("app/Required/Definitions/z", "org.z", "r");

@@ -1,4 +1,4 @@
-// What the system refuses: here a file that another program holds for itself.
+// What the system refuses: here files and folders that another program holds for itself.
 
 #include <filesystem>
 
@@ -12,7 +12,7 @@ namespace kivmetadata {
 
 namespace {
 
-class DefinitionsWinTest : public DefinitionsFixture {
+class DefinitionsSystemTest : public DefinitionsFixture {
 protected:
     /// Loads while another program holds the file or folder `name` open, shared with nobody, and
     /// tells the views and what was traced, a line each.
@@ -35,7 +35,7 @@ protected:
     }
 };
 
-TEST_F(DefinitionsWinTest, WhatAnotherProgramHoldsIsLeftOut)
+TEST_F(DefinitionsSystemTest, WhatMayNotBeReadIsLeftOut)
 {
     PutBuiltIn();
     PutSet("prefs/Definitions/a", "org.a", "v");
@@ -55,10 +55,15 @@ TEST_F(DefinitionsWinTest, WhatAnotherProgramHoldsIsLeftOut)
          "com.orvan.xmp/built-in\norg.b/v\n"
          "$PREFS/Definitions/a/manifest.xml: cannot be opened: in use by another program\n"
          "$PREFS/Definitions/a: left out, there is no manifest.xml that could be read\n"},
+        // That a folder cannot be listed is traced on kivcore's channel.
+        {"prefs/Definitions/a/view", "com.orvan.xmp/built-in\norg.b/v\n"},
+        {"prefs/Definitions", "com.orvan.xmp/built-in\n"},
         {"app/Required/Metadata/view/v.xml",
          "org.a/v\norg.b/v\n"
          "$APP/Required/Metadata/view/v.xml: cannot be opened: in use by another program\n"
          "$APP/Required/Metadata: no built-in views there\n"},
+        {"app/Required/Metadata/view",
+         "org.a/v\norg.b/v\n$APP/Required/Metadata: no built-in views there\n"},
     };
     for (const Row& row : kRows) {
         SCOPED_TRACE(row.name);

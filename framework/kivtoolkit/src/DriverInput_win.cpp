@@ -9,6 +9,7 @@
 #include <array>
 #include <stdexcept>
 #include <string>
+#include <utility>
 
 namespace kivtoolkit {
 
@@ -119,6 +120,7 @@ bool IsTakenByDialog(const Stroke& stroke)
     return focus->GetEventHandler()->ProcessEvent(event) && !event.IsNextEventAllowed();
 }
 
+// The loop may hand a key on by itself, the way dialogs of the system do.
 bool IsTakenByLoop(HWND target, UINT message, LPARAM data, WORD code)
 {
     auto* loop = dynamic_cast<wxGUIEventLoop*>(wxEventLoopBase::GetActive());
@@ -127,7 +129,19 @@ bool IsTakenByLoop(HWND target, UINT message, LPARAM data, WORD code)
     native.message = message;
     native.wParam = code;
     native.lParam = data;
-    return loop != nullptr && loop->PreProcessMessage(&native);
+    if (loop == nullptr || !loop->PreProcessMessage(&native)) {
+        return false;
+    }
+    // The characters of the key wait in the queue then; what is typed next must not overtake them.
+    constexpr std::array<std::pair<UINT, UINT>, 2> kCharacters = {
+        {{WM_CHAR, WM_DEADCHAR}, {WM_SYSCHAR, WM_SYSDEADCHAR}}};
+    for (const auto& [first, last] : kCharacters) {
+        while (IsWindow(target) != FALSE &&
+               PeekMessageW(&native, target, first, last, PM_REMOVE) != FALSE) {
+            DispatchMessageW(&native);
+        }
+    }
+    return true;
 }
 
 void Send(wxTopLevelWindow& window, const Stroke& stroke)

@@ -321,15 +321,15 @@ TEST_F(DialogWindowTest, PlaceIsRememberedAndFitsTheScreen)
     second.Show();
 
     // Larger than the screen, and on one that is gone.
-    ScriptedSession far("", options);
-    far.Model().RememberPlace({100000, -5000, 9000, 9000, false});
-    far.Then([&](auto&, auto&) {
+    ScriptedSession distant("", options);
+    distant.Model().RememberPlace({100000, -5000, 9000, 9000, false});
+    distant.Then([&](auto&, auto&) {
         const wxRect area = wxDisplay(0U).GetClientArea();
         const wxRect window = ScriptedSession::Window().GetRect();
         EXPECT_TRUE(area.Contains(window))
             << window.x << " " << window.y << " " << window.width << " " << window.height;
     });
-    far.Show();
+    distant.Show();
 }
 
 TEST_F(DialogWindowTest, CancelFromOutsideEndsTheLoop)

@@ -131,7 +131,7 @@ HWND DialogOver(HWND owner)
 std::wstring Environment()
 {
     wchar_t* const block = GetEnvironmentStringsW();
-    const wchar_t* end = block;
+    wchar_t* end = block;
     while (*end != L'\0') {
         end += std::wcslen(end) + 1;
     }
