@@ -1,0 +1,14 @@
+// The RapidXML parser, always with the same sizes of its pools: all of the engine includes it here.
+
+#pragma once
+
+// A document of some twenty nodes takes no further block.
+#define BOOST_PROPERTY_TREE_RAPIDXML_STATIC_POOL_SIZE 4096
+
+#include <boost/property_tree/detail/rapidxml.hpp>
+
+namespace SVGLoom::xml {
+
+namespace rapidxml = boost::property_tree::detail::rapidxml;
+
+}  // namespace SVGLoom::xml

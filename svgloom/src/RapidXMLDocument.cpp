@@ -1,0 +1,161 @@
+#include "svgloom/src/RapidXMLDocument.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+#include <string>
+#include <string_view>
+
+#include "svgloom/src/Characters.h"
+#include "svgloom/src/RapidXML.h"
+#include "svgloom/src/XMLChecks.h"
+
+namespace SVGLoom::xml {
+
+namespace {
+
+using Node = rapidxml::xml_node<char>;
+using Attribute = rapidxml::xml_attribute<char>;
+
+// Texts of their own are made for CDATA sections only: without any, the library leaves them out,
+// which is faster, and the elements' values are the same.
+constexpr int kFlags = rapidxml::parse_validate_closing_tags;
+constexpr int kFlagsWithoutTexts = kFlags | rapidxml::parse_no_data_nodes;
+
+bool HasSection(std::string_view text)
+{
+    // "<" is everywhere; "!" is not.
+    for (std::size_t at = text.find('!'); at != std::string_view::npos;
+         at = text.find('!', at + 1)) {
+        if (text.substr(at).starts_with("![CDATA[")) {
+            return true;
+        }
+    }
+    return false;
+}
+
+std::unique_ptr<XMLNode> HandleOfElement(const Node* node);
+
+class RapidXMLNode : public XMLNode {
+public:
+    /// `node` may be null.
+    explicit RapidXMLNode(const Node* node) : node_(node) {}
+
+    const char* GetName() const override { return node_ != nullptr ? node_->name() : nullptr; }
+    const char* GetValue() const override;
+    std::unique_ptr<XMLNode> GetFirstChild() const override
+    {
+        return HandleOfElement(node_ != nullptr ? node_->first_node() : nullptr);
+    }
+    std::unique_ptr<XMLNode> GetNextSibling() const override
+    {
+        return HandleOfElement(node_ != nullptr ? node_->next_sibling() : nullptr);
+    }
+    std::pair<bool, const char*> GetAttribute(const char* name, const char* prefix) const override;
+    void VisitAttributes(AttributeVisitor& visitor) const override;
+
+private:
+    const Attribute* FindAttribute(std::string_view prefix, std::string_view name) const;
+
+    const Node* node_;
+};
+
+/// For the first element from `node` on.
+std::unique_ptr<XMLNode> HandleOfElement(const Node* node)
+{
+    while (node != nullptr && node->type() != rapidxml::node_element) {
+        node = node->next_sibling();
+    }
+    return node != nullptr ? std::make_unique<RapidXMLNode>(node) : nullptr;
+}
+
+const char* RapidXMLNode::GetValue() const
+{
+    if (node_ == nullptr) {
+        return "";
+    }
+    // White space alone counts as empty: drawing programs put line ends before the section.
+    const char* const text = node_->value();
+    const char* const end = text + node_->value_size();
+    if (!std::all_of(text, end, IsSpace)) {
+        return text;
+    }
+    for (const Node* child = node_->first_node(); child != nullptr; child = child->next_sibling()) {
+        if (child->type() == rapidxml::node_cdata) {
+            return child->value();
+        }
+    }
+    return text;
+}
+
+const Attribute* RapidXMLNode::FindAttribute(std::string_view prefix, std::string_view name) const
+{
+    const std::size_t length = prefix.size() + name.size();
+    for (const Attribute* each = node_->first_attribute(); each != nullptr;
+         each = each->next_attribute()) {
+        const std::string_view have(each->name(), each->name_size());
+        if (have.size() == length && have.starts_with(prefix) && have.ends_with(name)) {
+            return each;
+        }
+    }
+    return nullptr;
+}
+
+std::pair<bool, const char*> RapidXMLNode::GetAttribute(const char* name, const char* prefix) const
+{
+    const Attribute* found = nullptr;
+    if (node_ != nullptr && name == nullptr) {
+        found = node_->first_attribute();
+    } else if (node_ != nullptr) {
+        found = FindAttribute("", name);
+        if (found == nullptr && prefix != nullptr) {
+            found = FindAttribute(std::string(prefix) + ":", name);
+        }
+    }
+    return found != nullptr ? std::pair(true, static_cast<const char*>(found->value()))
+                            : std::pair(false, static_cast<const char*>(nullptr));
+}
+
+void RapidXMLNode::VisitAttributes(AttributeVisitor& visitor) const
+{
+    if (node_ == nullptr) {
+        return;
+    }
+    for (const Attribute* each = node_->first_attribute(); each != nullptr;
+         each = each->next_attribute()) {
+        // A reference to NUL ends the value, as it does for who reads up to the zero.
+        const char* const value = each->value();
+        const char* const end = std::find(value, value + each->value_size(), '\0');
+        visitor.VisitAttribute({each->name(), each->name_size()},
+                               {value, static_cast<std::size_t>(end - value)});
+    }
+}
+
+}  // namespace
+
+struct RapidXMLDocument::Tree {
+    rapidxml::xml_document<char> document;
+};
+
+RapidXMLDocument::RapidXMLDocument(char* text) : tree_(std::make_unique<Tree>())
+{
+    char* const end = text + std::strlen(text);
+    if (const char* const tooDeep = FindTooDeep(text, end)) {
+        throw rapidxml::parse_error("elements are nested too deeply", text + (tooDeep - text));
+    }
+    TameReferences(text, end);
+    if (HasSection({text, static_cast<std::size_t>(end - text)})) {
+        tree_->document.parse<kFlags>(text);
+    } else {
+        tree_->document.parse<kFlagsWithoutTexts>(text);
+    }
+}
+
+RapidXMLDocument::~RapidXMLDocument() = default;
+
+std::unique_ptr<XMLNode> RapidXMLDocument::GetFirstNode() const
+{
+    return HandleOfElement(tree_->document.first_node());
+}
+
+}  // namespace SVGLoom::xml
