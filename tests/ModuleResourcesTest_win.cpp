@@ -107,8 +107,8 @@ TEST(ModuleResources, EveryLibraryTellsItsVersion)
         text.ignore(1);
     }
     const std::string version = KIV_VERSION;
-    for (const std::wstring name :
-         {L"kivmetadataapi", L"kivcore", L"kivui", L"kivxmp", L"kivmetadata", L"kivmetadataui"}) {
+    for (const std::wstring name : {L"kivmetadataapi", L"kivcore", L"kivui", L"kivxmp",
+                                    L"kivmetadata", L"kivmetadataui", L"kivtoolkit"}) {
         SCOPED_TRACE(testing::PrintToString(name));
         const std::wstring path =
             (std::filesystem::path(KIV_MODULE_FOLDER) / (name + L".dll")).wstring();

@@ -23,6 +23,7 @@ EXPORTS = [
     "MetadataAPIInitialize",
     "MetadataAPITerminate",
 ]
+TOOLKIT_EXPORTS = ["KivToolkitOpen"]
 THEMES = [f"KIVCOLORTHEMESV{version}" for version in (2, 3, 4, 5)]
 
 LIBRARY = "kivmetadataapi"
@@ -33,14 +34,18 @@ ARROWS = {
     "kivxmp": {"kivcore"},
     "kivmetadata": {"kivcore", "kivxmp"},
     "kivmetadataui": {"kivcore", "kivui", "kivxmp", "kivmetadata"},
+    "kivtoolkit": {"kivcore", "kivui", "kivmetadataui"},
     LIBRARY: {"kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui"},
 }
+# What a module exports; the other ones export what their headers mark.
+WANTED_EXPORTS = {LIBRARY: EXPORTS, "kivtoolkit": TOOLKIT_EXPORTS}
 # Modules of others that one of ours may import, as patterns.
-FOREIGN = {"kivxmp": [r"(lib)?exiv2.*"]}
+FOREIGN = {"kivxmp": [r"(lib)?exiv2.*"], "kivtoolkit": [r"wxmsw\w+"]}
 RUNTIME = {"libstdc++-6", "libgcc_s_seh-1", "libwinpthread-1"}
 WINDOWS = {
-    "advapi32", "bcrypt", "comctl32", "comdlg32", "gdi32", "gdiplus", "imm32", "kernel32", "msvcrt",
-    "ole32", "oleaut32", "psapi", "shell32", "shlwapi", "user32", "uuid", "version", "ws2_32",
+    "advapi32", "bcrypt", "comctl32", "comdlg32", "dwmapi", "gdi32", "gdiplus", "imm32",
+    "kernel32", "msvcrt", "ole32", "oleaut32", "psapi", "shell32", "shlwapi", "user32", "uuid",
+    "version", "ws2_32",
 }
 
 VERSION_TYPE = "16"
@@ -117,8 +122,8 @@ def problems_of(module, version, themes):
         found.extend(f"{module.name}: {what} {name} is missing" for name in sorted(want - have))
         found.extend(f"{module.name}: {what} {name} is too much" for name in sorted(have - want))
 
-    if module.name == LIBRARY:
-        compare("export", set(module.exports), set(EXPORTS))
+    if module.name in WANTED_EXPORTS:
+        compare("export", set(module.exports), set(WANTED_EXPORTS[module.name]))
     allowed = ARROWS[module.name] | RUNTIME | WINDOWS
     foreign = FOREIGN.get(module.name, [])
     for name in module.imports:
