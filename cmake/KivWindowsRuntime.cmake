@@ -17,12 +17,12 @@ file(MAKE_DIRECTORY "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}")
 foreach(source IN LISTS runtime)
     get_filename_component(name "${source}" NAME)
     set(copy "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/${name}")
-    if("${source}" IS_NEWER_THAN "${copy}")
-        # Nine tenths of the compiler's files are symbols.
-        execute_process(
-            COMMAND "${CMAKE_STRIP}" --strip-unneeded -o "${copy}" "${source}"
-            COMMAND_ERROR_IS_FATAL ANY)
-    endif()
+    # Nine tenths of the compiler's files are symbols.
+    execute_process(
+        COMMAND "${CMAKE_STRIP}" --strip-unneeded -o "${CMAKE_BINARY_DIR}/stripped.dll" "${source}"
+        COMMAND_ERROR_IS_FATAL ANY)
+    file(COPY_FILE "${CMAKE_BINARY_DIR}/stripped.dll" "${copy}" ONLY_IF_DIFFERENT)
+    file(REMOVE "${CMAKE_BINARY_DIR}/stripped.dll")
     install(PROGRAMS "${copy}" DESTINATION ${CMAKE_INSTALL_BINDIR})
 endforeach()
 
