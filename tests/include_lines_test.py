@@ -38,8 +38,9 @@ LAYERS = {
     # Judges of the whole.
     "bench": ("include", "dictionary", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
               "framework/kivxmp/tests"),
-    "fuzz": ("dictionary", "framework/kivcore/src", "framework/kivui/src", "framework/kivxmp/src",
-             "framework/kivmetadata/src", "kivcore", "kivui", "kivxmp", "kivmetadata"),
+    "fuzz": ("dictionary", "svgloom", "framework/kivcore/src", "framework/kivui/src",
+             "framework/kivxmp/src", "framework/kivmetadata/src", "kivcore", "kivui", "kivxmp",
+             "kivmetadata"),
     "tests": ("include", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui"),
 }
 

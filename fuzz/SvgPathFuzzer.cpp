@@ -1,0 +1,72 @@
+// Reads the input as path data. Every call on the path takes at least a byte of the input, or is
+// one of the four that an arc takes at most, and half a text gives the beginning of what the whole
+// gives.
+
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "svgloom/src/SVGStringParser.h"
+
+namespace {
+
+void Require(bool holds)
+{
+    if (!holds)
+        std::abort();
+}
+
+/// Keeps the calls with their coordinates, bit by bit.
+class Recorder : public SVGLoom::Path {
+public:
+    void AddRect(float, float, float, float) override { std::abort(); }
+    void AddRoundedRect(float, float, float, float, float, float) override { std::abort(); }
+    void AddEllipse(float, float, float, float) override { std::abort(); }
+    void MoveTo(float x, float y) override { Add({'M', {x, y}}); }
+    void LineTo(float x, float y) override { Add({'L', {x, y}}); }
+    void CurveTo(float x1, float y1, float x2, float y2, float x, float y) override
+    {
+        Add({'C', {x1, y1, x2, y2, x, y}});
+    }
+    void QuadTo(float cx, float cy, float x, float y) override { Add({'Q', {cx, cy, x, y}}); }
+    void ClosePath() override { Add({'Z', {}}); }
+
+    struct Call {
+        char kind;
+        float values[6];
+    };
+    std::vector<Call> calls;
+
+private:
+    void Add(const Call& call) { calls.push_back(call); }
+};
+
+bool IsEqual(const Recorder::Call& a, const Recorder::Call& b)
+{
+    return a.kind == b.kind && std::memcmp(a.values, b.values, sizeof a.values) == 0;
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
+{
+    const std::string_view text(reinterpret_cast<const char*>(data), size);
+    Recorder whole;
+    SVGLoom::SVGStringParser::ParsePath(text, whole);
+    Require(whole.calls.size() <= size);
+    Require(whole.calls.empty() || whole.calls[0].kind == 'M');
+
+    // What a half text ends with may be a number cut short, so its last command is not compared.
+    const std::vector<char> halfText(text.begin(), text.begin() + size / 2);
+    Recorder half;
+    SVGLoom::SVGStringParser::ParsePath({halfText.data(), halfText.size()}, half);
+    constexpr std::size_t kCallsOfOneCommand = 5;
+    for (std::size_t i = 0; i + kCallsOfOneCommand < half.calls.size(); ++i) {
+        Require(i < whole.calls.size() && IsEqual(half.calls[i], whole.calls[i]));
+    }
+    return 0;
+}
