@@ -321,6 +321,9 @@ FileIdentity FileExchange::Place()
 {
     const FileIdentity written = names_->file->Identity();
     names_->file.reset();
+    // Another program may have made or removed the target meanwhile; to a caller to whom that
+    // matters it has been refused by now.
+    names_->exists = IsNameTaken(names_->target);
     names_->PutInPlace();
     try {
         const UString folder(FolderPart(names_->target));

@@ -177,8 +177,9 @@ private:
     const ReplaceOptions& options_;
 };
 
-FileIdentity ReplaceFile(const UString& path, const std::function<void(OutputFile& out)>& write,
-                         const ReplaceOptions& options)
+FileIdentity ReplaceWholeFile(const UString& path,
+                              const std::function<void(OutputFile& out)>& write,
+                              const ReplaceOptions& options)
 {
     return FileReplacement(AbsolutePath(path), options).Run(write);
 }

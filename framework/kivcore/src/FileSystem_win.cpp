@@ -7,12 +7,15 @@
 
 #include <windows.h>
 
+#include <winioctl.h>
+
 #include <kivcore/Trace.h>
 
 #include "framework/kivcore/src/FileAccess_win.h"
 #include "framework/kivcore/src/FileFault.h"
 #include "framework/kivcore/src/Path.h"
 #include "framework/kivcore/src/Path_win.h"
+#include "framework/kivcore/src/ReparsePoint_win.h"
 #include "framework/kivcore/src/SystemCall_win.h"
 #include "framework/kivcore/src/SystemError.h"
 
@@ -21,6 +24,7 @@ namespace kivcore::filesupport {
 namespace {
 
 constexpr std::string_view kNoFileBeside = "no new file can be made beside it";
+constexpr int kMaxLinks = 40;
 constexpr std::string_view kNotAFile = "is not a file";
 
 // In one call.
@@ -85,17 +89,35 @@ int BetterError(int error, const UString& path)
 
 void TraceUnlessMissing(const UString& folder, int error)
 {
-    if (IsMissing(error)) {
-        if (!IsNameTaken(folder)) {
-            return;
-        }
-        error = ERROR_DIRECTORY;
+    if (IsNameTaken(folder)) {
+        error = IsFolder(folder) ? error : ERROR_DIRECTORY;
+    } else if (IsMissing(error)) {
+        return;
     }
     try {
         ThrowSystemError(folder, "cannot be listed", error);
     } catch (const FileError& failure) {
         debug::Trace(0, "kivcore", failure.what());
     }
+}
+
+std::optional<LinkTarget> ReadLink(const UString& path)
+{
+    const std::wstring native = NativePath(path);
+    const DWORD attributes = GetFileAttributesW(native.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+        return std::nullopt;
+    }
+    const Handle link(
+        CreateFileW(native.c_str(), FILE_READ_ATTRIBUTES, kShareAll, nullptr, OPEN_EXISTING,
+                    FILE_FLAG_BACKUP_SEMANTICS | FILE_FLAG_OPEN_REPARSE_POINT, nullptr));
+    unsigned char data[MAXIMUM_REPARSE_DATA_BUFFER_SIZE];
+    DWORD bytes = 0;
+    if (!link.IsOpen() || !DeviceIoControl(link.Get(), FSCTL_GET_REPARSE_POINT, nullptr, 0, data,
+                                           sizeof data, &bytes, nullptr)) {
+        return std::nullopt;
+    }
+    return ReadLinkTarget(data, bytes);
 }
 
 bool IsOfKind(const WIN32_FIND_DATAW& entry, const UString& folder, EntryKind kind)
@@ -177,6 +199,24 @@ void RemoveFile(const UString& path)
     if (error != 0 && !IsMissing(error)) {
         ThrowSystemError(path, StepText(FileStep::kRemove), BetterError(error, path));
     }
+}
+
+UString FollowLinks(const UString& path)
+{
+    UString target = path;
+    for (int links = 0; links < kMaxLinks; ++links) {
+        const std::optional<LinkTarget> next = ReadLink(target);
+        if (!next) {
+            return target;
+        }
+        // ".." is taken back by the text alone on Windows, for links as for all paths; one that
+        // begins with a separator is meant from the root of the link's drive.
+        const bool fromRoot = next->isRelative && IsSeparator(next->path.front());
+        const UString folder(fromRoot ? UStringView(target).substr(0, RootLength(target))
+                                      : FolderPart(target));
+        target = next->isRelative ? JoinPath(folder, next->path) : AbsolutePath(next->path);
+    }
+    ThrowSystemError(path, StepText(FileStep::kOpen), ERROR_CANT_RESOLVE_FILENAME);
 }
 
 std::optional<FileIdentity> FindIdentity(const UString& path)

@@ -102,7 +102,7 @@ void SavePropList(const filesupport::File& file, const PropList& list)
             filesupport::ErrorText(file.FullPath(), "the property list is too large"));
     }
     file.Folder().Create();
-    filesupport::ReplaceFile(
+    filesupport::ReplaceWholeFile(
         file.FullPath(),
         [&text](filesupport::OutputFile& out) { out.Write(text.data(), text.size()); }, {});
 }

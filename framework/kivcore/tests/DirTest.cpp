@@ -2,11 +2,16 @@
 
 #include <gmock/gmock.h>
 
+#include <kivcore/Config.h>
+#include <kivcore/Resource.h>
+
+#include "framework/kivcore/tests/Environment.h"
 #include "framework/kivcore/tests/TestFolder.h"
 
 namespace kivcore::filesupport {
 namespace {
 
+using kivcore::testing::EnvironmentVariable;
 using kivcore::testing::TestFolder;
 using kivcore::testing::TextOf;
 using ::testing::ElementsAre;
@@ -57,6 +62,15 @@ TEST(Dir, NoFolder)
     EXPECT_FALSE(none.Exists());
     EXPECT_THAT(none.FileNames(), IsEmpty());
     EXPECT_FALSE(File().Exists());
+}
+
+TEST(Dir, PrefDirNeedsAClientName)
+{
+    ASSERT_FALSE(config::IsClientNameInitialized());
+    const EnvironmentVariable none("KIV_PREF_DIR", std::nullopt);
+    EXPECT_THROW(Dir::PrefDir(), std::logic_error);
+    const EnvironmentVariable set("KIV_PREF_DIR", "/prefs");
+    EXPECT_EQ(Dir::PrefDir().FullPath(), Dir(u"/prefs").FullPath());
 }
 
 TEST(Dir, CreatesWhatIsMissing)
@@ -155,6 +169,27 @@ TEST(File, RemoveIsSilentWhereThereIsNone)
     EXPECT_THAT(folder.Names(), IsEmpty());
     EXPECT_NO_THROW(File(folder.Path("x")).Remove());
     EXPECT_THROW(File(folder.Path("")).Remove(), FileError);
+}
+
+TEST(File, ANulDoesNotCutAPath)
+{
+    const TestFolder folder;
+    folder.Write("secret", "content");
+    UString path = folder.Path("secret");
+    path += u'\0';
+    path += u".jpg";
+    EXPECT_FALSE(File(path).Exists());
+    EXPECT_THROW(File(path).ReadAll(100), FileError);
+    EXPECT_THROW(File(path).Create(/*truncate=*/true), FileError);
+    File(path).Remove();
+    EXPECT_EQ(folder.Read("secret"), "content");
+}
+
+TEST(ModuleFolder, OfNoModule)
+{
+    const int local = 0;
+    EXPECT_TRUE(ModuleFolder(&local).IsEmpty());
+    EXPECT_FALSE(LoadXmlResource(&local, "THEME").has_value());
 }
 
 }  // namespace

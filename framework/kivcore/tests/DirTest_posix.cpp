@@ -9,7 +9,6 @@
 
 #include <gmock/gmock.h>
 
-#include <kivcore/Config.h>
 #include <kivcore/FileStream.h>
 #include <kivcore/Resource.h>
 #include <kivcore/Trace.h>
@@ -47,7 +46,7 @@ const PathCase kPathCases[] = {
     {"\x80\xC3\xA9\x80", {0xDC80, 0x00E9, 0xDC80}},
 };
 
-TEST(PathBorder, AnyBytesSurviveTheWay)
+TEST(PathBorder, WhatIsNoTextSurvivesTheWay)
 {
     for (const PathCase& row : kPathCases) {
         EXPECT_EQ(PathFromUTF8(row.bytes), row.units) << row.bytes;
@@ -90,20 +89,7 @@ TEST(PathBorder, FilesOfAnyNameAreFoundAndOpened)
         folder.Of("bad\xEF\xBF\xBD.jpg").string() + ": cannot be opened: no such file or folder");
 }
 
-TEST(PathBorder, ANulDoesNotCutAPath)
-{
-    const TestFolder folder;
-    folder.Write("secret", "content");
-    UString path = folder.Path("secret");
-    path += u'\0';
-    path += u".jpg";
-    EXPECT_FALSE(File(path).Exists());
-    EXPECT_THROW(File(path).ReadAll(100), FileError);
-    File(path).Remove();
-    EXPECT_EQ(folder.Read("secret"), "content");
-}
-
-TEST(DirPosix, RelativePathsAndSeparators)
+TEST(DirSystem, RelativePathsAndSeparators)
 {
     char current[4096];
     ASSERT_NE(getcwd(current, sizeof current), nullptr);
@@ -114,7 +100,7 @@ TEST(DirPosix, RelativePathsAndSeparators)
     EXPECT_EQ(File(u"/a").Folder().FullPath(), u"/");
 }
 
-TEST(DirPosix, ListsWhatLinksLeadTo)
+TEST(DirSystem, ListsWhatLinksLeadTo)
 {
     const TestFolder folder;
     folder.Write("file", "");
@@ -128,7 +114,7 @@ TEST(DirPosix, ListsWhatLinksLeadTo)
 }
 
 // Who put something there wants to know why it has no effect.
-TEST(DirPosix, AFolderThatCannotBeReadIsTraced)
+TEST(DirSystem, AFolderThatCannotBeReadIsTraced)
 {
     const TestFolder folder;
     std::filesystem::create_directory(folder.Of("sub"));
@@ -158,7 +144,7 @@ TEST(DirPosix, AFolderThatCannotBeReadIsTraced)
                         ": cannot be listed: a part of the path is not a folder\n");
 }
 
-TEST(InputFilePosix, NamedPipesAndDevicesAreRefusedAtOnce)
+TEST(InputFileSystem, NamedPipesAndDevicesAreRefusedAtOnce)
 {
     const TestFolder folder;
     ASSERT_EQ(mkfifo(folder.Of("pipe").c_str(), 0600), 0);
@@ -167,7 +153,7 @@ TEST(InputFilePosix, NamedPipesAndDevicesAreRefusedAtOnce)
     EXPECT_EQ(TextOf<FileError>([] { InputFile{u"/dev/zero"}; }), "/dev/zero: is not a file");
 }
 
-TEST(InputFilePosix, RefusalsOfTheSystem)
+TEST(InputFileSystem, RefusalsOfTheSystem)
 {
     const TestFolder folder;
     folder.Write("x", "content");
@@ -222,7 +208,7 @@ TEST_F(InstallationTest, AppDirIsLookedForInOrder)
     EXPECT_EQ(Run({"appdir"}, {"KIV_APP_DIR="}), folder_.Of("bin").string());
 }
 
-TEST_F(InstallationTest, ResourcesLieBesideTheirModule)
+TEST_F(InstallationTest, ResourcesBelongToTheirModule)
 {
     EXPECT_EQ(Run({"resource", "library", "THEME"}), "none");
     std::filesystem::create_directory(folder_.Of("lib/libkivcore.res"));
@@ -269,29 +255,13 @@ const PrefDirCase kPrefDirCases[] = {
     {{"HOME=/home/x", "KIV_PREF_DIR=/prefs"}, "Orvan", "Quillet", "/prefs"},
 };
 
-TEST(DirPosix, PrefDir)
+TEST(DirSystem, PrefDir)
 {
     for (const PrefDirCase& row : kPrefDirCases) {
         const ChildOutcome outcome =
             RunProgram(KIV_FILE_WORKER, {"prefdir", row.company, row.client}, row.environment);
         EXPECT_EQ(outcome.text, row.want);
     }
-}
-
-TEST(DirPosix, PrefDirNeedsAClientName)
-{
-    ASSERT_FALSE(config::IsClientNameInitialized());
-    EXPECT_THROW(Dir::PrefDir(), std::logic_error);
-    ASSERT_EQ(setenv("KIV_PREF_DIR", "/prefs", 1), 0);
-    EXPECT_EQ(Dir::PrefDir().FullPath(), u"/prefs");
-    ASSERT_EQ(unsetenv("KIV_PREF_DIR"), 0);
-}
-
-TEST(ModuleFolderPosix, OfNoModule)
-{
-    const int local = 0;
-    EXPECT_TRUE(ModuleFolder(&local).IsEmpty());
-    EXPECT_FALSE(LoadXmlResource(&local, "THEME").has_value());
 }
 
 }  // namespace

@@ -5,13 +5,15 @@
 
 #include <windows.h>
 
+#include "framework/kivcore/tests/TestFolder.h"
+
 namespace kivcore::testing {
 
 namespace {
 
 std::wstring Wide(const std::string& text)
 {
-    return std::filesystem::path(text).wstring();
+    return PathOfText(text).wstring();
 }
 
 // The C library keeps variables of its own beside the system's.

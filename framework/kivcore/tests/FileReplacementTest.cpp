@@ -31,7 +31,7 @@ protected:
                                   const ReplaceOptions& options)
     {
         try {
-            ReplaceFile(folder_.Path("photo.jpg"), write, options);
+            ReplaceWholeFile(folder_.Path("photo.jpg"), write, options);
         } catch (const FileError& error) {
             message_ = error.what();
             return error.GetKind();
@@ -46,7 +46,7 @@ protected:
 
 TEST_F(FileReplacementTest, MakesAMissingFile)
 {
-    const FileIdentity made = ReplaceFile(folder_.Path("photo.jpg"), Writes("new"), {});
+    const FileIdentity made = ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new"), {});
     EXPECT_EQ(folder_.Read("photo.jpg"), "new");
     EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
     EXPECT_EQ(InputFile(folder_.Path("photo.jpg")).Identity(), made);
@@ -57,9 +57,9 @@ TEST_F(FileReplacementTest, ReplacesAndReturnsTheNewIdentity)
     folder_.Write("photo.jpg", "old content");
     ReplaceOptions options;
     options.expected = InputFile(folder_.Path("photo.jpg")).Identity();
-    options.expected = ReplaceFile(folder_.Path("photo.jpg"), Writes("first"), options);
+    options.expected = ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("first"), options);
     // What was returned is what the next replacement expects.
-    ReplaceFile(folder_.Path("photo.jpg"), Writes("second"), options);
+    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("second"), options);
     EXPECT_EQ(folder_.Read("photo.jpg"), "second");
     EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
 }
@@ -73,7 +73,7 @@ TEST_F(FileReplacementTest, TakesPiecesOfAnySize)
     }
     folder_.Write("source", source);
     InputFile input(folder_.Path("source"));
-    ReplaceFile(
+    ReplaceWholeFile(
         folder_.Path("photo.jpg"),
         [&](OutputFile& out) {
             for (const std::size_t bytes : {std::size_t{1}, std::size_t{0}, std::size_t{262143},
@@ -146,7 +146,7 @@ TEST_F(FileReplacementTest, CheckSeesWhatWasWritten)
         seen.resize(static_cast<std::size_t>(written.SizeBytes()));
         written.ReadAt(0, seen.data(), seen.size());
     };
-    ReplaceFile(folder_.Path("photo.jpg"), Writes("new content"), options);
+    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new content"), options);
     EXPECT_EQ(seen, "new content");
 }
 
@@ -155,9 +155,10 @@ TEST_F(FileReplacementTest, WhatCallbacksThrowLeavesEverythingAsItWas)
     folder_.Write("photo.jpg", "old");
     const auto refuse = [](auto&) { throw std::domain_error("not like this"); };
     ReplaceOptions options;
-    EXPECT_THROW(ReplaceFile(folder_.Path("photo.jpg"), refuse, options), std::domain_error);
+    EXPECT_THROW(ReplaceWholeFile(folder_.Path("photo.jpg"), refuse, options), std::domain_error);
     options.check = refuse;
-    EXPECT_THROW(ReplaceFile(folder_.Path("photo.jpg"), Writes("new"), options), std::domain_error);
+    EXPECT_THROW(ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new"), options),
+                 std::domain_error);
     EXPECT_EQ(folder_.Read("photo.jpg"), "old");
     EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
 }
@@ -170,7 +171,7 @@ TEST_F(FileReplacementTest, RefusesWhatIsNoFile)
     std::filesystem::remove(folder_.Of("photo.jpg"));
 
     try {
-        ReplaceFile(folder_.Path("missing/photo.jpg"), Writes("new"), {});
+        ReplaceWholeFile(folder_.Path("missing/photo.jpg"), Writes("new"), {});
         FAIL() << "replaced";
     } catch (const FileError& error) {
         EXPECT_EQ(error.GetKind(), FileError::Kind::kNotFound);
@@ -222,7 +223,7 @@ TEST_F(FileReplacementTest, EveryStepThatFailsLeavesTheOldFile)
             for (int countdown = 1; countdown < 100; ++countdown) {
                 SetFileFault(row.step, ENOSPC, countdown);
                 try {
-                    ReplaceFile(folder_.Path("photo.jpg"), write, {});
+                    ReplaceWholeFile(folder_.Path("photo.jpg"), write, {});
                     break;
                 } catch (const FileError& error) {
                     ++failures;
@@ -259,10 +260,10 @@ TEST_F(FileReplacementTest, WhatCannotBeRemovedIsLeftToTheNextOne)
 {
     folder_.Write("photo.jpg", "old");
     SetFileFault(FileStep::kRemove, EIO, 1);
-    ReplaceFile(folder_.Path("photo.jpg"), Writes("new"), {});
+    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new"), {});
     EXPECT_EQ(folder_.Read("photo.jpg"), "new");
     EXPECT_EQ(folder_.Names().size(), 2U);
-    ReplaceFile(folder_.Path("other.jpg"), Writes("new"), {});
+    ReplaceWholeFile(folder_.Path("other.jpg"), Writes("new"), {});
     EXPECT_THAT(folder_.Names(), ElementsAre("other.jpg", "photo.jpg"));
 }
 
@@ -278,7 +279,7 @@ TEST_F(FileReplacementTest, FilesOfSimilarNamesAreNotTouched)
     for (const std::string& name : names) {
         folder_.Write(name, "the user's");
     }
-    ReplaceFile(folder_.Path("photo.jpg"), Writes("new"), {});
+    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new"), {});
     for (const std::string& name : names) {
         EXPECT_EQ(folder_.Read(name), "the user's") << name;
     }
@@ -292,6 +293,22 @@ TEST_F(FileReplacementTest, RecoveringIsSilentWhereThereIsNothing)
     folder_.Write("photo.jpg", "old");
     RecoverReplacedFile(folder_.Path("photo.jpg"));
     EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
+}
+
+TEST_F(FileReplacementTest, AReplacementWithinAnotherOneLeavesItAlone)
+{
+    folder_.Write("other.jpg", "old");
+    ReplaceWholeFile(folder_.Path("photo.jpg"),
+                     [&](OutputFile& out) {
+                         out.Write("outer", 5);
+                         ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("inner"), {});
+                         ReplaceWholeFile(folder_.Path("other.jpg"), Writes("new"), {});
+                         EXPECT_EQ(folder_.Read("photo.jpg"), "inner");
+                     },
+                     {});
+    EXPECT_EQ(folder_.Read("photo.jpg"), "outer");
+    EXPECT_EQ(folder_.Read("other.jpg"), "new");
+    EXPECT_THAT(folder_.Names(), ElementsAre("other.jpg", "photo.jpg"));
 }
 
 }  // namespace

@@ -38,14 +38,14 @@ std::function<void(OutputFile&)> Writes(const std::string& content)
     return [content](OutputFile& out) { out.Write(content.data(), content.size()); };
 }
 
-class FileReplacementPosixTest : public ::testing::Test {
+class FileReplacementSystemTest : public ::testing::Test {
 protected:
-    FileReplacementPosixTest()
+    FileReplacementSystemTest()
     {
         chmod(folder_.Folder().c_str(), 0755);
         folder_.Write("photo.jpg", "old");
     }
-    ~FileReplacementPosixTest() override { SetFileFault(FileStep::kOpen, 0, 0); }
+    ~FileReplacementSystemTest() override { SetFileFault(FileStep::kOpen, 0, 0); }
 
     struct stat StatusOf(const std::string& name) const
     {
@@ -57,7 +57,7 @@ protected:
 
     void Replace(const std::string& name, const std::string& content) const
     {
-        ReplaceFile(folder_.Path(name), Writes(content), {});
+        ReplaceWholeFile(folder_.Path(name), Writes(content), {});
     }
 
     /// A writer that is killed with its new file beside photo.jpg; returns that file's name.
@@ -93,7 +93,7 @@ protected:
     TestFolder folder_;
 };
 
-TEST_F(FileReplacementPosixTest, FollowsSymbolicLinks)
+TEST_F(FileReplacementSystemTest, FollowsSymbolicLinks)
 {
     std::filesystem::create_directory(folder_.Of("real"));
     folder_.Write("real/target.jpg", "old");
@@ -105,7 +105,7 @@ TEST_F(FileReplacementPosixTest, FollowsSymbolicLinks)
     EXPECT_TRUE(S_ISLNK(StatusOf("far.jpg").st_mode));
 }
 
-TEST_F(FileReplacementPosixTest, FollowsALinkBesideALinkedFolder)
+TEST_F(FileReplacementSystemTest, FollowsALinkBesideALinkedFolder)
 {
     // The link climbs out of the folder that it lies in, not of the one by which we came.
     std::filesystem::create_directories(folder_.Of("a/b"));
@@ -117,7 +117,7 @@ TEST_F(FileReplacementPosixTest, FollowsALinkBesideALinkedFolder)
     EXPECT_FALSE(std::filesystem::exists(folder_.Of("target.jpg")));
 }
 
-TEST_F(FileReplacementPosixTest, MakesWhatALinkLeadsTo)
+TEST_F(FileReplacementSystemTest, MakesWhatALinkLeadsTo)
 {
     std::filesystem::create_symlink("missing.jpg", folder_.Of("link.jpg"));
     Replace("link.jpg", "new");
@@ -125,7 +125,7 @@ TEST_F(FileReplacementPosixTest, MakesWhatALinkLeadsTo)
     EXPECT_TRUE(S_ISLNK(StatusOf("link.jpg").st_mode));
 }
 
-TEST_F(FileReplacementPosixTest, LinksInACircleAreRefused)
+TEST_F(FileReplacementSystemTest, LinksInACircleAreRefused)
 {
     std::filesystem::create_symlink("b", folder_.Of("a"));
     std::filesystem::create_symlink("a", folder_.Of("b"));
@@ -133,7 +133,7 @@ TEST_F(FileReplacementPosixTest, LinksInACircleAreRefused)
               folder_.Of("a").string() + ": cannot be opened: too many symbolic links");
 }
 
-TEST_F(FileReplacementPosixTest, AHardLinkedFileIsReplacedByANewOne)
+TEST_F(FileReplacementSystemTest, AHardLinkedFileIsReplacedByANewOne)
 {
     std::filesystem::create_hard_link(folder_.Of("photo.jpg"), folder_.Of("other.jpg"));
     Replace("photo.jpg", "new");
@@ -143,7 +143,7 @@ TEST_F(FileReplacementPosixTest, AHardLinkedFileIsReplacedByANewOne)
     EXPECT_EQ(StatusOf("other.jpg").st_nlink, 1U);
 }
 
-TEST_F(FileReplacementPosixTest, KeepsThePermissions)
+TEST_F(FileReplacementSystemTest, KeepsThePermissions)
 {
     const mode_t mask = umask(077);
     for (const unsigned mode : {0600U, 0644U, 0666U, 0200U, 0775U}) {
@@ -157,19 +157,19 @@ TEST_F(FileReplacementPosixTest, KeepsThePermissions)
     umask(mask);
 }
 
-TEST_F(FileReplacementPosixTest, NobodyElseReadsTheNewFileMeanwhile)
+TEST_F(FileReplacementSystemTest, NobodyElseReadsTheNewFileMeanwhile)
 {
     ASSERT_EQ(chmod(folder_.Of("photo.jpg").c_str(), 0600), 0);
-    ReplaceFile(folder_.Path("photo.jpg"),
-                [&](OutputFile&) {
-                    for (const std::string& name : folder_.Names()) {
-                        EXPECT_EQ(ModeOf(name), 0600U);
-                    }
-                },
-                {});
+    ReplaceWholeFile(folder_.Path("photo.jpg"),
+                     [&](OutputFile&) {
+                         for (const std::string& name : folder_.Names()) {
+                             EXPECT_EQ(ModeOf(name), 0600U);
+                         }
+                     },
+                     {});
 }
 
-TEST_F(FileReplacementPosixTest, KeepsOwnerAndGroup)
+TEST_F(FileReplacementSystemTest, KeepsOwnerAndGroup)
 {
     // Only an administrator can give files away; for all others both are their own anyway.
     const uid_t owner = geteuid() == 0 ? 1234 : geteuid();
@@ -180,7 +180,7 @@ TEST_F(FileReplacementPosixTest, KeepsOwnerAndGroup)
     EXPECT_EQ(StatusOf("photo.jpg").st_gid, group);
 }
 
-TEST_F(FileReplacementPosixTest, AGroupThatCannotBeKeptGivesNoRightsToAnother)
+TEST_F(FileReplacementSystemTest, AGroupThatCannotBeKeptGivesNoRightsToAnother)
 {
     ASSERT_EQ(chmod(folder_.Of("photo.jpg").c_str(), 0664), 0);
     if (geteuid() == 0) {
@@ -209,7 +209,7 @@ std::vector<std::string> AttributesOf(const std::filesystem::path& path)
     return {sorted.begin(), sorted.end()};
 }
 
-TEST_F(FileReplacementPosixTest, KeepsAccessListsAndAttributes)
+TEST_F(FileReplacementSystemTest, KeepsAccessListsAndAttributes)
 {
     const std::string path = folder_.Of("photo.jpg").string();
     // An access list as the system keeps it: version 2, then tag, permissions and id of the owner,
@@ -230,7 +230,7 @@ TEST_F(FileReplacementPosixTest, KeepsAccessListsAndAttributes)
     EXPECT_EQ(ModeOf("photo.jpg"), hasLists ? 0640U : 0644U);
 }
 
-TEST_F(FileReplacementPosixTest, AFoldersDefaultListDoesNotReachAnExistingFile)
+TEST_F(FileReplacementSystemTest, AFoldersDefaultListDoesNotReachAnExistingFile)
 {
     const unsigned char list[] = {2,  0, 0, 0,                      //
                                   1,  0, 7, 0, 255, 255, 255, 255,  //
@@ -248,7 +248,7 @@ TEST_F(FileReplacementPosixTest, AFoldersDefaultListDoesNotReachAnExistingFile)
     EXPECT_EQ(AttributesOf(folder_.Of("new.jpg")).size(), std::size_t{hasLists});
 }
 
-TEST_F(FileReplacementPosixTest, DamageOnTheWayToTheDiskIsSeen)
+TEST_F(FileReplacementSystemTest, DamageOnTheWayToTheDiskIsSeen)
 {
     const std::string content(kMiB, 'n');
     const auto damage = [&](OutputFile& out) {
@@ -265,14 +265,14 @@ TEST_F(FileReplacementPosixTest, DamageOnTheWayToTheDiskIsSeen)
     for (const std::function<void(OutputFile&)>& write :
          {std::function<void(OutputFile&)>(damage), std::function<void(OutputFile&)>(cut)}) {
         EXPECT_EQ(
-            TextOf<FileError>([&] { ReplaceFile(folder_.Path("photo.jpg"), write, {}); }),
+            TextOf<FileError>([&] { ReplaceWholeFile(folder_.Path("photo.jpg"), write, {}); }),
             folder_.Of("photo.jpg").string() + ": what was written does not read back the same");
         EXPECT_EQ(folder_.Read("photo.jpg"), "old");
         EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
     }
 }
 
-TEST_F(FileReplacementPosixTest, AKillAtAnyStepLeavesTheOldFileOrTheNewOne)
+TEST_F(FileReplacementSystemTest, AKillAtAnyStepLeavesTheOldFileOrTheNewOne)
 {
     const std::string old(600'000, 'o');
     const std::string fresh(700'000, 'n');
@@ -286,12 +286,12 @@ TEST_F(FileReplacementPosixTest, AKillAtAnyStepLeavesTheOldFileOrTheNewOne)
             folder_.Write("photo.jpg", old);
             const ChildOutcome outcome = RunInChild([&](int) {
                 SetFileFault(step, kKillProcess, countdown);
-                ReplaceFile(folder_.Path("photo.jpg"),
-                            [&](OutputFile& out) {
-                                InputFile source(folder_.Path("source"));
-                                out.CopyFrom(source, 0, source.SizeBytes());
-                            },
-                            {});
+                ReplaceWholeFile(folder_.Path("photo.jpg"),
+                                 [&](OutputFile& out) {
+                                     InputFile source(folder_.Path("source"));
+                                     out.CopyFrom(source, 0, source.SizeBytes());
+                                 },
+                                 {});
                 return 0;
             });
             const std::string content = folder_.Read("photo.jpg");
@@ -317,7 +317,7 @@ TEST_F(FileReplacementPosixTest, AKillAtAnyStepLeavesTheOldFileOrTheNewOne)
     EXPECT_GE(leftovers, 9);
 }
 
-TEST_F(FileReplacementPosixTest, OnlyAnUnlockedLeftoverIsRemoved)
+TEST_F(FileReplacementSystemTest, OnlyAnUnlockedLeftoverIsRemoved)
 {
     const std::string name = LeaveSomethingBehind();
     const int file = open(folder_.Of(name).c_str(), O_RDONLY | O_CLOEXEC);
@@ -334,14 +334,14 @@ TEST_F(FileReplacementPosixTest, OnlyAnUnlockedLeftoverIsRemoved)
     EXPECT_EQ(folder_.Read("photo.jpg"), "new");
 }
 
-TEST_F(FileReplacementPosixTest, AReaderOfAnotherFileLeavesALeftoverAlone)
+TEST_F(FileReplacementSystemTest, AReaderOfAnotherFileLeavesALeftoverAlone)
 {
     const std::string name = LeaveSomethingBehind();
     RecoverReplacedFile(folder_.Path("other.jpg"));
     EXPECT_THAT(folder_.Names(), ElementsAre(name, "photo.jpg"));
 }
 
-TEST_F(FileReplacementPosixTest, ALinkInPlaceOfALeftoverIsNotFollowed)
+TEST_F(FileReplacementSystemTest, ALinkInPlaceOfALeftoverIsNotFollowed)
 {
     const std::string name = LeaveSomethingBehind();
     std::filesystem::remove(folder_.Of(name));
@@ -351,23 +351,7 @@ TEST_F(FileReplacementPosixTest, ALinkInPlaceOfALeftoverIsNotFollowed)
     EXPECT_THAT(folder_.Names(), ElementsAre(name, "photo.jpg"));
 }
 
-TEST_F(FileReplacementPosixTest, AReplacementWithinAnotherOneLeavesItAlone)
-{
-    folder_.Write("other.jpg", "old");
-    ReplaceFile(folder_.Path("photo.jpg"),
-                [&](OutputFile& out) {
-                    out.Write("outer", 5);
-                    Replace("photo.jpg", "inner");
-                    Replace("other.jpg", "new");
-                    EXPECT_EQ(folder_.Read("photo.jpg"), "inner");
-                },
-                {});
-    EXPECT_EQ(folder_.Read("photo.jpg"), "outer");
-    EXPECT_EQ(folder_.Read("other.jpg"), "new");
-    EXPECT_THAT(folder_.Names(), ElementsAre("other.jpg", "photo.jpg"));
-}
-
-TEST_F(FileReplacementPosixTest, WritersAtOnceLeaveOneOfThemWhole)
+TEST_F(FileReplacementSystemTest, WritersAtOnceLeaveOneOfThemWhole)
 {
     constexpr int kWriters = 3;
     constexpr int kRounds = 60;
@@ -407,7 +391,7 @@ TEST_F(FileReplacementPosixTest, WritersAtOnceLeaveOneOfThemWhole)
     EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
 }
 
-TEST_F(FileReplacementPosixTest, AFileThatWeMayNotWriteIsRefusedThoughItCouldBeRenamedOver)
+TEST_F(FileReplacementSystemTest, AFileThatWeMayNotWriteIsRefusedThoughItCouldBeRenamedOver)
 {
     // Its folder is ours, so that the system would let a rename pass.
     if (geteuid() == 0) {
@@ -422,7 +406,7 @@ TEST_F(FileReplacementPosixTest, AFileThatWeMayNotWriteIsRefusedThoughItCouldBeR
     EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
 }
 
-TEST_F(FileReplacementPosixTest, AFolderThatWeMayNotWriteIsTold)
+TEST_F(FileReplacementSystemTest, AFolderThatWeMayNotWriteIsTold)
 {
     ASSERT_EQ(chmod(folder_.Of("photo.jpg").c_str(), 0666), 0);
     ASSERT_EQ(chmod(folder_.Folder().c_str(), 0555), 0);
@@ -434,7 +418,7 @@ TEST_F(FileReplacementPosixTest, AFolderThatWeMayNotWriteIsTold)
     EXPECT_EQ(folder_.Read("photo.jpg"), "old");
 }
 
-TEST_F(FileReplacementPosixTest, AReadOnlyFileIsRefusedWithAndWithoutRights)
+TEST_F(FileReplacementSystemTest, AReadOnlyFileIsRefusedWithAndWithoutRights)
 {
     ASSERT_EQ(chmod(folder_.Of("photo.jpg").c_str(), 0444), 0);
     ASSERT_EQ(chmod(folder_.Folder().c_str(), 0777), 0);
@@ -468,7 +452,7 @@ constexpr FaultTextCase kFaultTextCases[] = {
     {"nosuchstep:EIO:1", nullptr},
 };
 
-TEST_F(FileReplacementPosixTest, FaultsCanBeSetByTheEnvironment)
+TEST_F(FileReplacementSystemTest, FaultsCanBeSetByTheEnvironment)
 {
     for (const FaultTextCase& row : kFaultTextCases) {
         SCOPED_TRACE(row.value);
@@ -487,7 +471,7 @@ TEST_F(FileReplacementPosixTest, FaultsCanBeSetByTheEnvironment)
     EXPECT_EQ(folder_.Read("photo.jpg"), "new");
 }
 
-TEST_F(FileReplacementPosixTest, MemoryDoesNotGrowWithTheFile)
+TEST_F(FileReplacementSystemTest, MemoryDoesNotGrowWithTheFile)
 {
     const auto peakFor = [this](std::size_t bytes) {
         folder_.Write("source", std::string());

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <cstring>
 #include <string>
+#include <vector>
 
 #include <kivcore/Config.h>
 #include <kivcore/Dir.h>
@@ -12,6 +13,8 @@
 #include <kivcore/StringConversion.h>
 #include <kivcore/Xml.h>
 
+#include "framework/kivcore/tests/FileWorker.h"
+
 namespace {
 
 using namespace kivcore;
@@ -19,19 +22,41 @@ using namespace kivcore::filesupport;
 
 const char kProgramAnchor = 0;
 
+constexpr int kFillRounds = 40;
+constexpr std::size_t kFillBytes = 300'000;
+
 std::string Run(const std::string& command, const std::string& first, const std::string& second)
 {
     if (command == "replace") {
-        ReplaceFile(PathFromUTF8(first),
-                    [&second](OutputFile& out) { out.Write(second.data(), second.size()); }, {});
+        ReplaceWholeFile(PathFromUTF8(first),
+                         [&second](OutputFile& out) { out.Write(second.data(), second.size()); },
+                         {});
         return "replaced";
     }
     if (command == "copy") {
         InputFile source(PathFromUTF8(first));
-        ReplaceFile(PathFromUTF8(second),
-                    [&source](OutputFile& out) { out.CopyFrom(source, 0, source.SizeBytes()); },
-                    {});
+        ReplaceWholeFile(
+            PathFromUTF8(second),
+            [&source](OutputFile& out) { out.CopyFrom(source, 0, source.SizeBytes()); }, {});
         return "copied";
+    }
+    if (command == "fill") {
+        // Again and again, as one of several; tells how often it came through.
+        int replaced = 0;
+        for (int round = 0; round < kFillRounds; ++round) {
+            try {
+                ReplaceWholeFile(PathFromUTF8(first),
+                                 [&second](OutputFile& out) {
+                                     const std::string content(kFillBytes, second.at(0));
+                                     out.Write(content.data(), content.size());
+                                 },
+                                 {});
+                ++replaced;
+            } catch (const FileError&) {
+                continue;
+            }
+        }
+        return std::to_string(replaced);
     }
     if (command == "appdir") {
         return PathToUTF8(Dir::AppDir().FullPath());
@@ -58,9 +83,10 @@ std::string Run(const std::string& command, const std::string& first, const std:
 
 int main(int count, char** arguments)
 {
-    const auto argument = [=](int i) { return std::string(i < count ? arguments[i] : ""); };
+    std::vector<std::string> words = WorkerArguments(count, arguments);
+    words.resize(3);
     try {
-        std::fputs(Run(argument(1), argument(2), argument(3)).c_str(), stdout);
+        std::fputs(Run(words[0], words[1], words[2]).c_str(), stdout);
         return 0;
     } catch (const FileError& error) {
         std::fputs(error.what(), stdout);

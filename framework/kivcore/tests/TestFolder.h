@@ -16,6 +16,13 @@
 
 namespace kivcore::testing {
 
+/// The path that a UTF-8 text spells. The library's own conversion of plain texts depends on the
+/// system.
+inline std::filesystem::path PathOfText(const std::string& text)
+{
+    return {std::u8string(text.begin(), text.end())};
+}
+
 class TestFolder {
 public:
     TestFolder()
@@ -35,7 +42,7 @@ public:
     }
 
     const std::filesystem::path& Folder() const { return folder_; }
-    std::filesystem::path Of(const std::string& name) const { return folder_ / name; }
+    std::filesystem::path Of(const std::string& name) const { return folder_ / PathOfText(name); }
     UString Path(const std::string& name) const
     {
         return filesupport::PathFromUTF8(Of(name).string());

@@ -21,8 +21,8 @@ using kivcore::filesupport::InputFile;
 using kivcore::filesupport::OutputFile;
 using kivcore::filesupport::PathToUTF8;
 using kivcore::filesupport::RecoverReplacedFile;
-using kivcore::filesupport::ReplaceFile;
 using kivcore::filesupport::ReplaceOptions;
+using kivcore::filesupport::ReplaceWholeFile;
 using photo::ByteRange;
 using photo::ByteSource;
 using photo::FileSource;
@@ -281,7 +281,7 @@ public:
         ReplaceOptions options;
         options.expected = origin_.identity;
         options.check = [this](InputFile& written) { Check(written); };
-        return ReplaceFile(
+        return ReplaceWholeFile(
             origin_.info.packetPath, [this](OutputFile& out) { Write(out); }, options);
     }
 
@@ -411,7 +411,8 @@ void WritePacket(const __XMPMeta__& meta, const UString& path)
     const std::string packet = meta.Serialize();
     try {
         RefusePhoto(path);
-        ReplaceFile(path, [&](OutputFile& out) { out.Write(packet.data(), packet.size()); }, {});
+        ReplaceWholeFile(path, [&](OutputFile& out) { out.Write(packet.data(), packet.size()); },
+                         {});
     } catch (const std::exception&) {
         ThrowAsXMPError(path, FileUse::kWrite);
     }

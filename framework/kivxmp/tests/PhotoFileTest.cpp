@@ -45,7 +45,7 @@ protected:
             work();
         } catch (const XMP_Error& error) {
             std::string text = error.Text();
-            const std::string folder = folder_.Folder().string() + "/";
+            const std::string folder = folder_.Of("").string();
             for (std::size_t at; (at = text.find(folder)) != std::string::npos;) {
                 text.erase(at, folder.size());
             }

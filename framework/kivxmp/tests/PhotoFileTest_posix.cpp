@@ -33,9 +33,9 @@ using ::testing::ElementsAre;
 
 constexpr char kTitle[] = "dc:title[@x-default]";
 
-class PhotoFilePosixTest : public ::testing::Test {
+class PhotoFileSystemTest : public ::testing::Test {
 protected:
-    ~PhotoFilePosixTest() override { SetFileFault(FileStep::kOpen, 0, 0); }
+    ~PhotoFileSystemTest() override { SetFileFault(FileStep::kOpen, 0, 0); }
 
     /// 0 if a new title was saved, else the code of the failure.
     int Retitle(const std::string& name)
@@ -58,7 +58,7 @@ protected:
     kivcore::testing::TestFolder folder_;
 };
 
-TEST_F(PhotoFilePosixTest, ThroughASymbolicLinkTheTargetIsSaved)
+TEST_F(PhotoFileSystemTest, ThroughASymbolicLinkTheTargetIsSaved)
 {
     namespace fs = std::filesystem;
     fs::create_directory(folder_.Of("there"));
@@ -70,14 +70,14 @@ TEST_F(PhotoFilePosixTest, ThroughASymbolicLinkTheTargetIsSaved)
     EXPECT_THAT(folder_.Names(), ElementsAre("link.jpg", "there"));
 }
 
-TEST_F(PhotoFilePosixTest, ANameOfAnyBytes)
+TEST_F(PhotoFileSystemTest, ANameOfAnyBytes)
 {
     folder_.Write("caf\xE9 \xF0\x9F\x93\xB7.jpg", photo_);
     EXPECT_EQ(Retitle("caf\xE9 \xF0\x9F\x93\xB7.jpg"), 0);
     EXPECT_EQ(Title("caf\xE9 \xF0\x9F\x93\xB7.jpg"), "edited");
 }
 
-TEST_F(PhotoFilePosixTest, RefusedByTheSystem)
+TEST_F(PhotoFileSystemTest, RefusedByTheSystem)
 {
     folder_.Write("p.jpg", photo_);
     const std::string path = folder_.Of("p.jpg").string();
@@ -125,7 +125,7 @@ TEST_F(PhotoFilePosixTest, RefusedByTheSystem)
     EXPECT_THAT(folder_.Names(), ElementsAre("p.jpg"));
 }
 
-TEST_F(PhotoFilePosixTest, PermissionsStay)
+TEST_F(PhotoFileSystemTest, PermissionsStay)
 {
     folder_.Write("p.jpg", photo_);
     ASSERT_EQ(chmod(folder_.Of("p.jpg").c_str(), 0640), 0);
@@ -136,7 +136,7 @@ TEST_F(PhotoFilePosixTest, PermissionsStay)
 }
 
 // Killed at every step: the old or the new photo is there, and the next reader clears up.
-TEST_F(PhotoFilePosixTest, Killed)
+TEST_F(PhotoFileSystemTest, Killed)
 {
     constexpr FileStep kSteps[] = {FileStep::kOpen,   FileStep::kRead,        FileStep::kCreate,
                                    FileStep::kWrite,  FileStep::kFlush,       FileStep::kVerify,

@@ -33,11 +33,11 @@ struct ReplaceOptions {
 /// where the system refuses to flush the folder behind the rename, the new content stands.) A file
 /// without any write permission bit (or with the read-only attribute) is refused, also for an
 /// administrator, and so is one that we have no permission to write.
-KIVCORE_API FileIdentity ReplaceFile(const UString& path,
-                                     const std::function<void(OutputFile& out)>& write,
-                                     const ReplaceOptions& options);
+KIVCORE_API FileIdentity ReplaceWholeFile(const UString& path,
+                                          const std::function<void(OutputFile& out)>& write,
+                                          const ReplaceOptions& options);
 
-/// Throws FileError kRefused if ReplaceFile would refuse the file at `path` for its own
+/// Throws FileError kRefused if ReplaceWholeFile would refuse the file at `path` for its own
 /// permissions, kNotFound where there is none. Says nothing about the folder and the room on the
 /// disk.
 KIVCORE_API void CheckReplaceable(const UString& path);
