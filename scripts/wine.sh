@@ -14,7 +14,7 @@
 # given as they are, or behind "Z:".
 set -eu
 
-readonly recipe=1 # goes up when the installation is made differently
+readonly recipe=2 # goes up when the installation is made differently
 
 fail() { printf 'wine.sh: %s\n' "$*" >&2; exit 126; }
 
@@ -60,27 +60,16 @@ make_prefix() {
     rm "$log"
 }
 
-# Fonts of the system's packages take the place of those that Windows has, with Japanese behind
-# them; a program that crashes says where, without a dialog.
+# A font of the system's packages takes the place of those that Windows has: one with Japanese in
+# itself, since texts of several scripts get their lines broken and their letters squeezed when
+# Wine borrows letters from another font. A program that crashes says where, without a dialog.
 write_settings() {
     local name
     printf 'REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Wine\\WineDbg]\n"ShowCrashDialog"=dword:0\n'
     printf '\n[HKEY_CURRENT_USER\\Software\\Wine\\Fonts\\Replacements]\n'
     for name in Tahoma "Segoe UI" "MS Shell Dlg" "MS Shell Dlg 2" "MS Sans Serif" \
-        "Microsoft Sans Serif" Arial; do
-        printf '"%s"="DejaVu Sans"\n' "$name"
-    done
-    for name in "MS UI Gothic" "MS Gothic" "MS PGothic" "Yu Gothic UI" Meiryo; do
+        "Microsoft Sans Serif" Arial "MS UI Gothic" "MS Gothic" "MS PGothic" "Yu Gothic UI" Meiryo; do
         printf '"%s"="Noto Sans CJK JP"\n' "$name"
-    done
-    printf '\n[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\CurrentVersion\\FontLink\\SystemLink]\n'
-    for name in "DejaVu Sans" Tahoma "Segoe UI" "MS Shell Dlg" "MS Shell Dlg 2" \
-        "Microsoft Sans Serif" Arial; do
-        # A list of texts: bytes, each text and the list closed by a zero.
-        printf '"%s"=hex(7):' "$name"
-        printf 'NotoSansCJK-Regular.ttc,Noto Sans CJK JP\0\0' | od -An -v -tx1 |
-            tr -d '\n' | sed 's/^ //; s/ /,/g'
-        printf '\n'
     done
 }
 

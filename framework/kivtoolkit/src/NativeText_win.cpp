@@ -238,6 +238,9 @@ public:
                 break;
         }
         const WXLRESULT result = wxTextCtrl::MSWWindowProc(message, wParam, lParam);
+        if (message == WM_SIZE && !HasOneLine()) {
+            ShowBeginning();
+        }
         if (message != WM_GETTEXTLENGTH && message != WM_NCDESTROY && message != WM_DESTROY) {
             NoteBlank();
         }
@@ -299,6 +302,16 @@ private:
         if (isBlank != wasBlank_) {
             wasBlank_ = isBlank;
             InvalidateRect(GetHwnd(), nullptr, TRUE);
+        }
+    }
+
+    // What was scrolled away while there was little room does not come back by itself.
+    void ShowBeginning()
+    {
+        const LRESULT first = SendMessageW(GetHwnd(), EM_GETFIRSTVISIBLELINE, 0, 0);
+        SendMessageW(GetHwnd(), EM_LINESCROLL, 0, -first);
+        if (::GetFocus() == GetHwnd()) {
+            SendMessageW(GetHwnd(), EM_SCROLLCARET, 0, 0);
         }
     }
 
