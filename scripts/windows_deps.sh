@@ -5,8 +5,8 @@
 #
 # usage: scripts/windows_deps.sh
 #
-# The first run takes about 10 minutes on 2 cores, nearly all of it for wxWidgets; a later run takes
-# less than a second. The cache may be deleted at any time.
+# The first run takes about 5 minutes on 2 cores, nearly all of it for wxWidgets; a later run takes
+# less than a second. The cache may be deleted at any time. Missing Debian packages are installed.
 set -euo pipefail
 . "$(dirname "$0")/common.sh"
 [ $# -eq 0 ] || { sed -n '2,9s/^# \{0,1\}//p' "$0"; exit 0; }
@@ -16,6 +16,9 @@ readonly cache="$cache/kivmetadataapi/windows"
 readonly toolchain="$top/cmake/toolchains/windows.cmake"
 readonly list="$top/build/windows-libraries.cmake"
 readonly compiler=x86_64-w64-mingw32-g++-posix
+
+# shellcheck disable=SC2086
+need_packages cmake ninja-build libboost-dev $packages_windows
 
 # --- recipes ---------------------------------------------------------------------------------------
 # build_NAME gets the folders $source (the unpacked source package), $work (its own, thrown away) and
@@ -52,7 +55,7 @@ build_googletest() {
 # Everything off but what the dialog uses and what that in turn needs.
 package_wxwidgets=wxwidgets3.2
 version_wxwidgets=3.2.2+dfsg-2
-time_wxwidgets="8 minutes"
+time_wxwidgets="4 minutes"
 build_wxwidgets() {
     local name options=(-DwxUSE_DPI_AWARE_MANIFEST=none)
     for name in $(cat "$source"/build/cmake/*.cmake | grep -oE 'wxUSE_[A-Z0-9_]+' | sort -u); do
