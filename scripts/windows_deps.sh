@@ -195,17 +195,23 @@ build_library() {
     prefix="$work/prefix"
     say "building $name ${!version} (about ${!takes} on 2 cores; log: $log)"
     [ -z "${!package-}" ] || fetch "${!package}" "${!version}"
-    # In the background and waited for, because a failure inside `if (...)` would not end the shell.
+    # In the background and waited for, because a failure inside `if (...)` would not end the shell;
+    # as a group of processes, so that it can be ended as one.
+    set -m
     (
         set -e
         exec > "$log" 2>&1 < /dev/null
         [ -z "${!package-}" ] || unpack "${!package}" "${!version}"
         "build_$name"
     ) &
-    if ! wait $!; then
+    builder=$!
+    set +m
+    if ! wait "$builder"; then
+        builder=""
         tail -n 40 "$log" >&2
         fail "building $name failed; above are the last lines of $log"
     fi
+    builder=""
     mv "$prefix" "$folder"
     rm -rf "$work"
     say "$name is built ($((SECONDS - start)) s)"
@@ -229,7 +235,15 @@ for name in $libraries; do
     [ -d "$folder" ] || missing+=("$name=$folder")
 done
 work=""
-trap '[ -z "$work" ] || rm -rf "$work"' EXIT
+builder=""
+cleanup() {
+    if [ -n "$builder" ]; then
+        kill -TERM -- "-$builder" 2> /dev/null || true
+        wait "$builder" 2> /dev/null || true
+    fi
+    [ -z "$work" ] || rm -rf "$work"
+}
+trap cleanup EXIT
 trap 'exit 130' INT
 trap 'exit 143' TERM
 if [ ${#missing[@]} -gt 0 ]; then
