@@ -59,6 +59,7 @@ FOREIGN = {
     r"boost/property_tree/detail/rapidxml\.hpp": ("svgloom/src",),
     r"(gtest|gmock)/.+": ("*tests",),
     r"benchmark/.+": ("bench",),
+    r"gettext-po\.h": ("tools/pemtext",),
 }
 
 STANDARD_C = set("""assert.h complex.h ctype.h errno.h fenv.h float.h inttypes.h iso646.h limits.h

@@ -19,6 +19,12 @@ constexpr OptionRow kOutputOptions[] = {{"-o", true}};
 constexpr OptionRow kCheckOptions[] = {
     {"--reference", true}, {"--strict", false}, {"--format", true}};
 
+constexpr OptionRow kStatsOptions[] = {{"--format", true}};
+constexpr OptionRow kMergeOptions[] = {{"-o", true}, {"--keep-obsolete", false}};
+constexpr OptionRow kPseudoOptions[] = {
+    {"-o", true}, {"--accented", false}, {"--bidi", false}, {"--longer", true}};
+constexpr OptionRow kToPoOptions[] = {{"-o", true}, {"--language", true}};
+
 constexpr Command kCommands[] = {
     {"dump", "[--memory] FILE...",
      "Loads the files one after the other into one dictionary and prints each entry, sorted by\n"
@@ -64,6 +70,40 @@ constexpr Command kCommands[] = {
      "  --strict            exit status 1 for warnings, too\n"
      "  --format FORMAT     text (if not given) or json, one object a line\n",
      kCheckOptions, 1, kAnyNumber, RunCheck},
+    {"stats", "[--format text|json] BASE FILE...",
+     "Tells how much of BASE each file covers: texts that are missing, extra, and equal to those\n"
+     "of BASE.\n"
+     "  --format FORMAT     text (if not given) or json, one object a line\n",
+     kStatsOptions, 2, kAnyNumber, RunStats},
+    {"extract", "SOURCE... [-o OUT]",
+     "Writes the reference dictionary of source code or XML: the defaults of all literals of the\n"
+     "form \"$$$/Key=default\", sorted by key.\n"
+     "  -o OUT              the dictionary; if not given, standard output\n",
+     kOutputOptions, 1, kAnyNumber, RunExtract},
+    {"merge", "REFERENCE TRANSLATION -o OUT [--keep-obsolete]",
+     "Brings a translation up to a new reference, in the reference's order. New texts are taken\n"
+     "from the reference and marked with #{comment}; texts that it lacks are dropped.\n"
+     "  -o OUT              the new translation\n"
+     "  --keep-obsolete     put texts that the reference lacks at the end\n",
+     kMergeOptions, 2, 2, RunMerge},
+    {"pseudo", "FILE -o OUT [--accented] [--bidi] [--longer N%]",
+     "Makes a test language that shows what is cut off or not translated.\n"
+     "  -o OUT              the dictionary\n"
+     "  --accented          accents on all letters\n"
+     "  --bidi              words from right to left\n"
+     "  --longer N%         longer by so much, between brackets\n",
+     kPseudoOptions, 1, 1, RunPseudo},
+    {"to-po", "BASE [TRANSLATION] -o OUT [--language LANGUAGE]",
+     "Writes a gettext PO file: keys as msgctxt, texts of BASE as msgid, of TRANSLATION as "
+     "msgstr.\n"
+     "  -o OUT              the PO file\n"
+     "  --language LANGUAGE for its header, such as de or pt_BR\n",
+     kToPoOptions, 1, 2, RunToPo},
+    {"from-po", "FILE -o OUT",
+     "Writes the dictionary of a gettext PO file. Messages that are not translated, fuzzy or\n"
+     "obsolete are left out.\n"
+     "  -o OUT              the dictionary\n",
+     kOutputOptions, 1, 1, RunFromPo},
 };
 
 }  // namespace

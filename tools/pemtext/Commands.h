@@ -36,5 +36,16 @@ int RunExport(const Arguments& arguments);
 int RunText(const Arguments& arguments);
 // CheckCommand.cpp
 int RunCheck(const Arguments& arguments);
+// StatsCommand.cpp
+int RunStats(const Arguments& arguments);
+// ExtractCommand.cpp
+int RunExtract(const Arguments& arguments);
+// MergeCommand.cpp
+int RunMerge(const Arguments& arguments);
+// PseudoCommand.cpp
+int RunPseudo(const Arguments& arguments);
+// PoCommands.cpp
+int RunFromPo(const Arguments& arguments);
+int RunToPo(const Arguments& arguments);
 
 }  // namespace pemtext

@@ -1,31 +1,10 @@
 #include "tools/pemtext/TextForm.h"
 
 #include <cstddef>
-#include <cstdint>
 
 namespace pemtext {
 
 namespace {
-
-void AppendUtf8(std::uint32_t value, std::string& out)
-{
-    const auto append = [&](std::uint32_t byte) { out += static_cast<char>(byte); };
-    if (value < 0x80) {
-        append(value);
-        return;
-    }
-    if (value < 0x800) {
-        append(0xC0 | (value >> 6));
-    } else if (value < 0x10000) {
-        append(0xE0 | (value >> 12));
-        append(0x80 | ((value >> 6) & 0x3F));
-    } else {
-        append(0xF0 | (value >> 18));
-        append(0x80 | ((value >> 12) & 0x3F));
-        append(0x80 | ((value >> 6) & 0x3F));
-    }
-    append(0x80 | (value & 0x3F));
-}
 
 void AppendReference(char16_t unit, std::string& out)
 {
@@ -97,6 +76,26 @@ std::string Line(std::string_view key, const std::string& value)
 }
 
 }  // namespace
+
+void AppendUtf8(std::uint32_t character, std::string& out)
+{
+    const auto append = [&](std::uint32_t byte) { out += static_cast<char>(byte); };
+    if (character < 0x80) {
+        append(character);
+        return;
+    }
+    if (character < 0x800) {
+        append(0xC0 | (character >> 6));
+    } else if (character < 0x10000) {
+        append(0xE0 | (character >> 12));
+        append(0x80 | ((character >> 6) & 0x3F));
+    } else {
+        append(0xF0 | (character >> 18));
+        append(0x80 | ((character >> 12) & 0x3F));
+        append(0x80 | ((character >> 6) & 0x3F));
+    }
+    append(0x80 | (character & 0x3F));
+}
 
 std::string EscapedValue(std::u16string_view value)
 {

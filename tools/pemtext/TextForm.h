@@ -2,10 +2,14 @@
 
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
 namespace pemtext {
+
+/// Appends a character's UTF-8 form.
+void AppendUtf8(std::uint32_t character, std::string& out);
 
 /// A value so written that both value passes give `value` again, in UTF-8.
 std::string EscapedValue(std::u16string_view value);
