@@ -141,14 +141,14 @@ void WriteOutput(const std::string& name, const std::function<void(std::ostream&
         return;
     }
     try {
-        kivcore::filesupport::ReplaceFile(kivcore::string::UTF8to16(name),
-                                          [&](kivcore::filesupport::OutputFile& file) {
-                                              FileBuffer buffer(file);
-                                              std::ostream out(&buffer);
-                                              write(out);
-                                              buffer.Rethrow();
-                                          },
-                                          {});
+        kivcore::filesupport::ReplaceWholeFile(kivcore::string::UTF8to16(name),
+                                               [&](kivcore::filesupport::OutputFile& file) {
+                                                   FileBuffer buffer(file);
+                                                   std::ostream out(&buffer);
+                                                   write(out);
+                                                   buffer.Rethrow();
+                                               },
+                                               {});
     } catch (const kivcore::filesupport::FileError& error) {
         throw Failure(error.what());
     }
