@@ -4,10 +4,12 @@
 #include <kivcore/FileReplacement.h>
 
 #include <optional>
+#include <set>
 
 #include <windows.h>
 
 #include <psapi.h>
+#include <sddl.h>
 
 #include <gmock/gmock.h>
 
@@ -104,6 +106,48 @@ TEST_F(FileReplacementSystemTest, AHardLinkedFileIsReplacedByANewOne)
     EXPECT_EQ(folder_.Read("other.jpg"), "old");
     EXPECT_EQ(std::filesystem::hard_link_count(folder_.Of("photo.jpg")), 1U);
     EXPECT_EQ(std::filesystem::hard_link_count(folder_.Of("other.jpg")), 1U);
+}
+
+/// Who may do what with the file at `path`, as the system spells it.
+std::wstring AccessOf(const std::filesystem::path& path)
+{
+    std::vector<unsigned char> descriptor(4096);
+    DWORD bytes = 0;
+    wchar_t* text = nullptr;
+    EXPECT_TRUE(GetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor.data(),
+                                 static_cast<DWORD>(descriptor.size()), &bytes));
+    EXPECT_TRUE(ConvertSecurityDescriptorToStringSecurityDescriptorW(
+        descriptor.data(), SDDL_REVISION_1, DACL_SECURITY_INFORMATION, &text, nullptr));
+    const std::wstring access = text;
+    LocalFree(text);
+    return access;
+}
+
+void SetAccess(const std::filesystem::path& path, const wchar_t* access)
+{
+    PSECURITY_DESCRIPTOR descriptor = nullptr;
+    ASSERT_TRUE(ConvertStringSecurityDescriptorToSecurityDescriptorW(access, SDDL_REVISION_1,
+                                                                     &descriptor, nullptr));
+    EXPECT_TRUE(SetFileSecurityW(path.c_str(), DACL_SECURITY_INFORMATION, descriptor));
+    LocalFree(descriptor);
+}
+
+TEST_F(FileReplacementSystemTest, KeepsThePermissions)
+{
+    // The owner all, everybody else nothing, or reading.
+    std::set<std::wstring> seen;
+    for (const wchar_t* const access :
+         {L"D:P(A;;FA;;;CO)(A;;FA;;;BA)", L"D:P(A;;FA;;;CO)(A;;FA;;;BA)(A;;FR;;;WD)"}) {
+        SetAccess(folder_.Of("photo.jpg"), access);
+        const std::wstring before = AccessOf(folder_.Of("photo.jpg"));
+        seen.insert(before);
+        std::wstring meanwhile;
+        ReplaceWholeFile(folder_.Path("photo.jpg"),
+                         [&](OutputFile&) { meanwhile = AccessOf(folder_.Of(kNew)); }, {});
+        EXPECT_EQ(meanwhile, before);
+        EXPECT_EQ(AccessOf(folder_.Of("photo.jpg")), before);
+    }
+    EXPECT_EQ(seen.size(), 2U);
 }
 
 TEST_F(FileReplacementSystemTest, KeepsAccessListsAndAttributes)

@@ -70,7 +70,7 @@ TEST_F(PhotoFileSystemTest, ThroughASymbolicLinkTheTargetIsSaved)
     EXPECT_THAT(folder_.Names(), ElementsAre("link.jpg", "there"));
 }
 
-TEST_F(PhotoFileSystemTest, ANameOfAnyBytes)
+TEST_F(PhotoFileSystemTest, ANameThatIsNoPlainText)
 {
     folder_.Write("caf\xE9 \xF0\x9F\x93\xB7.jpg", photo_);
     EXPECT_EQ(Retitle("caf\xE9 \xF0\x9F\x93\xB7.jpg"), 0);

@@ -6,6 +6,11 @@
 // then the folder is flushed. Memory stays below 1 MiB whatever the size. A symbolic link is
 // followed and its target replaced. What a killed writer left behind is recognised by its name and
 // its missing lock, and removed by the next replacement in that folder.
+//
+// On Windows the system's own call replaces, in two steps: for a moment between them there is no
+// file of that name, and whoever is killed there leaves the old content beside it as a backup. It
+// is renamed back by the next reader or replacement, or removed once the new content could be read
+// whole under its own name.
 
 #pragma once
 
@@ -29,8 +34,10 @@ struct ReplaceOptions {
 
 /// Replaces (or makes) the file at `path` by what `write` puts out, and returns the new file's
 /// identity. Throws FileError, and whatever `write` and `check` throw; the old file is then as it
-/// was and nothing is left beside it. (On a file system without hard links there is one exception:
-/// where the system refuses to flush the folder behind the rename, the new content stands.) A file
+/// was and nothing is left beside it. There are two exceptions. On a POSIX file system without hard
+/// links the new content stands where the system refuses to flush the folder behind the rename.
+/// Where Windows has put the old file aside and lets nobody rename it back, the message tells its
+/// name, and RecoverReplacedFile() brings it back. A file
 /// without any write permission bit (or with the read-only attribute) is refused, also for an
 /// administrator, and so is one that we have no permission to write.
 KIVCORE_API FileIdentity ReplaceWholeFile(const UString& path,
