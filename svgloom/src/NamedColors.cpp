@@ -209,11 +209,13 @@ constexpr std::array<LetterRange, kLetters> RangesByLetter()
 
 constexpr std::array<LetterRange, kLetters> kRanges = RangesByLetter();
 
-bool StartsWithLowered(std::string_view text, std::string_view name)
+constexpr std::size_t LongestName()
 {
-    return text.size() >= name.size() &&
-           std::equal(name.begin(), name.end(), text.begin(),
-                      [](char want, char have) { return want == ToLower(have); });
+    std::size_t longest = 0;
+    for (const NamedColor& row : kRows) {
+        longest = std::max(longest, row.name.size());
+    }
+    return longest;
 }
 
 }  // namespace
@@ -228,9 +230,13 @@ const NamedColor* FindNamedColor(std::string_view text)
     if (text.empty() || !IsLetter(text[0])) {
         return nullptr;
     }
-    const LetterRange range = kRanges[static_cast<std::size_t>(ToLower(text[0]) - 'a')];
+    char lowered[LongestName()];
+    const std::size_t length = std::min(text.size(), sizeof lowered);
+    std::transform(text.begin(), text.begin() + length, lowered, ToLower);
+    const std::string_view word(lowered, length);
+    const LetterRange range = kRanges[static_cast<std::size_t>(lowered[0] - 'a')];
     for (std::size_t i = range.first; i < range.behind; ++i) {
-        if (StartsWithLowered(text, kRows[i].name)) {
+        if (word.starts_with(kRows[i].name)) {
             return &kRows[i];
         }
     }

@@ -1,6 +1,6 @@
 #include "svgloom/src/NumberReader.h"
 
-#include <bit>
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -19,17 +19,26 @@ float PowerOfTen(float exponent)
     return static_cast<float>(std::pow(10.0, static_cast<double>(exponent)));
 }
 
-}  // namespace
-
-float ReadMoreDigits(const char*& current, const char* end, float value)
+/// Above 2^24 the value is rounded with each digit.
+float ReadDigits(const char*& current, const char* end)
 {
-    while (current != end && IsDigit(*current)) {
+    float value = 0;
+    for (; current != end && IsDigit(*current); ++current) {
         value = value * 10 + static_cast<float>(*current - '0');
-        ++current;
     }
     return value;
 }
 
+float AddFraction(const char*& current, const char* end, float value)
+{
+    for (int k = 0; current != end && IsDigit(*current); ++current) {
+        value += kFractions.rows[k][*current - '0'];
+        k = std::min(k + 1, FractionTable::kPowers);
+    }
+    return value;
+}
+
+/// What follows "e" or "E"; false if no exponent stands there.
 bool ApplyExponent(const char*& current, const char* end, float& value)
 {
     float sign = 1;
@@ -40,10 +49,43 @@ bool ApplyExponent(const char*& current, const char* end, float& value)
     if (current == end || !IsDigit(*current)) {
         return false;
     }
-    const float exponent = ReadMoreDigits(current, end, 0);
+    const float exponent = ReadDigits(current, end);
     if (exponent != 0) {
         value *= PowerOfTen(sign * exponent);
     }
+    return true;
+}
+
+}  // namespace
+
+bool ReadNumberBySteps(const char*& current, const char* end, float& value)
+{
+    const bool hasSign = current != end && (*current == '-' || *current == '+');
+    const bool negative = hasSign && *current == '-';
+    current += hasSign ? 1 : 0;
+
+    const char* const firstDigit = current;
+    float result = ReadDigits(current, end);
+    if (current != end && *current == '.') {
+        ++current;
+        const char* const firstFraction = current;
+        result = AddFraction(current, end, result);
+        if (current == firstFraction) {
+            return false;
+        }
+    } else if (current == firstDigit) {
+        return false;
+    }
+    if (current != end && (*current == 'e' || *current == 'E')) {
+        ++current;
+        if (!ApplyExponent(current, end, result)) {
+            return false;
+        }
+    }
+    if (!std::isfinite(result)) {
+        return false;
+    }
+    value = negative ? -result : result;
     return true;
 }
 

@@ -5,8 +5,7 @@
 
 #pragma once
 
-#include <cmath>
-#include <cstdint>
+#include <cstddef>
 
 #include "svgloom/src/Characters.h"
 
@@ -34,11 +33,40 @@ struct FractionTable {
 
 inline constexpr FractionTable kFractions;
 
-/// Digits behind the seventh: from here on the value is rounded with each digit.
-float ReadMoreDigits(const char*& current, const char* end, float value);
+/// A sign, four digits, a point, four digits and one byte behind them.
+inline constexpr std::ptrdiff_t kQuickBytes = 1 + 4 + 1 + 4 + 1;
 
-/// Reads what follows "e" or "E" and multiplies. False if no exponent stands there.
-bool ApplyExponent(const char*& current, const char* end, float& value);
+constexpr unsigned ValueOf(char c)
+{
+    return static_cast<unsigned>(c) - static_cast<unsigned>('0');
+}
+
+/// The reader step by step, for all numbers.
+bool ReadNumberBySteps(const char*& current, const char* end, float& value);
+
+/// Reads up to four digits, which are exact in a float; `next` is the value of what follows them.
+inline unsigned ReadFourDigits(const char*& at, unsigned& next)
+{
+    unsigned value = 0;
+    next = ValueOf(*at);
+    if (next < 10) {
+        value = next;
+        next = ValueOf(*++at);
+        if (next < 10) {
+            value = value * 10 + next;
+            next = ValueOf(*++at);
+            if (next < 10) {
+                value = value * 10 + next;
+                next = ValueOf(*++at);
+                if (next < 10) {
+                    value = value * 10 + next;
+                    next = ValueOf(*++at);
+                }
+            }
+        }
+    }
+    return value;
+}
 
 }  // namespace number_reader
 
@@ -52,51 +80,43 @@ inline bool ReadNumber(const char*& current, const char* end, float& value)
 {
     using namespace number_reader;
 
+    // Most numbers are short. Whatever is unusual is left to the steps.
+    if (end - current < kQuickBytes) {
+        return ReadNumberBySteps(current, end, value);
+    }
     const char* at = current;
-    bool negative = false;
-    if (at != end && (*at == '-' || *at == '+')) {
-        negative = *at == '-';
-        ++at;
-    }
-    // Up to seven digits are exact in a float, so whole numbers do for them.
+    const bool negative = *at == '-';
+    at += negative ? 1 : 0;
     const char* const firstDigit = at;
-    std::uint32_t whole = 0;
-    while (at != end && IsDigit(*at) && at - firstDigit < 7) {
-        whole = whole * 10 + static_cast<std::uint32_t>(*at - '0');
-        ++at;
-    }
-    float result = static_cast<float>(static_cast<std::int32_t>(whole));
-    if (at != end && IsDigit(*at)) {
-        result = ReadMoreDigits(at, end, result);
-    }
-    if (at != end && *at == '.') {
-        ++at;
-        const char* const firstFraction = at;
-        const float(*row)[10] = kFractions.rows;
-        while (at != end && IsDigit(*at)) {
-            result += (*row)[*at - '0'];
-            row += row != &kFractions.rows[FractionTable::kPowers] ? 1 : 0;
-            ++at;
+    unsigned next = 0;
+    const unsigned whole = ReadFourDigits(at, next);
+    float result = static_cast<float>(static_cast<int>(whole));
+    if (next == ValueOf('.')) {
+        next = ValueOf(*++at);
+        if (next >= 10) {
+            return ReadNumberBySteps(current, end, value);
         }
-        if (at == firstFraction) {
-            current = at;
-            return false;
+        result += kFractions.rows[0][next];
+        next = ValueOf(*++at);
+        if (next < 10) {
+            result += kFractions.rows[1][next];
+            next = ValueOf(*++at);
+            if (next < 10) {
+                result += kFractions.rows[2][next];
+                next = ValueOf(*++at);
+                if (next < 10) {
+                    result += kFractions.rows[3][next];
+                    next = ValueOf(*++at);
+                }
+            }
         }
     } else if (at == firstDigit) {
-        current = at;
-        return false;
+        return ReadNumberBySteps(current, end, value);
     }
-    if (at != end && (*at == 'e' || *at == 'E')) {
-        ++at;
-        if (!ApplyExponent(at, end, result)) {
-            current = at;
-            return false;
-        }
+    if (next < 10 || next == ValueOf('e') || next == ValueOf('E')) {
+        return ReadNumberBySteps(current, end, value);
     }
     current = at;
-    if (!std::isfinite(result)) {
-        return false;
-    }
     value = negative ? -result : result;
     return true;
 }

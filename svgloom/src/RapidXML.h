@@ -2,8 +2,8 @@
 
 #pragma once
 
-// A document of some twenty nodes takes no further block.
-#define BOOST_PROPERTY_TREE_RAPIDXML_STATIC_POOL_SIZE 4096
+// What stands in a document itself: enough for most icons.
+#define BOOST_PROPERTY_TREE_RAPIDXML_STATIC_POOL_SIZE (8 * 1024)
 
 #include <boost/property_tree/detail/rapidxml.hpp>
 

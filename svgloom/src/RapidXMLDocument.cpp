@@ -1,13 +1,11 @@
 #include "svgloom/src/RapidXMLDocument.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <cstring>
 #include <string>
 #include <string_view>
 
 #include "svgloom/src/Characters.h"
-#include "svgloom/src/RapidXML.h"
 #include "svgloom/src/XMLChecks.h"
 
 namespace SVGLoom::xml {
@@ -124,20 +122,15 @@ void RapidXMLNode::VisitAttributes(AttributeVisitor& visitor) const
     for (const Attribute* each = node_->first_attribute(); each != nullptr;
          each = each->next_attribute()) {
         // A reference to NUL ends the value, as it does for who reads up to the zero.
-        const char* const value = each->value();
-        const char* const end = std::find(value, value + each->value_size(), '\0');
+        const std::string_view value(each->value(), each->value_size());
         visitor.VisitAttribute({each->name(), each->name_size()},
-                               {value, static_cast<std::size_t>(end - value)});
+                               value.substr(0, value.find('\0')));
     }
 }
 
 }  // namespace
 
-struct RapidXMLDocument::Tree {
-    rapidxml::xml_document<char> document;
-};
-
-RapidXMLDocument::RapidXMLDocument(char* text) : tree_(std::make_unique<Tree>())
+RapidXMLDocument::RapidXMLDocument(char* text)
 {
     char* const end = text + std::strlen(text);
     if (const char* const tooDeep = FindTooDeep(text, end)) {
@@ -145,17 +138,15 @@ RapidXMLDocument::RapidXMLDocument(char* text) : tree_(std::make_unique<Tree>())
     }
     TameReferences(text, end);
     if (HasSection({text, static_cast<std::size_t>(end - text)})) {
-        tree_->document.parse<kFlags>(text);
+        document_.parse<kFlags>(text);
     } else {
-        tree_->document.parse<kFlagsWithoutTexts>(text);
+        document_.parse<kFlagsWithoutTexts>(text);
     }
 }
 
-RapidXMLDocument::~RapidXMLDocument() = default;
-
 std::unique_ptr<XMLNode> RapidXMLDocument::GetFirstNode() const
 {
-    return HandleOfElement(tree_->document.first_node());
+    return HandleOfElement(document_.first_node());
 }
 
 }  // namespace SVGLoom::xml

@@ -4,10 +4,12 @@
 
 #include <memory>
 
+#include "svgloom/src/RapidXML.h"
 #include "svgloom/src/XMLDocument.h"
 
 namespace SVGLoom::xml {
 
+/// The nodes of a small document lie in the object itself, which is some kilobytes large.
 class RapidXMLDocument : public XMLDocument {
 public:
     /// Parses `text`, which ends in zero, in place: the buffer is changed, and has to stand as long
@@ -17,13 +19,11 @@ public:
     /// @throws boost::property_tree::detail::rapidxml::parse_error (RapidXML.h) for malformed XML,
     ///         and for elements nested deeper than kMaxDepth (XMLChecks.h)
     explicit RapidXMLDocument(char* text);
-    ~RapidXMLDocument() override;
 
     std::unique_ptr<XMLNode> GetFirstNode() const override;
 
 private:
-    struct Tree;
-    std::unique_ptr<Tree> tree_;
+    rapidxml::xml_document<char> document_;
 };
 
 }  // namespace SVGLoom::xml

@@ -129,12 +129,30 @@ std::uint64_t ReadDigits(const char*& current, const char* end, std::uint64_t ba
     return value;
 }
 
+/// False if there cannot be a level too many: each takes a "<" of its own, and most texts have
+/// fewer.
+bool HasManyTags(const char* text, const char* end)
+{
+    constexpr std::ptrdiff_t kShortestTag = 3;
+    if (end - text < kShortestTag * kMaxDepth) {
+        return false;
+    }
+    const char* current = text;
+    for (int tags = 0; tags <= kMaxDepth; ++tags) {
+        current = Find(current, end, '<');
+        if (current == nullptr) {
+            return false;
+        }
+        ++current;
+    }
+    return true;
+}
+
 }  // namespace
 
 const char* FindTooDeep(const char* text, const char* end)
 {
-    // A level takes a "<" of its own, and most texts have fewer.
-    if (std::count(text, end, '<') <= kMaxDepth) {
+    if (!HasManyTags(text, end)) {
         return nullptr;
     }
     int depth = 0;
