@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <charconv>
+#include <exception>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -58,7 +59,7 @@ std::optional<FileStep> StepByName(std::string_view name)
     return std::nullopt;
 }
 
-void ReadEnvironment() noexcept
+void ReadEnvironment()
 {
     const std::optional<std::string> value = EnvironmentText("KIV_FILE_FAULT");
     const std::string_view text = value ? std::string_view(*value) : std::string_view();
@@ -91,8 +92,12 @@ void SetFileFault(FileStep step, int systemError, int countdown)
 
 int TakeFault(FileStep step) noexcept
 {
-    if (!environmentRead.exchange(true)) {
-        ReadEnvironment();
+    try {
+        if (!environmentRead.exchange(true)) {
+            ReadEnvironment();
+        }
+    } catch (const std::exception&) {
+        return 0;  // no memory: the switch stays off
     }
     if (faultCountdown == 0 || faultStep != step || --faultCountdown > 0) {
         return 0;

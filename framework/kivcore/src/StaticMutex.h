@@ -10,8 +10,8 @@ namespace kivcore {
 /// std::mutex is made and destroyed at run time by some C++ libraries for Windows.
 class StaticMutex {
 public:
-    void lock() noexcept;
-    void unlock() noexcept;
+    void lock() noexcept;    // NOLINT(readability-identifier-naming): the standard's names
+    void unlock() noexcept;  // NOLINT(readability-identifier-naming)
 
 private:
     void* state_ = nullptr;  // a slim lock of the system's

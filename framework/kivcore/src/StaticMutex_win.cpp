@@ -9,7 +9,8 @@ namespace kivcore {
 namespace {
 
 // The system's lock is one pointer, null while nobody has it.
-static_assert(sizeof(SRWLOCK) == sizeof(StaticMutex) && alignof(SRWLOCK) == alignof(StaticMutex));
+static_assert(sizeof(SRWLOCK) == sizeof(StaticMutex));
+static_assert(alignof(SRWLOCK) == alignof(void*));
 static_assert(std::is_trivially_destructible_v<StaticMutex>);
 
 SRWLOCK* LockIn(void** state)

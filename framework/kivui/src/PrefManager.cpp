@@ -7,6 +7,7 @@
 #include <utility>
 
 #include <kivcore/Dir.h>
+#include <kivcore/FileReplacement.h>
 
 #include "framework/kivui/src/Tracing.h"
 
@@ -32,6 +33,8 @@ constinit State* state = nullptr;
 void Read(State& into)
 {
     try {
+        // On Windows a killed writer can have left nothing but the backup.
+        kivcore::filesupport::RecoverReplacedFile(into.file.FullPath());
         if (into.file.Exists()) {
             kivcore::proplist::utils::LoadPropList(into.file.FullPath(), into.asOnDisk, false);
         }
