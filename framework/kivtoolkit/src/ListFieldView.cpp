@@ -231,7 +231,7 @@ void ListFieldView::PlaceBody(const wxRect& body)
     wxRect text = flow.entry;
     const int indent = look_.Px(edited_ || !list_.Items().empty() ? 4 : 6);
     text.x += indent;
-    text.width -= indent;
+    text.width -= edited_ ? 2 * indent : indent;
     entry_->Place(OnPage(text));
     more_->SetLabelText(MoreText(flow.hidden));
     more_->Place(OnPage(flow.more));

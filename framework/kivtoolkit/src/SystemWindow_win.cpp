@@ -30,16 +30,12 @@ HWND HandleOf(const wxWindow& window)
     return static_cast<HWND>(window.GetHandle());
 }
 
-// The top level window that a dialog over `host` belongs to: where none is given or there is none,
-// the one that the user works in.
+// The top level window that a dialog over `host` belongs to; null where there is none, and for the
+// desktop, which is nobody's to disable.
 HWND OwnerFor(HWND host)
 {
-    HWND owner =
-        host != nullptr && IsWindow(host) != FALSE ? GetAncestor(host, GA_ROOT) : GetActiveWindow();
-    if (owner == GetDesktopWindow() || owner == GetShellWindow()) {
-        owner = nullptr;
-    }
-    return owner;
+    HWND owner = host != nullptr && IsWindow(host) != FALSE ? GetAncestor(host, GA_ROOT) : nullptr;
+    return owner != GetDesktopWindow() && owner != GetShellWindow() ? owner : nullptr;
 }
 
 bool IsAnythingUnpainted(HWND window)
