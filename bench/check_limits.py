@@ -13,8 +13,21 @@ ABSOLUTE = [
     ("OpenAndCancel/FirstOfTheProcess/iterations:1", 500),
     ("OpenAndCancel/Later/iterations:20", 150),
 ]
+SIZES = (1000, 10000, 100000, 1000000)
+
+
+def of_sizes(name, other, limits):
+    """One limit for each size of catalog."""
+    return [(f"{name}/{size}", f"{other}/{size}", limit) for size, limit in zip(SIZES, limits)]
+
+
 # Name, what it is compared with, and the largest ratio. Both come from one run.
 RATIOS = [
+    *of_sizes("Raw/ImageHit", "Icu/Hit", (0.5, 0.4, 0.6, 0.6)),
+    *of_sizes("Raw/ImageHit", "Gettext", (0.2, 0.2, 0.2, 0.2)),
+    *of_sizes("Raw/ImageMiss", "Icu/Miss", (0.35, 0.35, 0.6, 0.6)),
+    *of_sizes("Raw/TextHit", "UnorderedMap", (1.5, 1.5, 1.5, 1.5)),
+    ("LoadAndAskImage/100000", "LoadAndAskIcu/100000", 0.7),
     ("Parse/30", "BareExpat/30", 2.5),
     ("Parse/10000", "BareExpat/10000", 2.5),
     ("SerializeChanged/30", "Parse/30", 1.0),

@@ -209,7 +209,7 @@ std::vector<std::uint32_t> FastArray::WrittenOrder() const
 
 std::size_t FastArray::ReservedBytes() const
 {
-    return arena_.ReservedBytes() + poolBytes_ + chunks_.capacity() * sizeof(Record*) +
+    return arena_.ReservedBytes() + poolBytes_ + chunks_.capacity() * sizeof(void*) +
            index_.ReservedBytes();
 }
 

@@ -108,7 +108,7 @@ private:
     struct Dense {
         static constexpr std::size_t kFillPercent = 80;
         static constexpr std::size_t kGrowthPercent = 115;
-        static constexpr std::size_t kReservedFillPercent = 62;
+        static constexpr std::size_t kReservedFillPercent = 54;
     };
 
     static std::string_view KeyOf(const Record& record)

@@ -58,7 +58,7 @@ FOREIGN = {
     r"boost/(function\.hpp|smart_ptr/intrusive_ptr\.hpp|shared_ptr\.hpp)": ("framework", "api"),
     r"boost/property_tree/detail/rapidxml\.hpp": ("svgloom/src",),
     r"(gtest|gmock)/.+": ("*tests",),
-    r"benchmark/.+": ("bench",),
+    r"benchmark/.+|unicode/.+|libintl\.h": ("bench",),
     r"gettext-po\.h": ("tools/pemtext",),
 }
 

@@ -8,9 +8,12 @@
 #include "dictionary/TextArena.h"
 #include "dictionary/tests/TestSupport.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
+#include <iterator>
 #include <set>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -71,6 +74,32 @@ TEST(KeyHash, FullHashMindsEveryByteAndTheLength)
         EXPECT_EQ(FullHash(key), FullHash(std::string(key)));
     }
     EXPECT_GE(seen.size() + 1, keys);  // one chance meeting in 32 bits is forgiven
+}
+
+TEST(KeyHash, FullHashMindsTheOrder)
+{
+    // Words and blocks of the same bytes in other orders.
+    const std::string words[] = {"aaaaaaaa", "bbbbbbbb", "cccccccc", "dddddddd"};
+    std::set<std::uint32_t> seen;
+    int order[] = {0, 1, 2, 3};
+    do {
+        std::string key;
+        for (const int word : order)
+            key += words[word];
+        seen.insert(FullHash(key));
+        seen.insert(FullHash(key + "x"));
+    } while (std::next_permutation(std::begin(order), std::end(order)));
+    EXPECT_EQ(seen.size(), 48u);
+}
+
+TEST(KeyHash, FullHashSpreadsNumberedKeys)
+{
+    // Every high byte of the hash is met about as often: that is what tells slots apart.
+    std::vector<int> counts(256);
+    for (int i = 0; i < 256 * 100; ++i)
+        ++counts[FullHash("/Application/Panel/Control" + std::to_string(i)) >> 24];
+    EXPECT_GT(*std::min_element(counts.begin(), counts.end()), 40);
+    EXPECT_LT(*std::max_element(counts.begin(), counts.end()), 180);
 }
 
 class CountedItem : public HashItem {
