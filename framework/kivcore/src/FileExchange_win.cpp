@@ -228,6 +228,9 @@ void FileExchange::Names::PutInPlace()
         newName.clear();
         return;
     }
+    // The number tells more than the reason below, which is the plain one.
+    debug::Trace(0, "kivcore",
+                 ErrorText(shownPath, "the system's replacing answers " + std::to_string(error)));
     if (exists && !IsNameTaken(target) && IsNameTaken(backup) && Rename(backup, target) != 0) {
         // The next one to read it will rename it back.
         throw FileError(FileError::Kind::kOther,

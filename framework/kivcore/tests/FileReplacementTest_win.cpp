@@ -14,6 +14,7 @@
 #include <gmock/gmock.h>
 
 #include <kivcore/Dir.h>
+#include <kivcore/Trace.h>
 
 #include "framework/kivcore/tests/ChildProcess_win.h"
 #include "framework/kivcore/tests/TestFolder.h"
@@ -263,6 +264,31 @@ TEST_F(FileReplacementSystemTest, TheSystemsOwnErrorsOfReplacingLeaveTheOldFile)
               std::string("the new file cannot take its place: ") + kReplaceCases[2].want);
     EXPECT_EQ(Failure(), "");
     EXPECT_EQ(folder_.Read("photo.jpg"), "new");
+}
+
+TEST_F(FileReplacementSystemTest, WhereTheOldFileCannotBeRenamedBackTheMessageTellsWhereItIs)
+{
+    // Another program takes hold of the backup in the very moment in which it is one.
+    std::optional<OpenElsewhere> held;
+    kivcore::debug::SetTraceLevel("kivcore", 0);
+    const int sink = kivcore::debug::AddTraceSink([&](int, const char*, std::string_view text) {
+        if (text.ends_with("replacing answers 1177")) {
+            held.emplace(folder_.Of(kBackup), GENERIC_READ, FILE_SHARE_READ);
+        }
+    });
+    SetFileFault(FileStep::kRename, 1177, 1);
+    EXPECT_EQ(Failure(),
+              "the new file cannot take its place, and the old one could not be renamed back; it "
+              "is kept as " +
+                  kBackup);
+    kivcore::debug::RemoveTraceSink(sink);
+    kivcore::debug::SetTraceLevel("kivcore", -1);
+    EXPECT_THAT(folder_.Names(), ElementsAre(kBackup));
+    EXPECT_EQ(folder_.Read(kBackup), "old");
+    held.reset();
+    RecoverReplacedFile(folder_.Path("photo.jpg"));
+    EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
+    EXPECT_EQ(folder_.Read("photo.jpg"), "old");
 }
 
 // The state in which a kill between the two steps of the system's call leaves everything.
