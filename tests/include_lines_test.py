@@ -69,7 +69,7 @@ STANDARD_C = set("""assert.h complex.h ctype.h errno.h fenv.h float.h inttypes.h
 SYSTEM = re.compile(r"(sys/\w+|unistd|fcntl|dirent|dlfcn|link|pwd|grp|poll|malloc|iconv)\.h")
 # Those of Windows in files that are named after it, in tests too: no other system has them.
 WINDOWS = re.compile(r"(windows|commctrl|dwmapi|gdiplus|io|knownfolders|objbase|objidl|psapi|shellapi"
-                     r"|shlobj|tlhelp32|winioctl|winternl|xmmintrin)\.h")
+                     r"|sddl|shlobj|tlhelp32|winioctl|winternl|xmmintrin)\.h")
 
 # What C programs include too.
 C_HEADERS = (
