@@ -50,7 +50,7 @@ LRESULT CALLBACK HostProcedure(HWND window, UINT message, WPARAM first, LPARAM s
 
 std::wstring Wide(const std::string& text)
 {
-    return std::filesystem::path(text).wstring();
+    return std::filesystem::path(std::u8string(text.begin(), text.end())).wstring();
 }
 
 class WindowsHost {
@@ -152,7 +152,7 @@ MetadataDialogRequest RequestOver(HWND parent, const char* text = nullptr)
 }
 
 // Types into the window with this title once it is in the foreground, from a thread of its own, as
-// the keyboard does.
+// the keyboard does; the last key with Ctrl held where it is Return, which else ends an edit only.
 class Typist {
 public:
     Typist(std::string title, std::wstring text, WORD lastKey)
@@ -182,7 +182,13 @@ private:
             Press(0, unit);
         }
         Sleep(500);
+        if (lastKey == VK_RETURN) {
+            Hold(VK_CONTROL, true);
+        }
         Press(lastKey, 0);
+        if (lastKey == VK_RETURN) {
+            Hold(VK_CONTROL, false);
+        }
         // So that the test fails and does not stand still.
         const auto giveUp = Clock::now() + kPatience;
         while (IsWindow(window) != 0) {
@@ -191,6 +197,16 @@ private:
             }
             Sleep(100);
         }
+    }
+
+    static void Hold(WORD key, bool isDown)
+    {
+        INPUT input = {};
+        input.type = INPUT_KEYBOARD;
+        input.ki.wVk = key;
+        input.ki.dwFlags = isDown ? 0 : KEYEVENTF_KEYUP;
+        SendInput(1, &input, sizeof input);
+        Sleep(20);
     }
 
     static void Press(WORD key, wchar_t unit)
@@ -387,7 +403,7 @@ TEST_F(LibraryDialogWindowsTest, TheEndOfTheHostReachesItsLoop)
     api.terminate();
 }
 
-TEST_F(LibraryDialogWindowsTest, WhatIsTypedArrivesAndReturnConfirms)
+TEST_F(LibraryDialogWindowsTest, WhatIsTypedArrivesAndControlReturnConfirms)
 {
     const XmpObject object;
     const HWND owner = host.MakeWindow();
