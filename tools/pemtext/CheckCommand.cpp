@@ -123,7 +123,7 @@ private:
             return;
         const std::u16string_view last = parts.hasEquals ? parts.value : parts.key;
         const auto end = static_cast<std::size_t>(last.data() + last.size() - text.data()) + 1;
-        if (text.find_first_not_of(u" \t\r", end) != text.npos)
+        if (text.find_first_not_of(u" \t\r", end) != std::string_view::npos)
             Warn(
                 "the text behind the closing quote does not count; a quote in a value is "
                 "written \\\"",
@@ -160,7 +160,8 @@ private:
 
     void CheckMarkers(std::u16string_view value)
     {
-        for (std::size_t at = value.find(u"#{"); at != value.npos; at = value.find(u"#{", at + 2)) {
+        for (std::size_t at = value.find(u"#{"); at != std::string_view::npos;
+             at = value.find(u"#{", at + 2)) {
             if (at > 0 && value[at - 1] == u'^')
                 continue;  // an escape of its own
             const std::u16string_view rest = value.substr(at + 2);
@@ -173,7 +174,8 @@ private:
             if (length < rest.size() && rest[length] == u'}')
                 continue;
             const std::size_t close = rest.find(u'}');
-            Warn("\"#{" + RawValue(rest.substr(0, close == rest.npos ? 20 : close + 1)) +
+            Warn("\"#{" +
+                     RawValue(rest.substr(0, close == std::string_view::npos ? 20 : close + 1)) +
                      "\" is no marker and is shown as it is",
                  "unknown-marker");
         }
@@ -221,14 +223,14 @@ char EndMark(std::u16string_view value)
         {u"\u061F", '?'}, {u"\u037E", '?'}, {u":", ':'},      {u"\uFF1A", ':'},
     };
     const std::size_t last = value.find_last_not_of(u" \t\r\n\u00A0");
-    const std::u16string_view text = value.substr(0, last == value.npos ? 0 : last + 1);
+    const std::u16string_view text = value.substr(0, last == std::string_view::npos ? 0 : last + 1);
     for (const MarkRow& row : kMarks) {
         if (!text.ends_with(row.end))
             continue;
         // "31." is an ordinal number in many languages.
         const std::u16string_view before = text.substr(0, text.size() - row.end.size());
         const bool number = row.end == u"." && !before.empty() &&
-                            before.find_first_not_of(u"0123456789") == before.npos;
+                            before.find_first_not_of(u"0123456789") == std::string_view::npos;
         return number ? '\0' : row.mark;
     }
     return 0;

@@ -22,13 +22,13 @@ bool IsKeyWithDefault(std::string_view& text)
 {
     if (text.starts_with("($$$/") && text.ends_with(')'))
         text = text.substr(1, text.size() - 2);
-    return text.starts_with("$$$/") && text.find('=') != text.npos;
+    return text.starts_with("$$$/") && text.find('=') != std::string_view::npos;
 }
 
 void Collect(const std::string& file, std::map<std::string, Default>& defaults)
 {
     const std::string content = ReadInput(file);
-    const bool isXml = content.find_first_not_of(" \t\r\n\xEF\xBB\xBF") != content.npos &&
+    const bool isXml = content.find_first_not_of(" \t\r\n\xEF\xBB\xBF") != std::string_view::npos &&
                        content[content.find_first_not_of(" \t\r\n\xEF\xBB\xBF")] == '<';
     for (const Literal& literal : isXml ? LiteralsOfXml(content) : LiteralsOfCode(content)) {
         std::string_view text = literal.text;

@@ -164,7 +164,7 @@ std::vector<JsonLine> ReadJsonLines(const std::string& name)
         const std::string_view line(content.data() + start, end - start);
         start = end + 1;
         ++number;
-        if (line.find_first_not_of(" \t\r") == line.npos)
+        if (line.find_first_not_of(" \t\r") == std::string_view::npos)
             continue;
         JsonLine read = {{}, number};
         std::string reason;

@@ -112,7 +112,7 @@ bool ParseJsonString(std::string_view bytes, std::u16string& text, std::string& 
     text.clear();
     std::size_t at = line.find_first_not_of(kWhiteSpace);
     reason = "is no JSON string";
-    if (at == line.npos || line[at++] != u'"')
+    if (at == std::string_view::npos || line[at++] != u'"')
         return false;
     while (at < line.size() && line[at] != u'"') {
         const char16_t unit = line[at++];
@@ -125,7 +125,8 @@ bool ParseJsonString(std::string_view bytes, std::u16string& text, std::string& 
             return false;
         }
     }
-    return at < line.size() && line.find_first_not_of(kWhiteSpace, at + 1) == line.npos;
+    return at < line.size() &&
+           line.find_first_not_of(kWhiteSpace, at + 1) == std::string_view::npos;
 }
 
 bool ToBytes(std::u16string_view text, std::string& bytes)

@@ -112,14 +112,15 @@ private:
     void TakeRaw(std::size_t start)
     {
         const std::size_t open = source_.find('(', start);
-        if (open == source_.npos) {
+        if (open == std::string_view::npos) {
             Advance(source_.size());
             return;
         }
         const std::string close = ")" + std::string(source_.substr(start, open - start)) + "\"";
         const std::size_t end = source_.find(close, open);
-        Add(std::string(source_.substr(open + 1, end == source_.npos ? end : end - open - 1)));
-        Advance(end == source_.npos ? end : end + close.size());
+        Add(std::string(
+            source_.substr(open + 1, end == std::string_view::npos ? end : end - open - 1)));
+        Advance(end == std::string_view::npos ? end : end + close.size());
     }
 
     void TakeEscaped(std::size_t start)
@@ -159,7 +160,7 @@ private:
         constexpr std::string_view kLetters = "ntrbfav";
         constexpr std::string_view kValues = "\n\t\r\b\f\a\v";
         const char letter = source_[at];
-        if (const std::size_t row = kLetters.find(letter); row != kLetters.npos) {
+        if (const std::size_t row = kLetters.find(letter); row != std::string_view::npos) {
             text += kValues[row];
             ++at;
         } else if (letter == 'x') {
@@ -225,7 +226,8 @@ std::vector<Literal> LiteralsOfXml(std::string_view source)
     std::vector<Literal> literals;
     std::size_t line = 1;
     std::size_t counted = 0;
-    for (std::size_t at = source.find("$$$/"); at != source.npos; at = source.find("$$$/", at)) {
+    for (std::size_t at = source.find("$$$/"); at != std::string_view::npos;
+         at = source.find("$$$/", at)) {
         // What stands in front tells what ends it.
         const bool wrapped = at > 0 && source[at - 1] == '(';
         const std::size_t start = wrapped ? at - 1 : at;

@@ -16,7 +16,8 @@ namespace {
 std::string ToUtf8(const Catalog& catalog, const CatalogEntry& entry)
 {
     std::string text;
-    if (!morvish_private::ConvertUtf16(entry.value, text) || text.find('\0') != text.npos)
+    if (!morvish_private::ConvertUtf16(entry.value, text) ||
+        text.find('\0') != std::string_view::npos)
         throw Failure(catalog.File() + ":" + std::to_string(entry.line) +
                       ": a PO file cannot hold a NUL or half a character");
     return text;

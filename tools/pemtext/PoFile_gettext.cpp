@@ -100,7 +100,7 @@ bool IsUtf8(po_file_t file)
     char* const type = po_header_field(header, "Content-Type");
     const std::string_view text = type != nullptr ? type : "charset=UTF-8";
     const std::size_t charset = text.find("charset=");
-    const std::string name(charset == text.npos ? "" : text.substr(charset + 8));
+    const std::string name(charset == std::string_view::npos ? "" : text.substr(charset + 8));
     std::free(type);
     return name == "UTF-8" || name == "utf-8" || name == "ASCII" || name == "US-ASCII" ||
            name == "CHARSET";

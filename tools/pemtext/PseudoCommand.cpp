@@ -54,8 +54,8 @@ std::u16string Changed(std::u16string_view text, const Style& style)
         }
         const bool space = text[i] == u' ' || text[i] == u'\n' || text[i] == u'\r';
         turn(!space);
-        const std::size_t letter = style.accented ? kPlain.find(text[i]) : kPlain.npos;
-        out += letter != kPlain.npos ? kAccented[letter] : text[i];
+        const std::size_t letter = style.accented ? kPlain.find(text[i]) : std::string_view::npos;
+        out += letter != std::string_view::npos ? kAccented[letter] : text[i];
     }
     turn(false);
     return out;

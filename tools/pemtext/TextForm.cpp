@@ -105,10 +105,8 @@ std::string EscapedValue(std::u16string_view value)
         const bool last = i + 1 == value.size();
         if (IsHigh(unit) && !last && IsLow(value[i + 1])) {
             AppendUtf8(0x10000 + ((unit - 0xD800u) << 10) + (value[++i] - 0xDC00u), out);
-        } else if (unit == u'#' && !last && value[i + 1] == u'{') {
-            AppendReference(unit, out);
-        } else if (unit == u'\\' && last) {
-            // Two backslashes would hide the closing quote.
+        } else if ((unit == u'#' && !last && value[i + 1] == u'{') || (unit == u'\\' && last)) {
+            // A marker that is none, and a backslash that would hide the closing quote.
             AppendReference(unit, out);
         } else if (const char* const escape = ShortEscape(unit)) {
             out += escape;
