@@ -1,0 +1,322 @@
+#include "svgloom/src/ElementParser.h"
+
+#include <kivcore/Trace.h>
+
+#include <algorithm>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "svgloom/src/ImageElement.h"
+#include "svgloom/src/SVGStringParser.h"
+
+namespace SVGLoom {
+
+namespace {
+
+constinit kivcore::debug::TraceSite limitSite("SVGLoom.Parse", 6);
+
+constexpr std::string_view kRootName = "svg";
+
+}  // namespace
+
+const ElementParser::ActionRow ElementParser::kActions[] = {
+    {"g", &ElementParser::ParseGroup},
+    {"use", &ElementParser::ParseUse},
+    {"defs", &ElementParser::ParseDefs},
+    {"linearGradient", &ElementParser::ParseGradient},
+    {"radialGradient", &ElementParser::ParseGradient},
+    {"clipPath", &ElementParser::ParseClipPath},
+    {"symbol", &ElementParser::ParseSymbol},
+    {"image", &ElementParser::ParseImage},
+    {"style", &ElementParser::ParseStyle},
+};
+
+void ElementParser::ParseRoot(const xml::XMLNode& root)
+{
+    const char* const name = root.GetName();
+    if (name == nullptr || name != kRootName) {
+        return;
+    }
+    ReadViewBox(Attributes(root));
+    ParseElement(root, {{}, {}, document_.root_}, /*isRoot=*/true);
+}
+
+void ElementParser::ReadViewBox(const Attributes& attributes)
+{
+    std::vector<float> numbers;
+    if (attributes.Has(AttributeName::kViewBox) &&
+        SVGStringParser::ParseNumberList(attributes.Text(AttributeName::kViewBox), numbers)) {
+        // Any other count changes nothing, and the size of the element does not count then.
+        if (numbers.size() == 4) {
+            document_.viewBox_ = {numbers[0], numbers[1], numbers[2], numbers[3]};
+        }
+        return;
+    }
+    const Rect before = document_.viewBox_;
+    const LengthReader lengths(before);
+    lengths.Read(attributes, AttributeName::kX, document_.viewBox_.x);
+    lengths.Read(attributes, AttributeName::kY, document_.viewBox_.y);
+    lengths.Read(attributes, AttributeName::kWidth, document_.viewBox_.width);
+    lengths.Read(attributes, AttributeName::kHeight, document_.viewBox_.height);
+}
+
+void ElementParser::ParseElement(const xml::XMLNode& node, const Scope& scope, bool isRoot)
+{
+    // All that an element needs of the stack is given back before its children come.
+    const Scope inner = EnterElement(node, scope, isRoot);
+    if (inner.group == nullptr) {
+        return;
+    }
+    for (std::unique_ptr<xml::XMLNode> child = node.GetFirstChild(); child != nullptr;
+         child = child->GetNextSibling()) {
+        ParseElement(*child, inner, /*isRoot=*/false);
+    }
+}
+
+[[gnu::noinline]] ElementParser::Scope ElementParser::EnterElement(const xml::XMLNode& node,
+                                                                   const Scope& scope, bool isRoot)
+{
+    Parsed element(node, scope);
+    ResolveStylesOf(element, isRoot);
+    if (isRoot) {
+        return ParseGroup(element);
+    }
+    const std::string_view name = node.GetName();
+    if (std::shared_ptr<Path> path =
+            BuildShape(name, element.attributes, document_.viewBox_, *document_.renderer_)) {
+        document_.Add(*scope.group,
+                      std::make_shared<SVGDocumentImpl::Graphic>(
+                          element.graphic, std::move(element.classes), std::move(element.fill),
+                          std::move(element.stroke), std::move(path)),
+                      element.Id());
+        return {};
+    }
+    for (const ActionRow& row : kActions) {
+        if (row.name == name) {
+            return (this->*row.act)(element);
+        }
+    }
+    return {};
+}
+
+void ElementParser::ResolveStylesOf(Parsed& element, bool isRoot) const
+{
+    element.classes = ResolveStyles(element.attributes, sheet_, Sources(),
+                                    {element.graphic, element.fill, element.stroke});
+    if (!isRoot && element.attributes.Has(AttributeName::kTransform)) {
+        element.graphic.transform =
+            ParseTransform(element.attributes.Text(AttributeName::kTransform));
+    }
+}
+
+std::shared_ptr<Transform> ElementParser::ParseTransform(std::string_view text) const
+{
+    std::shared_ptr<Transform> transform =
+        Created(document_.renderer_->CreateTransform(1, 0, 0, 1, 0, 0));
+    const char* current = text.data();
+    if (!SVGStringParser::ParseTransform(current, current + text.size(), *transform)) {
+        transform.reset();
+    }
+    return transform;
+}
+
+ElementParser::Scope ElementParser::ParseGroup(Parsed& element)
+{
+    auto group = std::make_shared<Group>(element.graphic, std::move(element.classes));
+    document_.Add(*element.outer.group, group, element.Id());
+    return {std::move(element.fill), std::move(element.stroke), std::move(group)};
+}
+
+ElementParser::Scope ElementParser::ParseDefs(Parsed& element)
+{
+    // Goes when its children have been parsed; those with an id stay.
+    return {std::move(element.fill), std::move(element.stroke),
+            std::make_shared<Group>(element.graphic, std::move(element.classes))};
+}
+
+ElementParser::Scope ElementParser::ParseSymbol(Parsed& element)
+{
+    if (element.attributes.Has(AttributeName::kViewBox)) {
+        std::vector<float> numbers;
+        SVGStringParser::ParseNumberList(element.attributes.Text(AttributeName::kViewBox), numbers);
+        if (numbers.size() == 4) {
+            element.graphic.transform =
+                Created(document_.renderer_->CreateTransform(1, 0, 0, 1, -numbers[0], -numbers[1]));
+        }
+        // The document's own viewBox is replaced, on purpose: with it the scale of the whole
+        // drawing changes.
+        if (numbers.size() >= 4) {
+            document_.viewBox_ = {numbers[0], numbers[1], numbers[2], numbers[3]};
+        }
+    }
+    // A symbol's group receives itself, not its surroundings: only an id leads to it. The document
+    // undoes that when it goes.
+    auto group = std::make_shared<Group>(element.graphic, std::move(element.classes));
+    document_.symbols_.push_back(nullptr);
+    document_.Add(*group, group, element.Id());
+    document_.symbols_.back() = group.get();
+    // The children's styles are those around the symbol, not its own.
+    return {element.outer.fill, element.outer.stroke, std::move(group)};
+}
+
+ElementParser::Scope ElementParser::ParseUse(Parsed& element)
+{
+    const std::string_view href = element.attributes.Href();
+    if (!href.starts_with('#')) {
+        return {};
+    }
+    const float x = Lengths().Get(element.attributes, AttributeName::kX, 0);
+    const float y = Lengths().Get(element.attributes, AttributeName::kY, 0);
+    if (!IsTiny(x) || !IsTiny(y)) {
+        if (element.graphic.transform == nullptr) {
+            element.graphic.transform =
+                Created(document_.renderer_->CreateTransform(1, 0, 0, 1, 0, 0));
+        }
+        element.graphic.transform->Concat(1, 0, 0, 1, x, y);
+    }
+    document_.Add(*element.outer.group,
+                  std::make_shared<SVGDocumentImpl::Reference>(
+                      element.graphic, std::move(element.classes), std::move(element.fill),
+                      std::move(element.stroke), std::string(href.substr(1))),
+                  element.Id());
+    return {};
+}
+
+ElementParser::Scope ElementParser::ParseImage(Parsed& element)
+{
+    std::optional<PlacedImage> image =
+        BuildImage(element.attributes, document_.viewBox_, *document_.renderer_);
+    if (image.has_value()) {
+        document_.Add(*element.outer.group,
+                      std::make_shared<SVGDocumentImpl::Image>(
+                          element.graphic, std::move(element.classes), std::move(image->data),
+                          image->clipArea, image->fillArea),
+                      element.Id());
+    }
+    return {};
+}
+
+ElementParser::Scope ElementParser::ParseStyle(Parsed& element)
+{
+    sheet_.Add(element.node.GetValue());
+    return {};
+}
+
+ElementParser::Scope ElementParser::ParseClipPath(Parsed& element)
+{
+    if (!element.attributes.Has(AttributeName::kId)) {
+        return {};
+    }
+    const Scope scope{std::move(element.fill), std::move(element.stroke), nullptr};
+    auto clip = std::make_shared<ClippingPath>();
+    for (std::unique_ptr<xml::XMLNode> child = element.node.GetFirstChild(); child != nullptr;
+         child = child->GetNextSibling()) {
+        Parsed shape(*child, scope);
+        clip->path = BuildShape(child->GetName(), shape.attributes, document_.viewBox_,
+                                *document_.renderer_);
+        if (clip->path != nullptr) {
+            ResolveStylesOf(shape, /*isRoot=*/false);
+            clip->hasClipContent = true;
+            clip->clipRule = shape.fill->clipRule;
+            clip->transform = std::move(shape.graphic.transform);
+            break;
+        }
+    }
+    clipPaths_.insert_or_assign(std::string(element.Id()), std::move(clip));
+    return {};
+}
+
+ElementParser::Scope ElementParser::ParseGradient(Parsed& element)
+{
+    GradientDefinition definition;
+    Gradient& gradient = definition.gradient;
+    if (element.attributes.HasHref()) {
+        const std::string_view href = element.attributes.Href();
+        if (href.empty()) {
+            throw std::out_of_range("invalid string position");
+        }
+        // Only what stands before is known. The first character is dropped, "#" or not.
+        const auto found = gradients_.find(href.substr(1));
+        if (found != gradients_.end()) {
+            definition = found->second;
+        }
+    }
+    AddStops(element, gradient);
+
+    struct CoordinateRow {
+        AttributeName name;
+        float Gradient::*place;
+    };
+    static constexpr CoordinateRow kLinear[] = {{AttributeName::kX1, &Gradient::x1},
+                                                {AttributeName::kY1, &Gradient::y1},
+                                                {AttributeName::kX2, &Gradient::x2},
+                                                {AttributeName::kY2, &Gradient::y2}};
+    static constexpr CoordinateRow kRadial[] = {{AttributeName::kCx, &Gradient::cx},
+                                                {AttributeName::kCy, &Gradient::cy},
+                                                {AttributeName::kFx, &Gradient::fx},
+                                                {AttributeName::kFy, &Gradient::fy},
+                                                {AttributeName::kR, &Gradient::r}};
+    const auto readCoordinates = [this, &element, &gradient](const auto& rows) {
+        for (const CoordinateRow& row : rows) {
+            Lengths().Read(element.attributes, row.name, gradient.*row.place);
+        }
+    };
+    if (std::string_view(element.node.GetName()) == "linearGradient") {
+        gradient.type = GradientType::kLinear;
+        readCoordinates(kLinear);
+    } else {
+        gradient.type = GradientType::kRadial;
+        readCoordinates(kRadial);
+    }
+
+    // "pad" sets nothing, on purpose: what was inherited stays.
+    const std::string_view spread = element.attributes.Text(AttributeName::kSpreadMethod);
+    if (spread == "reflect") {
+        definition.spreadMethod = SpreadMethod::kReflect;
+    } else if (spread == "repeat") {
+        definition.spreadMethod = SpreadMethod::kRepeat;
+    }
+    if (element.attributes.Has(AttributeName::kGradientTransform)) {
+        gradient.transform =
+            ParseTransform(element.attributes.Text(AttributeName::kGradientTransform));
+    }
+    gradients_.try_emplace(std::string(element.Id()), std::move(definition));
+    return {};
+}
+
+/// Appends the stops of a gradient element to those that it has taken over.
+void ElementParser::AddStops(const Parsed& element, Gradient& gradient)
+{
+    const Scope scope{element.fill, element.stroke, nullptr};
+    bool isFirst = true;
+    for (std::unique_ptr<xml::XMLNode> child = element.node.GetFirstChild(); child != nullptr;
+         child = child->GetNextSibling()) {
+        if (std::string_view(child->GetName()) != "stop") {
+            continue;
+        }
+        if (std::exchange(isFirst, false)) {
+            inheritedStops_ += gradient.stops.size();
+            if (inheritedStops_ > kMaxInheritedStops) {
+                limitSite.Report("too many inherited stops: gradients take over no more");
+                gradient.stops.Clear();
+            }
+        }
+        Parsed stop(*child, scope);
+        ResolveStylesOf(stop, /*isRoot=*/false);
+        const float previous = gradient.stops.empty() ? 0 : gradient.stops.Last().offset;
+        float offset = previous;
+        SVGStringParser::ParseNumber(stop.attributes.Text(AttributeName::kOffset), offset);
+        offset = std::max(offset, previous);
+        offset = std::max(std::min(offset, 1.0f), 0.0f);
+        // No variable has a colour yet.
+        static const ColorMap& noColors = *new ColorMap;
+        Color color = ResolveColor(stop.graphic.stopColor, ResolveColor(stop.fill->color, noColors),
+                                   noColors);
+        color.alpha *= stop.graphic.stopOpacity;
+        gradient.stops.Append({offset, color});
+    }
+}
+
+}  // namespace SVGLoom

@@ -1,0 +1,100 @@
+// From XML to elements: one parse of one document. Whatever is not known is skipped silently.
+//
+// Styles and the group that receives the next element come down as arguments, so there is nothing
+// to put back when an exception leaves.
+
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <string_view>
+
+#include "svgloom/src/Attributes.h"
+#include "svgloom/src/GradientTable.h"
+#include "svgloom/src/SVGDocumentImpl.h"
+#include "svgloom/src/ShapeBuilder.h"
+#include "svgloom/src/StyleSheet.h"
+
+namespace SVGLoom {
+
+class ElementParser {
+public:
+    /// Stops that gradients take over from others and add their own to, in one document. Such a
+    /// list is a copy, so behind this many a gradient takes over none.
+    static constexpr std::size_t kMaxInheritedStops = 1000000;
+
+    explicit ElementParser(SVGDocumentImpl& document) : document_(document) {}
+
+    /// Nothing happens where `root` is not named "svg".
+    ///
+    /// @throws as SVGDocumentImpl::Parse
+    void ParseRoot(const xml::XMLNode& root);
+
+private:
+    using Group = SVGDocumentImpl::Group;
+
+    /// What an element gets from those around it.
+    struct Scope {
+        SharedFillStyle fill;
+        SharedStrokeStyle stroke;
+        std::shared_ptr<Group> group;  // receives it
+    };
+
+    /// An element whose attributes and styles have been read.
+    struct Parsed {
+        const xml::XMLNode& node;
+        const Scope& outer;
+        Attributes attributes;
+        DocumentGraphicStyle graphic;
+        SharedFillStyle fill;
+        SharedStrokeStyle stroke;
+        ClassSet classes;
+
+        Parsed(const xml::XMLNode& xmlNode, const Scope& scope)
+            : node(xmlNode),
+              outer(scope),
+              attributes(xmlNode),
+              fill(scope.fill),
+              stroke(scope.stroke)
+        {
+        }
+        std::string_view Id() const { return attributes.Text(AttributeName::kId); }
+    };
+
+    /// Does what an element asks for, and returns the scope of its children; without a group there
+    /// if they are not to be visited.
+    using Action = Scope (ElementParser::*)(Parsed& element);
+    struct ActionRow {
+        std::string_view name;
+        Action act;
+    };
+    static const ActionRow kActions[];
+
+    void ParseElement(const xml::XMLNode& node, const Scope& scope, bool isRoot);
+    Scope EnterElement(const xml::XMLNode& node, const Scope& scope, bool isRoot);
+    void ResolveStylesOf(Parsed& element, bool isRoot) const;
+
+    Scope ParseGroup(Parsed& element);
+    Scope ParseDefs(Parsed& element);
+    Scope ParseSymbol(Parsed& element);
+    Scope ParseUse(Parsed& element);
+    Scope ParseImage(Parsed& element);
+    Scope ParseGradient(Parsed& element);
+    Scope ParseClipPath(Parsed& element);
+    Scope ParseStyle(Parsed& element);
+
+    void AddStops(const Parsed& element, Gradient& gradient);
+    void ReadViewBox(const Attributes& attributes);
+    LengthReader Lengths() const { return LengthReader(document_.viewBox_); }
+    StyleSources Sources() const { return {gradients_, clipPaths_, document_.viewBox_}; }
+    /// The transform that `text` describes; empty if it cannot be read.
+    std::shared_ptr<Transform> ParseTransform(std::string_view text) const;
+
+    SVGDocumentImpl& document_;
+    StyleSheet sheet_;
+    GradientTable gradients_;
+    ClipPathTable clipPaths_;
+    std::size_t inheritedStops_ = 0;
+};
+
+}  // namespace SVGLoom

@@ -1,0 +1,79 @@
+#include "svgloom/src/SVGDocumentImpl.h"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "svgloom/src/DrawingWalk.h"
+#include "svgloom/src/ElementParser.h"
+
+namespace SVGLoom {
+
+SVGDocumentImpl::SVGDocumentImpl(std::shared_ptr<SVGRenderer> renderer)
+    : renderer_(std::move(renderer)),
+      root_(std::make_shared<Group>(DocumentGraphicStyle(), ClassSet()))
+{
+}
+
+SVGDocumentImpl::~SVGDocumentImpl()
+{
+    // A group that holds itself would never go.
+    for (Group* const symbol : symbols_) {
+        if (symbol == nullptr) {
+            continue;
+        }
+        std::vector<std::shared_ptr<Element>>& children = symbol->children;
+        const auto self =
+            std::find_if(children.begin(), children.end(),
+                         [symbol](const auto& child) { return child.get() == symbol; });
+        if (self != children.end()) {
+            const std::shared_ptr<Element> kept =
+                std::move(*self);  // until the list is whole again
+            children.erase(self);
+        }
+    }
+}
+
+void SVGDocumentImpl::Parse(const xml::XMLNode* root)
+{
+    if (root != nullptr) {
+        ElementParser(*this).ParseRoot(*root);
+    }
+}
+
+void SVGDocumentImpl::Add(Group& group, std::shared_ptr<Element> element, std::string_view id)
+{
+    if (!id.empty() && ids_.find(id) == ids_.end()) {
+        ids_.emplace(id, element);
+    }
+    group.children.push_back(std::move(element));
+}
+
+void SVGDocumentImpl::Render(const ColorMap& colors, float width, float height)
+{
+    RenderElement(*root_, colors, width, height);
+}
+
+void SVGDocumentImpl::Render(std::string_view id, const ColorMap& colors, float width, float height)
+{
+    const auto found = ids_.find(id);
+    if (found != ids_.end()) {
+        RenderElement(*found->second, colors, width, height);
+    } else {
+        attachedSheet_ = nullptr;
+    }
+}
+
+void SVGDocumentImpl::RenderElement(const Element& element, const ColorMap& colors, float width,
+                                    float height)
+{
+    const StyleSheet* const sheet = std::exchange(attachedSheet_, nullptr);
+    const float scale = std::min(width / viewBox_.width, height / viewBox_.height);
+    GraphicStyle style;
+    style.transform = Created(renderer_->CreateTransform(1, 0, 0, 1, 0, 0));
+    style.transform->Translate(-viewBox_.x, -viewBox_.y);
+    style.transform->Scale(scale, scale);
+    DrawingWalk(*this, sheet, colors).Draw(style, element);
+}
+
+}  // namespace SVGLoom

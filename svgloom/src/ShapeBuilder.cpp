@@ -1,0 +1,181 @@
+#include "svgloom/src/ShapeBuilder.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <vector>
+
+#include "svgloom/src/PropertyReaders.h"
+#include "svgloom/src/SVGDocumentImpl.h"
+#include "svgloom/src/SVGStringParser.h"
+
+namespace SVGLoom {
+
+namespace {
+
+/// What the builders of shapes work with.
+struct Shape {
+    const Attributes& attributes;
+    LengthReader lengths;
+    SVGRenderer& renderer;
+
+    float Length(AttributeName name) const { return lengths.Get(attributes, name, 0); }
+    std::shared_ptr<Path> NewPath() const { return Created(renderer.CreatePath()); }
+};
+
+std::shared_ptr<Path> BuildRect(const Shape& shape)
+{
+    const float width = shape.Length(AttributeName::kWidth);
+    const float height = shape.Length(AttributeName::kHeight);
+    if (IsTiny(width) || IsTiny(height)) {
+        return nullptr;
+    }
+    const float x = shape.Length(AttributeName::kX);
+    const float y = shape.Length(AttributeName::kY);
+    float rx = 0;
+    float ry = 0;
+    const bool hasRx = shape.attributes.Has(AttributeName::kRx);
+    const bool hasRy = shape.attributes.Has(AttributeName::kRy);
+    rx = shape.Length(AttributeName::kRx);
+    ry = shape.Length(AttributeName::kRy);
+    if (hasRx && !hasRy) {
+        ry = rx;
+    } else if (hasRy && !hasRx) {
+        rx = ry;
+    }
+    rx = std::min(rx, width * 0.5f);
+    ry = std::min(ry, height * 0.5f);
+    std::shared_ptr<Path> path = shape.NewPath();
+    if (IsTiny(rx) || IsTiny(ry)) {
+        path->AddRect(x, y, width, height);
+    } else {
+        path->AddRoundedRect(x, y, width, height, rx, ry);
+    }
+    return path;
+}
+
+std::shared_ptr<Path> BuildCircle(const Shape& shape)
+{
+    const float r = shape.Length(AttributeName::kR);
+    if (IsTiny(r)) {
+        return nullptr;
+    }
+    std::shared_ptr<Path> path = shape.NewPath();
+    path->AddEllipse(shape.Length(AttributeName::kCx), shape.Length(AttributeName::kCy), r, r);
+    return path;
+}
+
+std::shared_ptr<Path> BuildEllipse(const Shape& shape)
+{
+    const float rx = shape.Length(AttributeName::kRx);
+    const float ry = shape.Length(AttributeName::kRy);
+    if (IsTiny(rx) || IsTiny(ry)) {
+        return nullptr;
+    }
+    std::shared_ptr<Path> path = shape.NewPath();
+    path->AddEllipse(shape.Length(AttributeName::kCx), shape.Length(AttributeName::kCy), rx, ry);
+    return path;
+}
+
+std::shared_ptr<Path> BuildLine(const Shape& shape)
+{
+    std::shared_ptr<Path> path = shape.NewPath();
+    path->MoveTo(shape.Length(AttributeName::kX1), shape.Length(AttributeName::kY1));
+    path->LineTo(shape.Length(AttributeName::kX2), shape.Length(AttributeName::kY2));
+    return path;
+}
+
+std::shared_ptr<Path> BuildPolyline(const Shape& shape)
+{
+    std::vector<float> points;
+    SVGStringParser::ParseNumberList(shape.attributes.Text(AttributeName::kPoints), points);
+    if (points.size() < 2) {
+        return nullptr;
+    }
+    std::shared_ptr<Path> path = shape.NewPath();
+    path->MoveTo(points[0], points[1]);
+    // An odd number at the end is left out.
+    for (std::size_t i = 3; i < points.size(); i += 2) {
+        path->LineTo(points[i - 1], points[i]);
+    }
+    return path;
+}
+
+std::shared_ptr<Path> BuildPolygon(const Shape& shape)
+{
+    std::shared_ptr<Path> path = BuildPolyline(shape);
+    if (path != nullptr) {
+        path->ClosePath();
+    }
+    return path;
+}
+
+std::shared_ptr<Path> BuildPath(const Shape& shape)
+{
+    std::shared_ptr<Path> path = shape.NewPath();
+    SVGStringParser::ParsePath(shape.attributes.Text(AttributeName::kD), *path);
+    return path;
+}
+
+struct ShapeRow {
+    std::string_view name;
+    std::shared_ptr<Path> (*build)(const Shape& shape);
+};
+
+constexpr ShapeRow kShapes[] = {
+    {"path", BuildPath},         {"rect", BuildRect}, {"circle", BuildCircle},
+    {"ellipse", BuildEllipse},   {"line", BuildLine}, {"polygon", BuildPolygon},
+    {"polyline", BuildPolyline},
+};
+
+enum class Direction { kHorizontal, kVertical, kDiagonal };
+
+Direction DirectionOf(AttributeName name)
+{
+    switch (name) {
+        case AttributeName::kY:
+        case AttributeName::kHeight:
+        case AttributeName::kCy:
+        case AttributeName::kFy:
+        case AttributeName::kY1:
+        case AttributeName::kY2:
+        case AttributeName::kRy:
+            return Direction::kVertical;
+        case AttributeName::kR:
+            return Direction::kDiagonal;
+        default:
+            return Direction::kHorizontal;
+    }
+}
+
+float ReferenceOf(AttributeName name, const Rect& viewBox)
+{
+    switch (DirectionOf(name)) {
+        case Direction::kVertical:
+            return viewBox.height;
+        case Direction::kDiagonal:
+            return DiagonalOf(viewBox);
+        default:
+            return viewBox.width;
+    }
+}
+
+}  // namespace
+
+bool LengthReader::Read(const Attributes& attributes, AttributeName name, float& value) const
+{
+    return attributes.Has(name) &&
+           SVGStringParser::ParseLength(attributes.Text(name), ReferenceOf(name, viewBox_), value);
+}
+
+std::shared_ptr<Path> BuildShape(std::string_view name, const Attributes& attributes,
+                                 const Rect& viewBox, SVGRenderer& renderer)
+{
+    for (const ShapeRow& row : kShapes) {
+        if (row.name == name) {
+            return row.build({attributes, LengthReader(viewBox), renderer});
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace SVGLoom
