@@ -14,7 +14,7 @@
 # given as they are, or behind "Z:".
 set -eu
 
-readonly recipe=2 # goes up when the installation is made differently
+readonly recipe=3 # goes up when the installation is made differently
 
 fail() { printf 'wine.sh: %s\n' "$*" >&2; exit 126; }
 
@@ -61,8 +61,8 @@ make_prefix() {
 }
 
 # A font of the system's packages takes the place of those that Windows has: one with Japanese in
-# itself, since texts of several scripts get their lines broken and their letters squeezed when
-# Wine borrows letters from another font. A program that crashes says where, without a dialog.
+# itself, since Wine's text fields do not borrow letters from another font. A program that crashes
+# says where, without a dialog.
 write_settings() {
     local name
     printf 'REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Wine\\WineDbg]\n"ShowCrashDialog"=dword:0\n'
@@ -70,6 +70,15 @@ write_settings() {
     for name in Tahoma "Segoe UI" "MS Shell Dlg" "MS Shell Dlg 2" "MS Sans Serif" \
         "Microsoft Sans Serif" Arial "MS UI Gothic" "MS Gothic" "MS PGothic" "Yu Gothic UI" Meiryo; do
         printf '"%s"="Noto Sans CJK JP"\n' "$name"
+    done
+    # The letters that it lacks come from another one. A list of texts: bytes, each text and the list
+    # closed by a zero.
+    printf '\n[HKEY_LOCAL_MACHINE\\Software\\Microsoft\\Windows NT\\CurrentVersion\\FontLink\\SystemLink]\n'
+    for name in "Noto Sans CJK JP" Tahoma "Segoe UI" "MS Shell Dlg" "MS Shell Dlg 2" \
+        "Microsoft Sans Serif" Arial "Yu Gothic UI"; do
+        printf '"%s"=hex(7):' "$name"
+        printf 'DejaVuSans.ttf,DejaVu Sans\0\0' | od -An -v -tx1 | tr -d '\n' | sed 's/^ //; s/ /,/g'
+        printf '\n'
     done
 }
 

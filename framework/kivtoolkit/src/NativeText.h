@@ -8,6 +8,7 @@
 #include <vector>
 
 #include <wx/font.h>
+#include <wx/graphics.h>
 #include <wx/textctrl.h>
 
 #include <kivcore/UString.h>
@@ -29,6 +30,17 @@ struct ScreenScale {
     double wanted = 1;   ///< what a window of scale 1 is to be multiplied by
 };
 ScreenScale ScaleOfScreen();
+
+/// A line of text as the system's own fields draw it.
+/// @{
+kivui::ui::Size MeasureLine(wxGraphicsContext& context, const wxFont& font, const wxString& text);
+/// The width of each beginning of `text`, from one character to all of them; as many as the text
+/// has, or fewer if it cannot be measured.
+wxArrayDouble BeginningWidths(wxGraphicsContext& context, const wxFont& font, const wxString& text);
+/// With its upper left corner at `at`.
+void DrawLine(wxGraphicsContext& context, const wxFont& font, const wxColour& color,
+              const wxString& text, const wxPoint& at);
+/// @}
 
 /// The lines of `text` when it is broken at `width` pixels, at words where possible.
 std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView text, int width);

@@ -184,6 +184,30 @@ ScreenScale ScaleOfScreen()
     return scale;
 }
 
+kivui::ui::Size MeasureLine(wxGraphicsContext& context, const wxFont& font, const wxString& text)
+{
+    context.SetFont(font, *wxBLACK);
+    wxDouble width = 0;
+    wxDouble height = 0;
+    context.GetTextExtent(text, &width, &height);
+    return {width, height};
+}
+
+wxArrayDouble BeginningWidths(wxGraphicsContext& context, const wxFont& font, const wxString& text)
+{
+    context.SetFont(font, *wxBLACK);
+    wxArrayDouble widths;
+    context.GetPartialTextExtents(text, widths);
+    return widths;
+}
+
+void DrawLine(wxGraphicsContext& context, const wxFont& font, const wxColour& color,
+              const wxString& text, const wxPoint& at)
+{
+    context.SetFont(font, color);
+    context.DrawText(text, at.x, at.y);
+}
+
 std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView text, int width)
 {
     if (FitsSurely(font, text, width)) {

@@ -1,5 +1,6 @@
 // Plain EDIT controls. They are opaque, so they are given the colour of their ground, and what lies
-// under an empty one is drawn into it.
+// under an empty one is drawn into it. Other text goes through GDI, as theirs does: it has the same
+// letters and widths then, and borrows from other fonts in the same way.
 
 #include "framework/kivtoolkit/src/NativeText.h"
 
@@ -13,12 +14,15 @@
 #include <wx/msw/private.h>
 #include <wx/settings.h>
 
+#include <objidl.h>
+
+#include <gdiplus.h>
+
 #include <kivcore/Locale.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <memory>
 #include <string>
 #include <utility>
 
@@ -100,7 +104,6 @@ std::wstring InterfaceFace(const wxFont& systemFont)
 // What all dialogs share while the toolkit is up.
 struct KeptObjects {
     HWND measure = nullptr;  // breaks texts into lines as the fields in sight do
-    std::unique_ptr<wxGraphicsContext> context;
 };
 
 KeptObjects& Kept()
@@ -171,11 +174,41 @@ std::size_t LineEnd(kivcore::UStringView text, const wxArrayDouble& widths, std:
     return end > start + 1 && end < text.size() && IsLowSurrogate(text[end]) ? end - 1 : end;
 }
 
-void WrapParagraph(wxGraphicsContext& context, kivcore::UStringView text, int width,
+// A device context of the screen's kind with a font in it.
+class FontDc {
+public:
+    explicit FontDc(const wxFont& font) : before_(SelectObject(screen_.Get(), font.GetHFONT())) {}
+    FontDc(const FontDc&) = delete;
+    FontDc& operator=(const FontDc&) = delete;
+    ~FontDc() { SelectObject(screen_.Get(), before_); }
+    HDC Get() const noexcept { return screen_.Get(); }
+
+private:
+    ScreenDc screen_;
+    HGDIOBJ before_;
+};
+
+wxArrayDouble WidthsOf(const wxFont& font, const wchar_t* text, std::size_t length)
+{
+    std::vector<int> widths(length);
+    const FontDc dc(font);
+    SIZE size = {};
+    wxArrayDouble result;
+    if (length > 0 && GetTextExtentExPointW(dc.Get(), text, static_cast<int>(length), 0, nullptr,
+                                            widths.data(), &size) != FALSE) {
+        result.reserve(length);
+        for (const int width : widths) {
+            result.push_back(width);
+        }
+    }
+    return result;
+}
+
+void WrapParagraph(const wxFont& font, kivcore::UStringView text, int width,
                    std::vector<kivcore::UString>& lines)
 {
-    wxArrayDouble widths;
-    context.GetPartialTextExtents(ToWx(text), widths);
+    const std::wstring wide(text.begin(), text.end());
+    const wxArrayDouble widths = WidthsOf(font, wide.data(), wide.size());
     if (widths.size() < text.size()) {
         lines.emplace_back(text);
         return;
@@ -384,21 +417,55 @@ ScreenScale ScaleOfScreen()
     return scale;
 }
 
+kivui::ui::Size MeasureLine(wxGraphicsContext&, const wxFont& font, const wxString& text)
+{
+    const FontDc dc(font);
+    SIZE size = {};
+    GetTextExtentPoint32W(dc.Get(), text.wc_str(), static_cast<int>(text.length()), &size);
+    TEXTMETRICW metrics = {};
+    GetTextMetricsW(dc.Get(), &metrics);
+    return {static_cast<double>(size.cx), static_cast<double>(metrics.tmHeight)};
+}
+
+wxArrayDouble BeginningWidths(wxGraphicsContext&, const wxFont& font, const wxString& text)
+{
+    return WidthsOf(font, text.wc_str(), text.length());
+}
+
+void DrawLine(wxGraphicsContext& context, const wxFont& font, const wxColour& color,
+              const wxString& text, const wxPoint& at)
+{
+    if (color.Alpha() != wxALPHA_OPAQUE) {
+        context.SetFont(font, color);
+        context.DrawText(text, at.x, at.y);
+        return;
+    }
+    // The device context below knows nothing of where the one above has moved its origin to.
+    wxDouble left = 0;
+    wxDouble top = 0;
+    context.GetTransform().Get(nullptr, nullptr, nullptr, nullptr, &left, &top);
+    auto& graphics = *static_cast<Gdiplus::Graphics*>(context.GetNativeContext());
+    const HDC dc = graphics.GetHDC();
+    const int saved = SaveDC(dc);
+    SelectObject(dc, font.GetHFONT());
+    SetBkMode(dc, TRANSPARENT);
+    SetTextAlign(dc, TA_LEFT | TA_TOP | TA_NOUPDATECP);
+    SetTextColor(dc, color.GetPixel());
+    ExtTextOutW(dc, at.x + static_cast<int>(left), at.y + static_cast<int>(top), 0, nullptr,
+                text.wc_str(), static_cast<UINT>(text.length()), nullptr);
+    RestoreDC(dc, saved);
+    graphics.ReleaseHDC(dc);
+}
+
 std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView text, int width)
 {
     if (FitsSurely(font, text, width)) {
         return {kivcore::UString(text)};
     }
-    KeptObjects& kept = Kept();
-    if (kept.context == nullptr) {
-        kept.context.reset(wxGraphicsContext::Create());
-    }
-    // Measured as it will be drawn.
-    kept.context->SetFont(font, *wxBLACK);
     std::vector<kivcore::UString> lines;
     for (std::size_t start = 0;;) {
         const std::size_t end = std::min(text.find(u'\n', start), text.size());
-        WrapParagraph(*kept.context, text.substr(start, end - start), width, lines);
+        WrapParagraph(font, text.substr(start, end - start), width, lines);
         if (end == text.size()) {
             return lines;
         }
@@ -408,11 +475,9 @@ std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView 
 
 int NativeLinesHeight(const wxFont& font, int lines)
 {
-    const ScreenDc screen;
-    const HGDIOBJ before = SelectObject(screen.Get(), font.GetHFONT());
+    const FontDc dc(font);
     TEXTMETRICW metrics = {};
-    GetTextMetricsW(screen.Get(), &metrics);
-    SelectObject(screen.Get(), before);
+    GetTextMetricsW(dc.Get(), &metrics);
     return static_cast<int>(metrics.tmHeight) * lines;
 }
 

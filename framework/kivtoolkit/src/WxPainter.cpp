@@ -40,13 +40,12 @@ wxGraphicsPath RoundedPath(wxGraphicsContext& context, const ui::Rect& rect, dou
 }
 
 // The longest beginning of `text` that fits into `width` together with an ellipsis.
-wxString Shortened(wxGraphicsContext& context, const wxString& text, double width)
+wxString Shortened(wxGraphicsContext& context, const wxFont& font, const wxString& text,
+                   double width)
 {
     const wxString ellipsis = wxString::FromUTF8("\xE2\x80\xA6");
-    wxDouble ellipsisWidth = 0;
-    context.GetTextExtent(ellipsis, &ellipsisWidth, nullptr);
-    wxArrayDouble widths;
-    context.GetPartialTextExtents(text, widths);
+    const double ellipsisWidth = MeasureLine(context, font, ellipsis).width;
+    const wxArrayDouble widths = BeginningWidths(context, font, text);
     std::size_t fitting = 0;
     while (fitting < widths.size() && widths[fitting] + ellipsisWidth <= width) {
         ++fitting;
@@ -138,39 +137,30 @@ void WxPainter::StrokeLine(const std::vector<ui::Point>& points, double width,
     context_.SetPen(wxNullPen);
 }
 
-void WxPainter::SetFont(const ui::TextStyle& style)
-{
-    context_.SetFont(FontFor(style), ToWx(style.color));
-}
-
 void WxPainter::Text(kivcore::UStringView text, const ui::Rect& rect, const ui::TextStyle& style)
 {
-    SetFont(style);
+    const wxFont& font = FontFor(style);
     wxString shown = ToWx(text);
-    wxDouble width = 0;
-    wxDouble height = 0;
-    context_.GetTextExtent(shown, &width, &height);
+    ui::Size size = MeasureLine(context_, font, shown);
     // Half a pixel more is a matter of rounding, not of room.
-    if (width > rect.width + 0.5) {
-        shown = Shortened(context_, shown, rect.width);
-        context_.GetTextExtent(shown, &width, &height);
+    if (size.width > rect.width + 0.5) {
+        shown = Shortened(context_, font, shown, rect.width);
+        size = MeasureLine(context_, font, shown);
     }
     double x = rect.x;
     if (style.align == ui::TextAlign::kCenter) {
-        x += (rect.width - width) / 2;
+        x += (rect.width - size.width) / 2;
     } else if (style.align == ui::TextAlign::kEnd) {
-        x += rect.width - width;
+        x += rect.width - size.width;
     }
-    context_.DrawText(shown, std::floor(x), std::floor(rect.y + (rect.height - height) / 2));
+    const double y = rect.y + (rect.height - size.height) / 2;
+    DrawLine(context_, font, ToWx(style.color), shown,
+             wxPoint(static_cast<int>(std::floor(x)), static_cast<int>(std::floor(y))));
 }
 
 ui::Size WxPainter::MeasureText(kivcore::UStringView text, const ui::TextStyle& style)
 {
-    SetFont(style);
-    wxDouble width = 0;
-    wxDouble height = 0;
-    context_.GetTextExtent(ToWx(text), &width, &height);
-    return {width, height};
+    return MeasureLine(context_, FontFor(style), ToWx(text));
 }
 
 void WxPainter::DrawPixels(const ui::Pixels& pixels, const ui::Point& at)

@@ -41,8 +41,6 @@ public:
     void DrawPixels(const kivui::ui::Pixels& pixels, const kivui::ui::Point& at) override;
 
 private:
-    void SetFont(const kivui::ui::TextStyle& style);
-
     wxGraphicsContext& context_;
 };
 
