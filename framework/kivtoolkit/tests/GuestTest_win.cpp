@@ -188,7 +188,7 @@ TEST(GuestOnWindows, AWindowThatTheHostDisabledStaysDisabled)
     EXPECT_EQ(IsWindowEnabled(window.Window()), FALSE);
 }
 
-TEST(GuestOnWindows, AParentThatDoesNotExistCountsAsNone)
+TEST(Guest, AParentThatDoesNotExistCountsAsNone)
 {
     GuestHost host;
     for (const std::uintptr_t number : {std::uintptr_t{1}, std::uintptr_t{0x7FFFFFF}}) {
@@ -250,7 +250,7 @@ TEST(GuestOnWindows, ADialogWhoseOwnerIsDestroyedIsCancelled)
     EXPECT_TRUE(host.ShowDialog(TypeTitle("x"))) << GuestHost::Failure();
 }
 
-TEST(GuestOnWindows, NothingOfTheProcessChanges)
+TEST(Guest, NothingOfTheProcessChanges)
 {
     std::setlocale(LC_ALL, "C");
     SetErrorMode(SEM_NOGPFAULTERRORBOX);
@@ -283,7 +283,7 @@ TEST(GuestOnWindows, NothingOfTheProcessChanges)
     EXPECT_EQ(keysAfterwards, keys);
 }
 
-TEST(GuestOnWindows, ManyRoundsLeaveNothingOpen)
+TEST(Guest, ManyRoundsLeaveNothingOpen)
 {
     // The source of the count counts.
     const std::size_t before = kivtests::OpenHandles();
