@@ -240,7 +240,7 @@ bool Dictionary::FindString(std::string_view key, DictionaryString& result) cons
         const std::uint32_t index = binaryStore_->Find(key);
         if (!binaryStore_->Exists(index))
             return false;
-        result = binaryStore_->Value(index);
+        result = FastArray::Value(binaryStore_, index);
         return true;
     }
     const DictionaryEntry* const entry = FindEntry(key);
@@ -302,10 +302,10 @@ DictionaryString Dictionary::LookupIndex(std::uint32_t index) const
     if (!IsBinary())
         return {};
     if (binaryStore_->Exists(index))
-        return binaryStore_->Value(index);
+        return FastArray::Value(binaryStore_, index);
     const Dictionary* const fallback = OtherFallback();
     if (fallback != nullptr && fallback->FindValue(index) != nullptr)
-        return fallback->binaryStore_->Value(index);
+        return FastArray::Value(fallback->binaryStore_, index);
     return {};
 }
 

@@ -36,10 +36,11 @@ std::uint32_t FastArray::Find(std::string_view key) const
     return found != nullptr ? found->Get() : kNoIndex;
 }
 
-morvish::DictionaryString FastArray::Value(std::uint32_t index) const
+morvish::DictionaryString FastArray::Value(const std::shared_ptr<FastArray>& store,
+                                           std::uint32_t index)
 {
     return morvish::DictionaryString(
-        std::shared_ptr<const ByteRunValue>(shared_from_this(), &RawValue(index)));
+        std::shared_ptr<const ByteRunValue>(store, &store->RawValue(index)));
 }
 
 void FastArray::Insert(std::string_view key, std::u16string_view value)

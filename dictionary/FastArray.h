@@ -21,7 +21,7 @@ class ImageSource;
 struct StoreTables;
 
 /// What is shared by an atomic reference count.
-class RefCountObj : public std::enable_shared_from_this<RefCountObj> {
+class RefCountObj {
 public:
     RefCountObj() = default;
     RefCountObj(const RefCountObj&) = delete;
@@ -50,8 +50,9 @@ public:
     /// The value of an entry that exists; it stands as long as this store.
     const ByteRunValue& RawValue(std::uint32_t index) const { return Current(index).value; }
 
-    /// The same as a string that shares it.
-    morvish::DictionaryString Value(std::uint32_t index) const;
+    /// The same as a string that shares `store`.
+    static morvish::DictionaryString Value(const std::shared_ptr<FastArray>& store,
+                                           std::uint32_t index);
 
     /// Adds an entry under the next free number. An entry of the same key keeps its number and
     /// takes the new value; strings that were handed out keep the old one. Throws std::length_error

@@ -279,7 +279,7 @@ TEST(FastArray, NumbersKeysAndValues)
     store->Insert("/A", u"a");
     store->Insert("", u"empty key");
     store->Insert("/A\0"s, u"");
-    const morvish::DictionaryString old = store->Value(0);
+    const morvish::DictionaryString old = FastArray::Value(store, 0);
     store->Insert("/A", u"new a");
     EXPECT_EQ(store->Count(), 3u);
     EXPECT_EQ(store->Find("/A"), 0u);
