@@ -39,7 +39,6 @@ void ElementParser::ParseRoot(const xml::XMLNode& root)
     if (name == nullptr || name != kRootName) {
         return;
     }
-    ReadViewBox(Attributes(root));
     ParseElement(root, {{}, {}, document_.root_}, /*isRoot=*/true);
 }
 
@@ -65,20 +64,23 @@ void ElementParser::ReadViewBox(const Attributes& attributes)
 void ElementParser::ParseElement(const xml::XMLNode& node, const Scope& scope, bool isRoot)
 {
     // All that an element needs of the stack is given back before its children come.
-    const Scope inner = EnterElement(node, scope, isRoot);
-    if (inner.group == nullptr) {
+    const Inner inner = EnterElement(node, scope, isRoot);
+    if (!inner.has_value()) {
         return;
     }
     for (std::unique_ptr<xml::XMLNode> child = node.GetFirstChild(); child != nullptr;
          child = child->GetNextSibling()) {
-        ParseElement(*child, inner, /*isRoot=*/false);
+        ParseElement(*child, *inner, /*isRoot=*/false);
     }
 }
 
-[[gnu::noinline]] ElementParser::Scope ElementParser::EnterElement(const xml::XMLNode& node,
+[[gnu::noinline]] ElementParser::Inner ElementParser::EnterElement(const xml::XMLNode& node,
                                                                    const Scope& scope, bool isRoot)
 {
     Parsed element(node, scope);
+    if (isRoot) {
+        ReadViewBox(element.attributes);
+    }
     ResolveStylesOf(element, isRoot);
     if (isRoot) {
         return ParseGroup(element);
@@ -91,14 +93,14 @@ void ElementParser::ParseElement(const xml::XMLNode& node, const Scope& scope, b
                           element.graphic, std::move(element.classes), std::move(element.fill),
                           std::move(element.stroke), std::move(path)),
                       element.Id());
-        return {};
+        return std::nullopt;
     }
     for (const ActionRow& row : kActions) {
         if (row.name == name) {
             return (this->*row.act)(element);
         }
     }
-    return {};
+    return std::nullopt;
 }
 
 void ElementParser::ResolveStylesOf(Parsed& element, bool isRoot) const
@@ -122,21 +124,21 @@ std::shared_ptr<Transform> ElementParser::ParseTransform(std::string_view text) 
     return transform;
 }
 
-ElementParser::Scope ElementParser::ParseGroup(Parsed& element)
+ElementParser::Inner ElementParser::ParseGroup(Parsed& element)
 {
     auto group = std::make_shared<Group>(element.graphic, std::move(element.classes));
     document_.Add(*element.outer.group, group, element.Id());
-    return {std::move(element.fill), std::move(element.stroke), std::move(group)};
+    return Scope{std::move(element.fill), std::move(element.stroke), std::move(group)};
 }
 
-ElementParser::Scope ElementParser::ParseDefs(Parsed& element)
+ElementParser::Inner ElementParser::ParseDefs(Parsed& element)
 {
     // Goes when its children have been parsed; those with an id stay.
-    return {std::move(element.fill), std::move(element.stroke),
-            std::make_shared<Group>(element.graphic, std::move(element.classes))};
+    return Scope{std::move(element.fill), std::move(element.stroke),
+                 std::make_shared<Group>(element.graphic, std::move(element.classes))};
 }
 
-ElementParser::Scope ElementParser::ParseSymbol(Parsed& element)
+ElementParser::Inner ElementParser::ParseSymbol(Parsed& element)
 {
     if (element.attributes.Has(AttributeName::kViewBox)) {
         std::vector<float> numbers;
@@ -158,14 +160,14 @@ ElementParser::Scope ElementParser::ParseSymbol(Parsed& element)
     document_.Add(*group, group, element.Id());
     document_.symbols_.back() = group.get();
     // The children's styles are those around the symbol, not its own.
-    return {element.outer.fill, element.outer.stroke, std::move(group)};
+    return Scope{element.outer.fill, element.outer.stroke, std::move(group)};
 }
 
-ElementParser::Scope ElementParser::ParseUse(Parsed& element)
+ElementParser::Inner ElementParser::ParseUse(Parsed& element)
 {
     const std::string_view href = element.attributes.Href();
     if (!href.starts_with('#')) {
-        return {};
+        return std::nullopt;
     }
     const float x = Lengths().Get(element.attributes, AttributeName::kX, 0);
     const float y = Lengths().Get(element.attributes, AttributeName::kY, 0);
@@ -181,10 +183,10 @@ ElementParser::Scope ElementParser::ParseUse(Parsed& element)
                       element.graphic, std::move(element.classes), std::move(element.fill),
                       std::move(element.stroke), std::string(href.substr(1))),
                   element.Id());
-    return {};
+    return std::nullopt;
 }
 
-ElementParser::Scope ElementParser::ParseImage(Parsed& element)
+ElementParser::Inner ElementParser::ParseImage(Parsed& element)
 {
     std::optional<PlacedImage> image =
         BuildImage(element.attributes, document_.viewBox_, *document_.renderer_);
@@ -195,19 +197,19 @@ ElementParser::Scope ElementParser::ParseImage(Parsed& element)
                           image->clipArea, image->fillArea),
                       element.Id());
     }
-    return {};
+    return std::nullopt;
 }
 
-ElementParser::Scope ElementParser::ParseStyle(Parsed& element)
+ElementParser::Inner ElementParser::ParseStyle(Parsed& element)
 {
     sheet_.Add(element.node.GetValue());
-    return {};
+    return std::nullopt;
 }
 
-ElementParser::Scope ElementParser::ParseClipPath(Parsed& element)
+ElementParser::Inner ElementParser::ParseClipPath(Parsed& element)
 {
     if (!element.attributes.Has(AttributeName::kId)) {
-        return {};
+        return std::nullopt;
     }
     const Scope scope{std::move(element.fill), std::move(element.stroke), nullptr};
     auto clip = std::make_shared<ClippingPath>();
@@ -225,10 +227,10 @@ ElementParser::Scope ElementParser::ParseClipPath(Parsed& element)
         }
     }
     clipPaths_.insert_or_assign(std::string(element.Id()), std::move(clip));
-    return {};
+    return std::nullopt;
 }
 
-ElementParser::Scope ElementParser::ParseGradient(Parsed& element)
+ElementParser::Inner ElementParser::ParseGradient(Parsed& element)
 {
     GradientDefinition definition;
     Gradient& gradient = definition.gradient;
@@ -283,7 +285,7 @@ ElementParser::Scope ElementParser::ParseGradient(Parsed& element)
             ParseTransform(element.attributes.Text(AttributeName::kGradientTransform));
     }
     gradients_.try_emplace(std::string(element.Id()), std::move(definition));
-    return {};
+    return std::nullopt;
 }
 
 /// Appends the stops of a gradient element to those that it has taken over.

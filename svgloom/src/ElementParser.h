@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <optional>
 #include <string_view>
 
 #include "svgloom/src/Attributes.h"
@@ -61,9 +62,11 @@ private:
         std::string_view Id() const { return attributes.Text(AttributeName::kId); }
     };
 
-    /// Does what an element asks for, and returns the scope of its children; without a group there
-    /// if they are not to be visited.
-    using Action = Scope (ElementParser::*)(Parsed& element);
+    /// The scope of an element's children; empty if they are not to be visited.
+    using Inner = std::optional<Scope>;
+
+    /// Does what an element asks for.
+    using Action = Inner (ElementParser::*)(Parsed& element);
     struct ActionRow {
         std::string_view name;
         Action act;
@@ -71,17 +74,17 @@ private:
     static const ActionRow kActions[];
 
     void ParseElement(const xml::XMLNode& node, const Scope& scope, bool isRoot);
-    Scope EnterElement(const xml::XMLNode& node, const Scope& scope, bool isRoot);
+    Inner EnterElement(const xml::XMLNode& node, const Scope& scope, bool isRoot);
     void ResolveStylesOf(Parsed& element, bool isRoot) const;
 
-    Scope ParseGroup(Parsed& element);
-    Scope ParseDefs(Parsed& element);
-    Scope ParseSymbol(Parsed& element);
-    Scope ParseUse(Parsed& element);
-    Scope ParseImage(Parsed& element);
-    Scope ParseGradient(Parsed& element);
-    Scope ParseClipPath(Parsed& element);
-    Scope ParseStyle(Parsed& element);
+    Inner ParseGroup(Parsed& element);
+    Inner ParseDefs(Parsed& element);
+    Inner ParseSymbol(Parsed& element);
+    Inner ParseUse(Parsed& element);
+    Inner ParseImage(Parsed& element);
+    Inner ParseGradient(Parsed& element);
+    Inner ParseClipPath(Parsed& element);
+    Inner ParseStyle(Parsed& element);
 
     void AddStops(const Parsed& element, Gradient& gradient);
     void ReadViewBox(const Attributes& attributes);

@@ -67,6 +67,8 @@ bool ReadList(std::string_view text, const Read& read, std::vector<float>& value
     const char* current = text.data();
     const char* const end = current + text.size();
     bool more = SkipSpace(current, end);
+    constexpr std::size_t kUsualCount = 4;
+    values.reserve(more ? kUsualCount : 0);
     while (more) {
         float value = 0;
         if (!read(current, end, value)) {

@@ -99,7 +99,7 @@ private:
         Point points[3];
         switch (ToLower(command)) {
             case 'm':
-                if (!ReadPoints(points, 1, relative)) {
+                if (!ReadPoint(points[0], relative)) {
                     return Outcome::kUnreadable;
                 }
                 start_ = points[0];
@@ -107,38 +107,39 @@ private:
                 position_ = points[0];
                 return Outcome::kDone;
             case 'l':
-                if (!ReadPoints(points, 1, relative)) {
+                if (!ReadPoint(points[0], relative)) {
                     return Outcome::kUnreadable;
                 }
                 return LineTo(points[0]);
             case 'h':
-                if (!ReadNumbers(&points[0].x, 1)) {
+                if (!ReadNext(points[0].x)) {
                     return Outcome::kUnreadable;
                 }
                 return LineTo({relative ? position_.x + points[0].x : points[0].x, position_.y});
             case 'v':
-                if (!ReadNumbers(&points[0].y, 1)) {
+                if (!ReadNext(points[0].y)) {
                     return Outcome::kUnreadable;
                 }
                 return LineTo({position_.x, relative ? position_.y + points[0].y : points[0].y});
             case 'c':
-                if (!ReadPoints(points, 3, relative)) {
+                if (!ReadPoint(points[0], relative) || !ReadPoint(points[1], relative) ||
+                    !ReadPoint(points[2], relative)) {
                     return Outcome::kUnreadable;
                 }
                 return CurveTo(points[0], points[1], points[2]);
             case 's':
-                if (!ReadPoints(points, 2, relative)) {
+                if (!ReadPoint(points[0], relative) || !ReadPoint(points[1], relative)) {
                     return Outcome::kUnreadable;
                 }
                 // Always the reflection, whatever command came before.
                 return CurveTo(Reflected(cubicControl_), points[0], points[1]);
             case 'q':
-                if (!ReadPoints(points, 2, relative)) {
+                if (!ReadPoint(points[0], relative) || !ReadPoint(points[1], relative)) {
                     return Outcome::kUnreadable;
                 }
                 return QuadTo(points[0], points[1]);
             case 't': {
-                if (!ReadPoints(points, 1, relative)) {
+                if (!ReadPoint(points[0], relative)) {
                     return Outcome::kUnreadable;
                 }
                 const char before = ToLower(previous_);
@@ -182,16 +183,10 @@ private:
     Outcome ArcTo(bool relative)
     {
         Arc arc;
-        float radii[3] = {};
-        Point to[1];
-        if (!ReadNumbers(radii, 3) || !ReadFlag(arc.large) || !ReadFlag(arc.sweep) ||
-            !ReadPoints(to, 1, relative)) {
+        if (!ReadNext(arc.rx) || !ReadNext(arc.ry) || !ReadNext(arc.rotationDegrees) ||
+            !ReadFlag(arc.large) || !ReadFlag(arc.sweep) || !ReadPoint(arc.to, relative)) {
             return Outcome::kUnreadable;
         }
-        arc.rx = radii[0];
-        arc.ry = radii[1];
-        arc.rotationDegrees = radii[2];
-        arc.to = to[0];
         ArcToCurve(position_, arc, path_);
         position_ = arc.to;
         return Outcome::kDone;
@@ -202,27 +197,20 @@ private:
         return {2 * position_.x - control.x, 2 * position_.y - control.y};
     }
 
-    bool ReadNumbers(float* numbers, int count)
+    [[gnu::always_inline]] bool ReadNext(float& number)
     {
-        for (int i = 0; i < count; ++i) {
-            SkipSeparator(current_, end_);
-            if (!ReadNumber(current_, end_, numbers[i])) {
-                return false;
-            }
-        }
-        return true;
+        SkipSeparator(current_, end_);
+        return ReadNumber(current_, end_, number);
     }
 
-    /// Reads `count` points; relative ones all count from the current point.
-    bool ReadPoints(Point* points, int count, bool relative)
+    bool ReadPoint(Point& point, bool relative)
     {
-        for (int i = 0; i < count; ++i) {
-            float numbers[2];
-            if (!ReadNumbers(numbers, 2)) {
-                return false;
-            }
-            points[i] = relative ? Point{position_.x + numbers[0], position_.y + numbers[1]}
-                                 : Point{numbers[0], numbers[1]};
+        if (!ReadNext(point.x) || !ReadNext(point.y)) {
+            return false;
+        }
+        if (relative) {
+            point.x += position_.x;
+            point.y += position_.y;
         }
         return true;
     }
