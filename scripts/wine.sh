@@ -124,14 +124,12 @@ take_prefix() {
     done
 }
 
-# The next run in this installation may be on another display.
 end_prefix() { WINEPREFIX="$1" "$server" -k > /dev/null 2>&1 || true; }
 
-# run_alone COMMAND...: in an installation of its own, which ends with it.
-run_alone() {
+# run COMMAND...: without the lock's descriptor, which what Wine leaves running would keep.
+run() {
     local child status
-    take_prefix
-    # A signal ends the command too, and the installation behind it.
+    # A signal ends the command too, and what comes behind it is still done.
     trap 'kill -TERM "$child" 2> /dev/null' TERM INT HUP
     "$@" 9>&- <&0 &
     child=$!
@@ -141,6 +139,15 @@ run_alone() {
         wait "$child" || status=$?
     fi
     trap - TERM INT HUP
+    return "$status"
+}
+
+# run_alone COMMAND...: in an installation of its own, which ends with it: the next run there may be
+# on another display.
+run_alone() {
+    local status=0
+    take_prefix
+    run "$@" || status=$?
     end_prefix "$WINEPREFIX"
     return "$status"
 }
@@ -155,9 +162,11 @@ case "${1-}" in
         # Those in use are left alone.
         for prefix in "$root"/plain "$root"/display-*; do
             [ -d "$prefix" ] || continue
-            if [ "$prefix" = "$root/plain" ] || flock -n "$prefix.lock" true; then
-                end_prefix "$prefix"
+            exec 9> "$prefix.lock"
+            if flock -n 9; then
+                end_prefix "$prefix" 9>&-
             fi
+            exec 9>&-
         done
         exit 0
         ;;
@@ -184,11 +193,14 @@ if [ -n "${WINEPREFIX-}" ]; then
     exec "$wine" "$@"
 fi
 make_base
-if [ -z "${DISPLAY-}" ]; then
-    export WINEPREFIX="$root/plain"
-    copy_base "$WINEPREFIX"
-    exec "$wine" "$@"
-fi
 status=0
-run_alone "$wine" "$@" || status=$?
+if [ -n "${DISPLAY-}" ]; then
+    run_alone "$wine" "$@" || status=$?
+    exit "$status"
+fi
+export WINEPREFIX="$root/plain"
+copy_base "$WINEPREFIX"
+exec 9> "$WINEPREFIX.lock"
+flock -s 9
+run "$wine" "$@" || status=$?
 exit "$status"

@@ -42,7 +42,7 @@ Query FindQuery()
         GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "NtQuerySystemInformation")));
 }
 
-// Blocks of one heap, and where they lie.
+// Blocks of one heap that are in use; where its memory lies, used or not.
 std::size_t BytesOf(HANDLE heap, std::set<void*>& areas)
 {
     std::size_t bytes = 0;
@@ -51,10 +51,9 @@ std::size_t BytesOf(HANDLE heap, std::set<void*>& areas)
     HeapLock(heap);
     PROCESS_HEAP_ENTRY entry = {};
     while (HeapWalk(heap, &entry) != 0) {
-        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) == 0) {
-            continue;
+        if ((entry.wFlags & PROCESS_HEAP_ENTRY_BUSY) != 0) {
+            bytes += entry.cbData;
         }
-        bytes += entry.cbData;
         const auto* const data = static_cast<const unsigned char*>(entry.lpData);
         if (data < areaBegin || data >= areaEnd) {
             MEMORY_BASIC_INFORMATION area = {};
