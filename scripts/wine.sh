@@ -113,9 +113,9 @@ copy_base() {
 take_prefix() {
     local number
     for ((number = 1; ; ++number)); do
-        exec 9> "$root/display-$number.lock"
+        exec 9> "$root/alone-$number.lock"
         if flock -n 9; then
-            WINEPREFIX="$root/display-$number"
+            WINEPREFIX="$root/alone-$number"
             export WINEPREFIX
             copy_base "$WINEPREFIX" 9>&-
             return
@@ -142,12 +142,29 @@ run() {
     return "$status"
 }
 
+# A program that does nothing keeps the installation awake: the runs of a session then start at once.
+keep_awake() {
+    local pipe
+    pipe="$(mktemp -u "$root/pipe.XXXXXX")"
+    mkfifo "$pipe"
+    exec 7<> "$pipe"
+    rm "$pipe"
+    "$wine" cmd.exe <&7 > /dev/null 2>&1 7>&- 9>&- &
+    exec 7>&-
+}
+
+# run_session COMMAND...
+run_session() {
+    keep_awake
+    run "$@"
+}
+
 # run_alone COMMAND...: in an installation of its own, which ends with it: the next run there may be
 # on another display.
 run_alone() {
     local status=0
     take_prefix
-    run "$@" || status=$?
+    "$@" || status=$?
     end_prefix "$WINEPREFIX"
     return "$status"
 }
@@ -160,7 +177,7 @@ case "${1-}" in
         ;;
     --end)
         # Those in use are left alone.
-        for prefix in "$root"/plain "$root"/display-*; do
+        for prefix in "$root"/plain "$root"/alone-*; do
             [ -d "$prefix" ] || continue
             exec 9> "$prefix.lock"
             if flock -n 9; then
@@ -177,7 +194,7 @@ case "${1-}" in
         fi
         make_base
         status=0
-        run_alone "$@" || status=$?
+        run_alone run_session "$@" || status=$?
         exit "$status"
         ;;
 esac
@@ -195,7 +212,7 @@ fi
 make_base
 status=0
 if [ -n "${DISPLAY-}" ]; then
-    run_alone "$wine" "$@" || status=$?
+    run_alone run "$wine" "$@" || status=$?
     exit "$status"
 fi
 export WINEPREFIX="$root/plain"
