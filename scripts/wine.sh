@@ -142,8 +142,14 @@ run() {
     return "$status"
 }
 
-# A program that does nothing keeps the installation awake: the runs of a session then start at once.
-keep_awake() {
+# Starts what serves all programs of an installation. The first program would start it else, and hand
+# its output down: whoever reads that would wait for as long as any program runs here.
+start_prefix() {
+    "$wine" rundll32.exe user32.dll,GetDesktopWindow < /dev/null > /dev/null 2>&1 9>&- || true
+}
+
+# A program that does nothing keeps the installation up, so that the runs of a session start at once.
+keep_prefix_up() {
     local pipe
     pipe="$(mktemp -u "$root/pipe.XXXXXX")"
     mkfifo "$pipe"
@@ -155,7 +161,8 @@ keep_awake() {
 
 # run_session COMMAND...
 run_session() {
-    keep_awake
+    start_prefix
+    keep_prefix_up
     run "$@"
 }
 
@@ -217,6 +224,9 @@ if [ -n "${DISPLAY-}" ]; then
 fi
 export WINEPREFIX="$root/plain"
 copy_base "$WINEPREFIX"
+exec 9> "$WINEPREFIX.start"
+flock 9 # one after the other, also for those that run at the same time
+start_prefix
 exec 9> "$WINEPREFIX.lock"
 flock -s 9
 run "$wine" "$@" || status=$?

@@ -26,7 +26,7 @@ EDITS = {"dc:title[@x-default]": "Blinds, \u00e9t\u00e9 \u6d77", "xmp:Rating": "
 def output(*command, status=0):
     result = subprocess.run(command, stdout=subprocess.PIPE, stderr=subprocess.PIPE, check=False)
     if result.returncode != status:
-        raise AssertionError("%s: %s" % (" ".join(command), result.stderr.decode()))
+        raise AssertionError("%s: %d %s" % (" ".join(map(str, command)), result.returncode, result.stderr.decode()))
     return result.stdout.decode("utf-8", "surrogateescape")
 
 
