@@ -27,7 +27,8 @@ namespace {
 // UTF-8.
 std::string Narrow(const wchar_t* text)
 {
-    return std::filesystem::path(text).string();
+    const std::u8string narrow = std::filesystem::path(text).u8string();
+    return {narrow.begin(), narrow.end()};
 }
 
 template <class Function>
@@ -103,7 +104,7 @@ ProcessState StateOfProcess()
     state["locale"] = std::setlocale(LC_ALL, nullptr);
     state["thread locale"] = std::to_string(GetThreadLocale());
     state["user interface language"] = std::to_string(GetThreadUILanguage());
-    state["folder"] = std::filesystem::current_path().string();
+    state["folder"] = Narrow(std::filesystem::current_path().c_str());
     state["rounding"] = std::to_string(std::fegetround());
     state["floating point"] = std::to_string(_mm_getcsr() & 0xFFC0U);
     state["error mode"] = std::to_string(GetErrorMode());

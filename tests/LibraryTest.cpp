@@ -268,8 +268,9 @@ TEST_F(LibraryTest, ClientNamesMakeSafeFolders)
         const bool wasThere = std::filesystem::exists(want);
         const MetadataAPIInitParams record = StartRecord(row.name);
         ASSERT_TRUE(api.initialize(&record));
+        const std::u8string wantText = want.u8string();
         EXPECT_EQ(kivcore::filesupport::Dir::PrefDir().FullPath(),
-                  kivcore::filesupport::PathFromUTF8(want.string()));
+                  kivcore::filesupport::PathFromUTF8({wantText.begin(), wantText.end()}));
         api.terminate();
         // Nobody changed a preference: no file and no folder is made.
         EXPECT_EQ(std::filesystem::exists(want), wasThere);

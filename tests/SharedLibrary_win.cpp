@@ -10,8 +10,9 @@ namespace kivtests {
 // The way of a host that lies in another folder: what the library is linked to is looked for beside
 // the library.
 SharedLibrary::SharedLibrary(const std::string& path)
-    : handle_(LoadLibraryExW(std::filesystem::path(path).make_preferred().c_str(), nullptr,
-                             LOAD_WITH_ALTERED_SEARCH_PATH))
+    : handle_(LoadLibraryExW(
+          std::filesystem::path(std::u8string(path.begin(), path.end())).make_preferred().c_str(),
+          nullptr, LOAD_WITH_ALTERED_SEARCH_PATH))
 {
     if (handle_ == nullptr) {
         throw std::runtime_error(path + ": Windows error " + std::to_string(GetLastError()));
