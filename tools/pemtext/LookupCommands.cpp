@@ -4,6 +4,7 @@
 #include "tools/pemtext/Commands.h"
 #include "tools/pemtext/Files.h"
 #include "tools/pemtext/Json.h"
+#include "tools/pemtext/TemporaryFile.h"
 
 #include <kivcore/StringConversion.h>
 
@@ -82,11 +83,15 @@ int RunLocalize(const Arguments& arguments)
     const std::string keys = arguments.Required("--keys");
     kivmetadataapi::DefaultLocalizer localizer;
     if (!arguments.Files().empty()) {
+        // The localizer loads files by their names, and passes over what cannot be opened.
         const std::string& file = arguments.Files().front();
-        if (file == "-")
-            throw UsageError("the localizer loads named files only");
-        ReadInput(file);  // the localizer passes over what cannot be opened
-        localizer.LoadDictionary(kivcore::string::UTF8to16(file));
+        const std::string content = ReadInput(file);
+        if (file == "-") {
+            const TemporaryFile copy(content);
+            localizer.LoadDictionary(copy.Path());
+        } else {
+            localizer.LoadDictionary(kivcore::string::UTF8to16(file));
+        }
     }
     return AnswerKeys(keys, [&](const std::string& key) {
         const kivcore::UString text = localizer.Localize(key);

@@ -1,14 +1,13 @@
 #include "tools/pemtext/CommandLine.h"
 #include "tools/pemtext/Files.h"
 #include "tools/pemtext/PoFile.h"
+#include "tools/pemtext/TemporaryFile.h"
 
 #include <gettext-po.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <memory>
-#include <random>
 #include <string_view>
 #include <type_traits>
 #include <utility>
@@ -66,31 +65,6 @@ struct IteratorDeleter {
     void operator()(po_message_iterator_t iterator) const { po_message_iterator_free(iterator); }
 };
 using Iterator = std::unique_ptr<std::remove_pointer_t<po_message_iterator_t>, IteratorDeleter>;
-
-// A folder of its own, which goes with everything in it.
-class TemporaryFolder {
-public:
-    TemporaryFolder()
-    {
-        std::random_device random;
-        do {
-            path_ =
-                std::filesystem::temp_directory_path() / ("pemtext-" + std::to_string(random()));
-        } while (!std::filesystem::create_directory(path_));
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder()
-    {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-
-    std::string File() const { return (path_ / "messages.po").string(); }
-
-private:
-    std::filesystem::path path_;
-};
 
 bool IsUtf8(po_file_t file)
 {
@@ -157,10 +131,10 @@ std::string FormatPo(const std::vector<PoMessage>& messages, const std::string& 
         for (const PoMessage& message : messages)
             insert(message.key.c_str(), message.text.c_str(), message.translation.c_str());
     }
-    const TemporaryFolder folder;
-    po_file_write(po.get(), folder.File().c_str(), &kHandler);
+    const TemporaryFile file;
+    po_file_write(po.get(), file.Utf8Path().c_str(), &kHandler);
     ThrowComplaint();
-    return ReadInput(folder.File());
+    return ReadInput(file.Utf8Path());
 }
 
 }  // namespace pemtext

@@ -143,6 +143,13 @@ class LookUp(PemtextTest):
                          ["a\xb0", "y\ufffd", "", "$$/A", "\xe4\xa9"])
         self.assertEqual(self.values("localize", "--keys", self.keys)[0], "x")
 
+    def test_standard_input(self):
+        content = self.file.read_bytes()
+        for command in ("lookup", "localize"):
+            self.assertEqual(
+                self.expect(DONE, command, "-", "--keys", self.keys, stdin=content).out,
+                self.expect(DONE, command, self.file, "--keys", self.keys).out)
+
     def test_bad_keys(self):
         for text, message in (('"a"\nb\n', ":2: the line is no JSON string"),
                               ('\n"\\x"', ":2: the line holds an escape"),
