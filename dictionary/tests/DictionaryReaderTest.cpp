@@ -15,7 +15,7 @@ namespace {
 using dictionary_test::BigEndian;
 using dictionary_test::ExactBlock;
 using dictionary_test::LittleEndian;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 using Lines = std::vector<std::u16string>;
 

@@ -19,7 +19,7 @@ using dictionary_test::ExactBlock;
 using dictionary_test::LittleEndian;
 using dictionary_test::LoadText;
 using dictionary_test::Text;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 TEST(Dictionary, VersionText)
 {

@@ -11,7 +11,7 @@
 namespace morvish_private {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 std::string Written(const HashItem& item, bool raw, ByteOrder order)
 {

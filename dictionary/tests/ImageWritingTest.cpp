@@ -23,7 +23,7 @@ using dictionary_test::LoadFrom;
 using dictionary_test::Text;
 using dictionary_test::Written;
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 constexpr ByteOrder kBothOrders[] = {ByteOrder::kLittle, ByteOrder::kBig};
 

@@ -20,7 +20,7 @@
 namespace morvish_private {
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 struct BucketCase {
     std::string key;

@@ -8,7 +8,7 @@ namespace morvish_private {
 namespace {
 
 using dictionary_test::ExactBlock;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 struct Utf8Case {
     std::string bytes;

@@ -18,7 +18,7 @@ namespace {
 
 using kivcore::UString;
 using kivcore::config::Localizer;
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 class DefaultLocalizerTest : public testing::Test {
 protected:

@@ -103,18 +103,17 @@ std::string EscapedValue(std::u16string_view value)
     for (std::size_t i = 0; i < value.size(); ++i) {
         const char16_t unit = value[i];
         const bool last = i + 1 == value.size();
-        if (IsHigh(unit) && !last && IsLow(value[i + 1])) {
+        // A marker that is none, and a backslash that would hide the closing quote.
+        const bool misleads = last ? unit == u'\\' : unit == u'#' && value[i + 1] == u'{';
+        const char* const escape = misleads ? nullptr : ShortEscape(unit);
+        if (IsHigh(unit) && !last && IsLow(value[i + 1]))
             AppendUtf8(0x10000 + ((unit - 0xD800u) << 10) + (value[++i] - 0xDC00u), out);
-        } else if ((unit == u'#' && !last && value[i + 1] == u'{') || (unit == u'\\' && last)) {
-            // A marker that is none, and a backslash that would hide the closing quote.
-            AppendReference(unit, out);
-        } else if (const char* const escape = ShortEscape(unit)) {
+        else if (escape != nullptr)
             out += escape;
-        } else if (NeedsReference(unit)) {
+        else if (misleads || NeedsReference(unit))
             AppendReference(unit, out);
-        } else {
+        else
             AppendUtf8(unit, out);
-        }
     }
     return out;
 }
