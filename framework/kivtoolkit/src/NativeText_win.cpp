@@ -261,6 +261,17 @@ public:
                     return 0;
                 }
                 break;
+            case EM_SETSEL:
+                if (!IsFocused()) {
+                    caret_ = {wParam, lParam};
+                    return 0;
+                }
+                break;
+            case EM_SCROLLCARET:
+                if (!IsFocused()) {
+                    return 0;
+                }
+                break;
             case WM_IME_STARTCOMPOSITION:
                 SetComposing(true);
                 break;
@@ -271,8 +282,13 @@ public:
                 break;
         }
         const WXLRESULT result = wxTextCtrl::MSWWindowProc(message, wParam, lParam);
-        if (message == WM_SIZE && !HasOneLine()) {
-            ShowBeginning();
+        if (message == WM_SIZE && IsFocused() && !HasOneLine()) {
+            ShowFromFirstLine();
+        } else if (message == WM_KILLFOCUS) {
+            PutCaretAway();
+        } else if (message == WM_SETFOCUS && GetKeyState(VK_LBUTTON) >= 0) {
+            SendMessageW(GetHwnd(), EM_SETSEL, caret_.first, caret_.second);
+            SendMessageW(GetHwnd(), EM_SCROLLCARET, 0, 0);
         }
         if (message != WM_GETTEXTLENGTH && message != WM_NCDESTROY && message != WM_DESTROY) {
             NoteBlank();
@@ -339,14 +355,26 @@ private:
     }
 
     // What was scrolled away while there was little room does not come back by itself.
-    void ShowBeginning()
+    void ShowFromFirstLine()
     {
         const LRESULT first = SendMessageW(GetHwnd(), EM_GETFIRSTVISIBLELINE, 0, 0);
         SendMessageW(GetHwnd(), EM_LINESCROLL, 0, -first);
-        if (::GetFocus() == GetHwnd()) {
-            SendMessageW(GetHwnd(), EM_SCROLLCARET, 0, 0);
-        }
+        SendMessageW(GetHwnd(), EM_SCROLLCARET, 0, 0);
     }
+
+    // The control shows where its caret is, but who only reads wants to see the beginning: without
+    // the focus the caret stands there, and comes back with it.
+    void PutCaretAway()
+    {
+        DWORD from = 0;
+        DWORD to = 0;
+        SendMessageW(GetHwnd(), EM_GETSEL, reinterpret_cast<WPARAM>(&from),
+                     reinterpret_cast<LPARAM>(&to));
+        caret_ = {from, static_cast<LPARAM>(to)};
+        MSWDefWindowProc(EM_SETSEL, 0, 0);
+        MSWDefWindowProc(EM_SCROLLCARET, 0, 0);
+    }
+    bool IsFocused() const { return ::GetFocus() == GetHwnd(); }
 
     void SetComposing(bool isComposing)
     {
@@ -360,6 +388,7 @@ private:
     bool isMirrored_;
     bool isComposing_ = false;
     bool wasBlank_ = true;
+    std::pair<WPARAM, LPARAM> caret_{0, 0};  // while there is no focus
     std::function<void()> composingChanged_;
 };
 

@@ -24,6 +24,13 @@ HWND HandleOf(wxTextCtrl& text)
     return static_cast<HWND>(text.GetHandle());
 }
 
+kivmetadataui::DriverKeyPress Key(kivmetadataui::DriverKey key)
+{
+    kivmetadataui::DriverKeyPress press;
+    press.key = key;
+    return press;
+}
+
 class NativeTextOnWindows : public ToolkitTest {
 protected:
     // Runs `step` with the control of the field at `path`, in an open dialog.
@@ -112,6 +119,31 @@ TEST_F(NativeTextOnWindows, SeveralLinesAreShownFromTheFirst)
              EXPECT_EQ(GetWindowLongPtrW(handle, GWL_STYLE) & (WS_VSCROLL | WS_HSCROLL), 0)
                  << "no bar of the system's";
          });
+}
+
+TEST_F(NativeTextOnWindows, ALongLineIsShownFromItsBeginning)
+{
+    const std::string line(300, 'w');
+    With("t:text", "<t:text>" + line + "</t:text>", [](TextEntry& entry, DialogSurface& surface) {
+        HWND handle = HandleOf(entry.Control());
+        const auto beginning = [handle] {
+            return static_cast<short>(LOWORD(SendMessageW(handle, EM_POSFROMCHAR, 0, 0)));
+        };
+        EXPECT_GE(beginning(), 0);
+        entry.SetFocus();
+        surface.PressKey(Key(kivmetadataui::DriverKey::kEnd));
+        EXPECT_LT(beginning(), 0) << "the caret is in sight";
+        ScriptedSession::Window().Side().List().SetFocus();
+        EXPECT_GE(beginning(), 0) << "without the focus";
+        entry.SetFocus();
+        EXPECT_LT(beginning(), 0) << "the caret is where it was";
+        ScriptedSession::Window().Side().List().SetFocus();
+        entry.SetText(kivcore::UString(300, u'm'));
+        EXPECT_GE(beginning(), 0);
+        entry.SetFocus();
+        surface.TypeText(u"end");
+        EXPECT_EQ(entry.Text(), kivcore::UString(300, u'm') + u"end");
+    });
 }
 
 TEST_F(NativeTextOnWindows, AnInputMethodAtWorkIsKnown)
