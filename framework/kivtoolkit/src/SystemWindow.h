@@ -42,7 +42,7 @@ std::optional<wxRect> RectOfHost(HWND host);
 class HostHold {
 public:
     /// `lost` runs, and must not throw, when the system destroys `window` together with the host's.
-    HostHold(wxTopLevelWindow& window, std::function<void()> lost);
+    HostHold(wxTopLevelWindow& window, const std::function<void()>& lost);
     HostHold(const HostHold&) = delete;
     HostHold& operator=(const HostHold&) = delete;
     /// Gives the focus back to where it was; the dialog is hidden by now.

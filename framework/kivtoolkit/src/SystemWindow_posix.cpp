@@ -330,7 +330,7 @@ std::optional<wxRect> RectOfHost(HWND host)
 // The window manager keeps the host's window below; whether it takes input is the host's affair.
 struct HostHold::State {};
 
-HostHold::HostHold(wxTopLevelWindow&, std::function<void()>) {}
+HostHold::HostHold(wxTopLevelWindow&, const std::function<void()>&) {}
 
 HostHold::~HostHold() = default;
 

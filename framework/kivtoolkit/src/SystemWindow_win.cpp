@@ -206,13 +206,13 @@ struct HostHold::State {
     }
 };
 
-HostHold::HostHold(wxTopLevelWindow& window, std::function<void()> lost)
+HostHold::HostHold(wxTopLevelWindow& window, const std::function<void()>& lost)
     : state_(std::make_unique<State>())
 {
     state_->window = HandleOf(window);
     state_->owner = GetWindow(state_->window, GW_OWNER);
     state_->focus = GetFocus();
-    state_->lost = std::move(lost);
+    state_->lost = lost;
     SetPropW(state_->window, kHoldProperty, state_.get());
     state_->before = reinterpret_cast<WNDPROC>(SetWindowLongPtrW(
         state_->window, GWLP_WNDPROC, reinterpret_cast<LONG_PTR>(&State::OnMessage)));
