@@ -1,10 +1,12 @@
 #include "dictionary/DictionaryHandles.h"
 
 #include "dictionary/DictionaryException.h"
+#include "dictionary/tests/ImageSupport.h"
 #include "dictionary/tests/TestSupport.h"
 
 #include <memory>
 #include <sstream>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
@@ -35,6 +37,30 @@ TEST(DictionaryHandles, DictionariesLiveByHandle)
     DestroyDictionary(binary);
     DestroyDictionary(copy);
     DestroyDictionary(nullptr);
+}
+
+TEST(DictionaryHandles, Images)
+{
+    Dictionary* const dictionary = CreateDictionary();
+    std::istringstream stream(dictionary_test::Image().Text());
+    LoadDictionaryFromStream(*dictionary, &stream);
+    EXPECT_TRUE(DictionaryIsValid(*dictionary));
+    Dictionary* const copy = CopyDictionary(*dictionary);
+    Dictionary* const assigned = CreateDictionary();
+    AssignDictionary(*assigned, *copy);
+    DestroyDictionary(dictionary);
+
+    DictionaryString* const byKey = LookupString(*copy, "$$$/A=x");
+    DictionaryString* const byIndex = LookupStringByIndex(*assigned, 1);
+    DestroyDictionary(copy);
+    DestroyDictionary(assigned);
+    EXPECT_EQ(*byKey, *byIndex);
+    // Nothing ends the text in the image; a copy is ended.
+    char16_t buffer[8] = u"-------";
+    CopyString(*byKey, buffer, 8, OnTruncation::kThrow);
+    EXPECT_EQ(std::u16string_view(buffer, 8), std::u16string_view(u"5\u00B0\0----", 8));
+    ReleaseString(byKey);
+    ReleaseString(byIndex);
 }
 
 TEST(DictionaryHandles, StringsLiveByHandle)

@@ -1,6 +1,7 @@
 #include "dictionary/DictionaryRegistry.h"
 
 #include "dictionary/DictionaryHandles.h"
+#include "dictionary/tests/ImageSupport.h"
 #include "dictionary/tests/TestSupport.h"
 
 #include <array>
@@ -24,6 +25,15 @@ TEST(DictionaryRegistry, OneDictionaryPerIdentifier)
     EXPECT_EQ(registry.GetOrCreate(1033), first);
     EXPECT_NE(registry.GetOrCreate(1031), first);
     EXPECT_NE(registry.GetOrCreate(-1), registry.GetOrCreate(0));
+}
+
+TEST(DictionaryRegistry, LoadsImages)
+{
+    DictionaryRegistry registry;
+    std::istringstream stream(dictionary_test::Image().Text());
+    registry.LoadFromStream(1031, &stream);
+    EXPECT_EQ(registry.Lookup(1031, "$$$/A=x").View(), u"5\u00B0");
+    EXPECT_EQ(registry.GetOrCreate(1031)->LookupIndex(0).View(), u"x");
 }
 
 TEST(DictionaryRegistry, LoadsAndLooksUp)

@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 #include <memory>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -223,6 +224,24 @@ TEST_F(DefaultLocalizerTest, UnregistersItselfOnly)
     other.reset();
     ASSERT_TRUE(Localizer::Initialized());
     EXPECT_EQ(Localizer::Get(), &localizer_);
+}
+
+TEST_F(DefaultLocalizerTest, BinaryDictionaries)
+{
+    morvish::Dictionary dictionary;
+    dictionary.ParseLine(u"$$$/A=Bild");
+    dictionary.ParseLine(u"$$$/Empty=");
+    std::ostringstream image;
+    dictionary.SerializeLittleEndian(image, /*asImage=*/true, /*storeFlag=*/false);
+    localizer_.LoadDictionary(Write("a.dict", image.str()));
+    EXPECT_EQ(Localize("$$$/A=Picture"), u"Bild");
+    EXPECT_EQ(Localize("($$$/A=Picture)"), u"Bild");
+    EXPECT_EQ(Localize("$$$/Empty=Picture"), u"");
+    EXPECT_EQ(Localize("$$$/B=Caf\xC3\xA9"), u"Caf\u00E9");
+    // Lines go into the image's store.
+    localizer_.LoadDictionary(Write("b.dict", "$$$/B=Text\n"));
+    EXPECT_EQ(Localize("$$$/B=Picture"), u"Text");
+    EXPECT_EQ(Localize("$$$/A=Picture"), u"Bild");
 }
 
 }  // namespace
