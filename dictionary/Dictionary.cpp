@@ -2,6 +2,7 @@
 
 #include "dictionary/DictionaryLine.h"
 #include "dictionary/DictionaryReader.h"
+#include "dictionary/FullHash.h"
 #include "dictionary/ImageSource.h"
 #include "dictionary/KeyHash.h"
 

@@ -4,6 +4,7 @@
 
 #include "dictionary/FastArray.h"
 
+#include "dictionary/FullHash.h"
 #include "dictionary/ImageSource.h"
 #include "dictionary/KeyHash.h"
 #include "dictionary/StoreTables.h"

@@ -1,6 +1,7 @@
 #include "dictionary/StoreImageWriter.h"
 
 #include "dictionary/FlatIndex.h"
+#include "dictionary/FullHash.h"
 #include "dictionary/KeyHash.h"
 
 #include <algorithm>

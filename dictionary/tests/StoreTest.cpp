@@ -3,6 +3,7 @@
 #include "dictionary/BucketChains.h"
 #include "dictionary/FastArray.h"
 #include "dictionary/FlatIndex.h"
+#include "dictionary/FullHash.h"
 #include "dictionary/GrownCapacity.h"
 #include "dictionary/KeyHash.h"
 #include "dictionary/TextArena.h"
