@@ -6,7 +6,6 @@
 
 #pragma once
 
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -27,7 +26,12 @@ struct Selector {
     SelectorKind kind = SelectorKind::kOther;
     std::string_view name;  // without "." and "#"; the whole text where the kind is kOther
 
-    friend auto operator<=>(const Selector&, const Selector&) = default;
+    friend bool operator==(const Selector&, const Selector&) = default;
+    /// By kind, then name.
+    friend bool operator<(const Selector& a, const Selector& b)
+    {
+        return a.kind != b.kind ? a.kind < b.kind : a.name < b.name;
+    }
 };
 
 /// `text` is trimmed and not empty.

@@ -10,7 +10,6 @@ namespace SVGLoom {
 namespace {
 
 using testing_support::DrawContent;
-using testing_support::TestDocument;
 
 std::string Draw(const std::string& attributes)
 {

@@ -2,8 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <cmath>
-#include <cstring>
+#include <cstdint>
+#include <cstdlib>
 #include <limits>
 #include <random>
 #include <string>
@@ -208,7 +210,8 @@ TEST(ReadNumber, AgreesWithTheStepsBitForBit)
         ASSERT_EQ(ReadNumber(current, exact.end(), value), wantRead) << text;
         ASSERT_EQ(current, exact.end()) << text;
         if (wantRead) {
-            ASSERT_EQ(std::memcmp(&value, &want, sizeof value), 0) << text;
+            ASSERT_EQ(std::bit_cast<std::uint32_t>(value), std::bit_cast<std::uint32_t>(want))
+                << text;
         }
     }
 }
