@@ -214,12 +214,49 @@ std::unique_ptr<__XMPMeta__> Open(const UString& path, const OpenOptions& option
     return OpenPlace(place, &sidecar);
 }
 
+std::vector<const Node*> Pointers(const std::vector<Node>& nodes)
+{
+    std::vector<const Node*> pointers;
+    pointers.reserve(nodes.size());
+    for (const Node& node : nodes) {
+        pointers.push_back(&node);
+    }
+    return pointers;
+}
+
+bool SameNode(const Node& left, const Node& right);
+
+/// Where order means nothing: properties, fields, qualifiers. One that stood as an attribute is
+/// written behind the attributes that stay, as an element, once it was changed.
+bool SameNamed(std::vector<const Node*> left, std::vector<const Node*> right)
+{
+    for (std::vector<const Node*>* const nodes : {&left, &right}) {
+        std::stable_sort(nodes->begin(), nodes->end(), [](const Node* one, const Node* other) {
+            return std::pair(one->LocalName(), one->NamespaceUri()) <
+                   std::pair(other->LocalName(), other->NamespaceUri());
+        });
+    }
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](const Node* one, const Node* other) { return SameNode(*one, *other); });
+}
+
+bool SameNode(const Node& left, const Node& right)
+{
+    if (left.Form() != right.Form() || left.LocalName() != right.LocalName() ||
+        left.NamespaceUri() != right.NamespaceUri() || left.Value() != right.Value() ||
+        !SameNamed(Pointers(left.Qualifiers()), Pointers(right.Qualifiers()))) {
+        return false;
+    }
+    if (left.Form() == NodeForm::kStruct) {
+        return SameNamed(Pointers(left.Children()), Pointers(right.Children()));
+    }
+    return std::equal(left.Children().begin(), left.Children().end(), right.Children().begin(),
+                      right.Children().end(), SameNode);
+}
+
 bool SameTree(const __XMPMeta__& left, const __XMPMeta__& right)
 {
-    const std::vector<const Node*> leftNodes = left.Properties();
-    const std::vector<const Node*> rightNodes = right.Properties();
-    return std::equal(leftNodes.begin(), leftNodes.end(), rightNodes.begin(), rightNodes.end(),
-                      [](const Node* one, const Node* other) { return *one == *other; });
+    return SameNamed(left.Properties(), right.Properties());
 }
 
 /// As kivcore does before it replaces a file, but with a code of its own.

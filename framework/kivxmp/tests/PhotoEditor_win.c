@@ -20,6 +20,7 @@ int wmain(int argc, wchar_t** wideArguments)
         WideCharToMultiByte(CP_UTF8, 0, wideArguments[i], -1, arguments[i], size, NULL, NULL);
     }
     _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
     status = RunPhotoEditor(argc, arguments);
     for (int i = 0; i < argc; ++i) {
         free(arguments[i]);

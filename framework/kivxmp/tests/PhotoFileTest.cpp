@@ -103,6 +103,35 @@ TEST_F(PhotoFileTest, AnEditArrivesInTheFileAndNothingElse)
     EXPECT_EQ(TextOf(Open("p.jpg")->Find("dc:subject[1]")), "sea");
 }
 
+// Many programs write properties and fields as attributes. A changed one is written as an element,
+// behind those that stay; the check of the copy must not take the new order for damage.
+TEST_F(PhotoFileTest, AChangedAttributeIsSavedThoughOthersFollowIt)
+{
+    constexpr char kSidecar[] =
+        "<x:xmpmeta xmlns:x='adobe:ns:meta/'>"
+        "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+        "<rdf:Description rdf:about='' xmlns:xmp='http://ns.adobe.com/xap/1.0/'"
+        " xmlns:my='http://my.example/' xmp:Rating='3' xmp:Label='red' my:odd='kept'>"
+        "<my:box my:width='1' my:height='2' my:depth='3'/>"
+        "<my:crate rdf:parseType='Resource'><my:width>1</my:width><my:height>2</my:height>"
+        "</my:crate></rdf:Description></rdf:RDF></x:xmpmeta>";
+    const struct {
+        const char* path;
+        const char* value;
+    } rows[] = {
+        {"xmp:Rating", "4"},      {"xmp:Label", "blue"},     {"{http://my.example/}odd", "changed"},
+        {"my:box/my:width", "9"}, {"my:box/my:height", "9"}, {"my:crate/my:width", "9"},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.path);
+        folder_.Write("n.xmp", kSidecar);
+        const std::unique_ptr<__XMPMeta__> meta = Open("n.xmp");
+        meta->SetText(row.path, row.value);
+        EXPECT_EQ(Failure([&] { SavePhoto(*meta); }), "");
+        EXPECT_EQ(TextOf(Open("n.xmp")->Find(row.path)), row.value);
+    }
+}
+
 TEST_F(PhotoFileTest, AFirstPacketGoesBehindExif)
 {
     folder_.Write("p.jpg", Jpeg().App0().Exif().Profile(99).Scan().Bytes());
