@@ -139,14 +139,14 @@ void DrawingWalk::DrawReference(const SVGDocumentImpl::Reference& reference)
     if (!entry.IsNew()) {
         return;
     }
-    const auto target = document_.ids_.find(reference.targetId);
-    if (target == document_.ids_.end()) {
+    const std::shared_ptr<Element>* const target = document_.ids_.Find(reference.targetId);
+    if (target == nullptr) {
         return;
     }
     DocumentGraphicStyle own;
     const State state(renderer_, StyleOf(reference, own));
     ++references_;
-    Visit(*target->second);
+    Visit(**target);
     --references_;
 }
 

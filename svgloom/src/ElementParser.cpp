@@ -226,7 +226,7 @@ ElementParser::Inner ElementParser::ParseClipPath(Parsed& element)
             break;
         }
     }
-    clipPaths_.insert_or_assign(std::string(element.Id()), std::move(clip));
+    clipPaths_[element.Id()] = std::move(clip);
     return std::nullopt;
 }
 
@@ -240,9 +240,8 @@ ElementParser::Inner ElementParser::ParseGradient(Parsed& element)
             throw std::out_of_range("invalid string position");
         }
         // Only what stands before is known. The first character is dropped, "#" or not.
-        const auto found = gradients_.find(href.substr(1));
-        if (found != gradients_.end()) {
-            definition = found->second;
+        if (const GradientDefinition* const found = gradients_.Find(href.substr(1))) {
+            definition = *found;
         }
     }
     AddStops(element, gradient);
@@ -284,7 +283,10 @@ ElementParser::Inner ElementParser::ParseGradient(Parsed& element)
         gradient.transform =
             ParseTransform(element.attributes.Text(AttributeName::kGradientTransform));
     }
-    gradients_.try_emplace(std::string(element.Id()), std::move(definition));
+    const auto [stored, isNew] = gradients_.Add(element.Id());
+    if (isNew) {
+        stored = std::move(definition);
+    }
     return std::nullopt;
 }
 

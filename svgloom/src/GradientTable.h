@@ -5,7 +5,7 @@
 #include <cstdint>
 
 #include "svgloom/renderer/Records.h"
-#include "svgloom/src/NameHash.h"
+#include "svgloom/src/NameMap.h"
 
 namespace SVGLoom {
 

@@ -81,10 +81,9 @@ ParseResult SVGStringParser::ParsePaint(std::string_view text, const GradientTab
         if (close == std::string_view::npos) {
             return ParseResult::kInvalid;
         }
-        const auto found =
-            gradients.find(rest.substr(kReference.size(), close - kReference.size()));
-        if (found != gradients.end()) {
-            gradient = &found->second.gradient;
+        if (const GradientDefinition* const found =
+                gradients.Find(rest.substr(kReference.size(), close - kReference.size()))) {
+            gradient = &found->gradient;
         }
         current += close + 1;
     }

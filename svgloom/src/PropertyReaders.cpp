@@ -88,9 +88,8 @@ void ReadClipPath(std::string_view text, const StyleSources& sources, const Styl
     text.remove_prefix(kBefore);
     text.remove_suffix(text.empty() ? 0 : 1);
     // Only clip paths that stand before their use are there.
-    const auto found = sources.clipPaths.find(text);
-    if (found != sources.clipPaths.end()) {
-        target.graphic.clippingPath = found->second;
+    if (const std::shared_ptr<ClippingPath>* const found = sources.clipPaths.Find(text)) {
+        target.graphic.clippingPath = *found;
     }
 }
 

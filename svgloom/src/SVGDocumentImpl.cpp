@@ -43,8 +43,11 @@ void SVGDocumentImpl::Parse(const xml::XMLNode* root)
 
 void SVGDocumentImpl::Add(Group& group, std::shared_ptr<Element> element, std::string_view id)
 {
-    if (!id.empty() && ids_.find(id) == ids_.end()) {
-        ids_.emplace(id, element);
+    if (!id.empty()) {
+        const auto [registered, isNew] = ids_.Add(id);
+        if (isNew) {
+            registered = element;
+        }
     }
     group.children.push_back(std::move(element));
 }
@@ -56,9 +59,8 @@ void SVGDocumentImpl::Render(const ColorMap& colors, float width, float height)
 
 void SVGDocumentImpl::Render(std::string_view id, const ColorMap& colors, float width, float height)
 {
-    const auto found = ids_.find(id);
-    if (found != ids_.end()) {
-        RenderElement(*found->second, colors, width, height);
+    if (const std::shared_ptr<Element>* const found = ids_.Find(id)) {
+        RenderElement(**found, colors, width, height);
     } else {
         attachedSheet_ = nullptr;
     }

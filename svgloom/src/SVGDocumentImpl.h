@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "svgloom/renderer/SVGRenderer.h"
-#include "svgloom/src/NameHash.h"
+#include "svgloom/src/NameMap.h"
 #include "svgloom/src/StyleResolution.h"
 #include "svgloom/src/Styles.h"
 #include "svgloom/src/XMLDocument.h"

@@ -115,11 +115,11 @@ void StyleSheet::AddRule(std::string_view selectors, std::string_view block)
     const Range properties = AddBlock(block);
     for (std::size_t i = firstUse; i < uses_.size(); ++i) {
         if (uses_[i].selector.kind == SelectorKind::kClass) {
-            const auto [place, isNew] = classes_.try_emplace(uses_[i].selector.name);
+            const auto [entry, isNew] = classes_.Add(uses_[i].selector.name);
             if (isNew) {
-                place->second.properties = properties;
+                entry.properties = properties;
             } else {
-                Overlay(properties, place->second);
+                Overlay(properties, entry);
             }
         }
     }
@@ -181,11 +181,11 @@ std::span<const PropertyText> StyleSheet::FindClass(std::string_view name) const
     if (name.empty()) {
         ThrowEmptySelector();
     }
-    const auto found = classes_.find(name);
-    if (found == classes_.end()) {
+    const ClassEntry* const found = classes_.Find(name);
+    if (found == nullptr) {
         return {};
     }
-    const Range& range = found->second.properties;
+    const Range& range = found->properties;
     return {properties_.data() + range.first, range.count};
 }
 

@@ -15,7 +15,7 @@
 #include <vector>
 
 #include "svgloom/src/AttributeNames.h"
-#include "svgloom/src/NameHash.h"
+#include "svgloom/src/NameMap.h"
 
 namespace SVGLoom {
 

@@ -11,7 +11,7 @@
 
 #include "svgloom/renderer/Records.h"
 #include "svgloom/src/ColorValue.h"
-#include "svgloom/src/NameHash.h"
+#include "svgloom/src/NameMap.h"
 
 namespace SVGLoom {
 

@@ -28,14 +28,5 @@ TEST(KeyedHash, DependsOnEveryByteAndTheKey)
     EXPECT_EQ(KeyedHash(text, 1, 2), KeyedHash(std::string(text), 1, 2));
 }
 
-TEST(NameMap, FindsByView)
-{
-    NameMap<int> map;
-    map.emplace("one", 1);
-    EXPECT_EQ(map.find(std::string_view("one"))->second, 1);
-    EXPECT_EQ(map.find(std::string_view("on")), map.end());
-    EXPECT_EQ(map.find(std::string_view()), map.end());
-}
-
 }  // namespace
 }  // namespace SVGLoom

@@ -139,7 +139,7 @@ TEST(SVGDocumentImpl, SymbolsGoWithTheDocument)
         } catch (const std::out_of_range&) {
             EXPECT_NE(content.find("clip-path"), std::string_view::npos);
         }
-        symbols.push_back(document->Ids().find("s")->second);
+        symbols.push_back(*document->Ids().Find("s"));
         EXPECT_FALSE(symbols.back().expired());
         document.reset();
         EXPECT_TRUE(symbols.back().expired()) << content;
