@@ -109,28 +109,40 @@ bool FastArray::Load(ImageSource& source, std::uint8_t storeFlag, ByteOrder orde
 
 void FastArray::Adopt(const StoreTables& tables, ByteOrder order)
 {
-    for (std::uint32_t i = 0; i < tables.count; ++i) {
+    const auto recordOf = [&](std::uint32_t i, std::string_view key) {
         const std::u16string_view value = tables.Value(i, order);
-        Record record = {
-            {static_cast<std::uint32_t>(value.size() * sizeof(char16_t)), 0, value.data()},
-            nullptr};
-        if (!tables.hasKeys) {
-            ++bareCount_;
+        return Record{{static_cast<std::uint32_t>(value.size() * sizeof(char16_t)),
+                       static_cast<std::uint32_t>(key.size()), value.data()},
+                      key.data()};
+    };
+    if (!tables.hasKeys) {
+        for (std::uint32_t i = 0; i < tables.count; ++i)
+            Append(recordOf(i, {}));
+        bareCount_ += tables.count;
+        return;
+    }
+    // The index is larger than the processor's caches and met at random: its places are fetched
+    // some entries ahead.
+    constexpr std::uint32_t kAhead = 32;
+    std::array<std::uint32_t, kAhead> hashes{};
+    for (std::uint32_t first = 0; first < tables.count; first += kAhead) {
+        const std::uint32_t batch = std::min(kAhead, tables.count - first);
+        for (std::uint32_t i = 0; i < batch; ++i) {
+            hashes[i] = FullHash(tables.Key(first + i, order));
+            index_.Prefetch(hashes[i]);
+        }
+        for (std::uint32_t i = 0; i < batch; ++i) {
+            const std::string_view key = tables.Key(first + i, order);
+            const Record record = recordOf(first + i, key);
+            const auto* const known = index_.Find(
+                hashes[i], [&](std::uint32_t candidate) { return Key(candidate) == key; });
+            if (known != nullptr) {
+                Replace(known->Get(), record);
+                continue;
+            }
+            index_.Insert(hashes[i], count_);
             Append(record);
-            continue;
         }
-        const std::string_view key = tables.Key(i, order);
-        record.key = key.data();
-        record.value.keyLengthBytes = static_cast<std::uint32_t>(key.size());
-        const std::uint32_t hash = FullHash(key);
-        const auto* const known =
-            index_.Find(hash, [&](std::uint32_t candidate) { return Key(candidate) == key; });
-        if (known != nullptr) {
-            Replace(known->Get(), record);
-            continue;
-        }
-        index_.Insert(hash, count_);
-        Append(record);
     }
 }
 

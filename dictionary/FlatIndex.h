@@ -93,6 +93,9 @@ public:
         ++count_;
     }
 
+    /// Fetches the place of a hash that will be asked for soon. There must be room already.
+    void Prefetch(std::uint32_t hash) const { __builtin_prefetch(&slots_[Home(slots_, hash)], 1); }
+
     void Clear()
     {
         slots_ = std::vector<Slot>();
