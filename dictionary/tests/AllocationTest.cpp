@@ -49,6 +49,22 @@ void operator delete(void* memory, std::size_t) noexcept
     operator delete(memory);
 }
 
+// Those of arrays too: a sanitizer's own would not come here.
+void* operator new[](std::size_t size)
+{
+    return operator new(size);
+}
+
+void operator delete[](void* memory) noexcept
+{
+    operator delete(memory);
+}
+
+void operator delete[](void* memory, std::size_t) noexcept
+{
+    operator delete(memory);
+}
+
 namespace morvish {
 namespace {
 
