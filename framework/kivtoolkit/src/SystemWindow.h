@@ -67,8 +67,8 @@ public:
     ~DarkSide();
 
 private:
-    bool isSet_ = false;
-    bool before_ = false;
+    [[maybe_unused]] bool isSet_ = false;  // there is nothing to set on Windows
+    [[maybe_unused]] bool before_ = false;
 };
 
 /// Runs `callback` once, contained by the caller, when everything of `window` has been painted anew
