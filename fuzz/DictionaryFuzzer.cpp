@@ -5,59 +5,20 @@
 #include "dictionary/InputStreams.h"
 #include "dictionary/Utf8.h"
 #include "dictionary/ValuePasses.h"
+#include "fuzz/DictionaryContent.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <map>
 #include <sstream>
 #include <string>
 #include <string_view>
 
 namespace {
 
+using kivfuzz::CheckLookups;
+using kivfuzz::ContentOf;
+using kivfuzz::Require;
 using morvish::Dictionary;
-using Entries = std::map<std::string, std::u16string>;
-
-void Require(bool holds)
-{
-    if (!holds)
-        std::abort();
-}
-
-class Collector : public Dictionary::EntryVisitor {
-public:
-    void Visit(std::string_view key, std::u16string_view value) override
-    {
-        Require(entries.emplace(key, value).second);
-    }
-    void VisitBare(std::uint32_t /*index*/, std::u16string_view /*value*/) override { ++bareCount; }
-    Entries entries;
-    std::size_t bareCount = 0;
-};
-
-Entries EntriesOf(const Dictionary& dictionary)
-{
-    Collector collector;
-    dictionary.VisitEntries(collector);
-    Require(collector.entries.size() + collector.bareCount == dictionary.EntryCount());
-    return collector.entries;
-}
-
-// A look-up of what is there finds it, as far as a key can be written as one.
-void CheckLookups(const Dictionary& dictionary, const Entries& entries)
-{
-    for (const auto& [key, value] : entries) {
-        if (key.find_first_of(std::string_view("=\0", 2)) != std::string::npos)
-            continue;
-        const std::string text = "$$$" + key + "=default";
-        const char16_t* units = nullptr;
-        std::size_t length = 0;
-        Require(dictionary.RawLookup(text.c_str(), units, length));
-        Require(std::u16string_view(units, length) == value);
-        Require(dictionary.Lookup(text.c_str()).View() == value);
-    }
-}
 
 // The same lines in every encoding: what UTF-8 gives, both orders of UTF-16 give too.
 void CheckEncodings(const std::string& bytes)
@@ -79,7 +40,7 @@ void CheckEncodings(const std::string& bytes)
     dictionaries[1].LoadFromMemory(little.data(), little.size());
     dictionaries[2].LoadFromMemory(big.data(), big.size());
     for (const Dictionary& other : dictionaries) {
-        Require(EntriesOf(other) == EntriesOf(dictionaries[0]));
+        Require(ContentOf(other) == ContentOf(dictionaries[0]));
         Require(other.Valid() == dictionaries[0].Valid());
     }
 }
@@ -92,8 +53,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 
     Dictionary memory;
     memory.LoadFromMemory(data, size);
-    const Entries entries = EntriesOf(memory);
-    CheckLookups(memory, entries);
+    CheckLookups(memory, ContentOf(memory));
     if (!bytes.starts_with(morvish::kImageMagic))
         CheckEncodings(bytes);
 
@@ -103,9 +63,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     Dictionary foreign(Dictionary::Format::kBinary);
     std::istringstream foreignStream(bytes);
     foreign.LoadFromStream(&foreignStream);
-    Require(EntriesOf(own) == EntriesOf(foreign));
+    Require(ContentOf(own) == ContentOf(foreign));
     Require(own.Valid() == foreign.Valid());
-    CheckLookups(foreign, EntriesOf(foreign));
+    CheckLookups(foreign, ContentOf(foreign));
 
     // The input as a key with a default, in every encoding.
     const std::string key = "$$$/Key/That/Is/Hardly/There=" + bytes;

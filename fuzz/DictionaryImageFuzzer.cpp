@@ -4,11 +4,10 @@
 
 #include "dictionary/Dictionary.h"
 #include "dictionary/InputStreams.h"
+#include "fuzz/DictionaryContent.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
-#include <map>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -17,55 +16,14 @@
 
 namespace {
 
+using kivfuzz::Content;
+using kivfuzz::ContentOf;
+using kivfuzz::Require;
 using morvish::Dictionary;
 using morvish_private::ByteOrder;
 
-void Require(bool holds)
+void CheckNumbers(const Dictionary& dictionary)
 {
-    if (!holds)
-        std::abort();
-}
-
-struct Content {
-    std::map<std::string, std::u16string> keyed;
-    std::vector<std::u16string> bare;
-    bool operator==(const Content&) const = default;
-};
-
-Content ContentOf(const Dictionary& dictionary)
-{
-    class Collector : public Dictionary::EntryVisitor {
-    public:
-        void Visit(std::string_view key, std::u16string_view value) override
-        {
-            Require(content.keyed.emplace(key, value).second);
-        }
-        void VisitBare(std::uint32_t /*index*/, std::u16string_view value) override
-        {
-            content.bare.emplace_back(value);
-        }
-        Content content;
-    };
-    Collector collector;
-    dictionary.VisitEntries(collector);
-    Require(collector.content.keyed.size() + collector.content.bare.size() ==
-            dictionary.EntryCount());
-    return collector.content;
-}
-
-// What is there is found, as far as a key can be written as one.
-void CheckLookups(const Dictionary& dictionary, const Content& content)
-{
-    for (const auto& [key, value] : content.keyed) {
-        if (key.find_first_of(std::string_view("=\0", 2)) != std::string::npos)
-            continue;
-        const std::string text = "$$$" + key + "=default";
-        const char16_t* units = nullptr;
-        std::size_t length = 0;
-        Require(dictionary.RawLookup(text.c_str(), units, length));
-        Require(std::u16string_view(units, length) == value);
-        Require(dictionary.Lookup(text.c_str()).View() == value);
-    }
     for (std::uint32_t i = 0; i < dictionary.EntryCount(); ++i) {
         const char16_t* units = nullptr;
         std::size_t length = 0;
@@ -114,7 +72,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     memory.LoadFromMemory(block.data(), block.size());
     const Content content = ContentOf(memory);
     Require(memory.BinaryStoreBytes() < 8 * size + 16384);
-    CheckLookups(memory, content);
+    kivfuzz::CheckLookups(memory, content);
+    CheckNumbers(memory);
 
     Dictionary own;
     morvish::basic_irstream<char> ownStream(block.data(), block.size());

@@ -16,6 +16,17 @@ int SystemErrorByName(std::string_view name) noexcept;
 /// has are taken for the system's own.
 int SystemErrorByErrno(int error) noexcept;
 
+/// What we know of one of the system's errors.
+struct SystemErrorRow {
+    int number;
+    std::string_view name;  ///< as the system's headers call it, on Windows behind "ERROR_"
+    FileError::Kind kind;
+    std::string_view text;
+};
+
+/// Null for an error that we have no words for.
+const SystemErrorRow* FindSystemError(int number) noexcept;
+
 /// "PATH: WHAT", UTF-8.
 std::string ErrorText(const UString& path, std::string_view what);
 

@@ -6,22 +6,13 @@
 
 #include <unistd.h>
 
-#include <kivcore/StringConversion.h>
-
 namespace kivcore::filesupport {
 
 namespace {
 
 using Kind = FileError::Kind;
 
-struct ErrorRow {
-    int number;
-    std::string_view name;
-    Kind kind;
-    std::string_view text;
-};
-
-constexpr ErrorRow kErrorRows[] = {
+constexpr SystemErrorRow kErrorRows[] = {
     {EACCES, "EACCES", Kind::kRefused, "permission denied"},
     {EAGAIN, "EAGAIN", Kind::kOther, "temporarily not available"},
     {EBADF, "EBADF", Kind::kOther, "the file is not open"},
@@ -54,9 +45,11 @@ constexpr ErrorRow kErrorRows[] = {
     {EXDEV, "EXDEV", Kind::kOther, "on another file system"},
 };
 
-const ErrorRow* FindRow(int number)
+}  // namespace
+
+const SystemErrorRow* FindSystemError(int number) noexcept
 {
-    for (const ErrorRow& row : kErrorRows) {
+    for (const SystemErrorRow& row : kErrorRows) {
         if (row.number == number) {
             return &row;
         }
@@ -64,11 +57,9 @@ const ErrorRow* FindRow(int number)
     return nullptr;
 }
 
-}  // namespace
-
 int SystemErrorByName(std::string_view name) noexcept
 {
-    for (const ErrorRow& row : kErrorRows) {
+    for (const SystemErrorRow& row : kErrorRows) {
         if (row.name == name) {
             return row.number;
         }
@@ -81,23 +72,6 @@ int SystemErrorByName(std::string_view name) noexcept
 int SystemErrorByErrno(int error) noexcept
 {
     return error;
-}
-
-std::string ErrorText(const UString& path, std::string_view what)
-{
-    return string::UTF16to8(path).append(": ").append(what);
-}
-
-void ThrowSystemError(const UString& path, std::string_view what, int error)
-{
-    const ErrorRow* const row = FindRow(error);
-    std::string text = ErrorText(path, what).append(": ");
-    if (row) {
-        text += row->text;
-    } else {
-        text += "system error " + std::to_string(error);
-    }
-    throw FileError(row ? row->kind : Kind::kOther, text);
 }
 
 void KillProcess() noexcept

@@ -5,8 +5,6 @@
 
 #include <windows.h>
 
-#include <kivcore/StringConversion.h>
-
 #include "framework/kivcore/src/SystemCall_win.h"
 
 namespace kivcore::filesupport {
@@ -15,15 +13,8 @@ namespace {
 
 using Kind = FileError::Kind;
 
-struct ErrorRow {
-    int number;
-    std::string_view name;  // behind "ERROR_"
-    Kind kind;
-    std::string_view text;
-};
-
 // The texts of the other systems where the meaning is the same.
-constexpr ErrorRow kErrorRows[] = {
+constexpr SystemErrorRow kErrorRows[] = {
     {ERROR_FILE_NOT_FOUND, "FILE_NOT_FOUND", Kind::kNotFound, "no such file or folder"},
     {ERROR_PATH_NOT_FOUND, "PATH_NOT_FOUND", Kind::kNotFound, "no such file or folder"},
     {ERROR_TOO_MANY_OPEN_FILES, "TOO_MANY_OPEN_FILES", Kind::kOther, "too many open files"},
@@ -113,17 +104,17 @@ constexpr PosixRow kPosixRows[] = {
 
 constexpr std::string_view kNamePrefix = "ERROR_";
 
-const ErrorRow* FindRow(int number)
+}  // namespace
+
+const SystemErrorRow* FindSystemError(int number) noexcept
 {
-    for (const ErrorRow& row : kErrorRows) {
+    for (const SystemErrorRow& row : kErrorRows) {
         if (row.number == number) {
             return &row;
         }
     }
     return nullptr;
 }
-
-}  // namespace
 
 int SystemErrorByName(std::string_view name) noexcept
 {
@@ -134,7 +125,7 @@ int SystemErrorByName(std::string_view name) noexcept
     }
     if (name.starts_with(kNamePrefix)) {
         name.remove_prefix(kNamePrefix.size());
-        for (const ErrorRow& row : kErrorRows) {
+        for (const SystemErrorRow& row : kErrorRows) {
             if (row.name == name) {
                 return row.number;
             }
@@ -153,23 +144,6 @@ int SystemErrorByErrno(int error) noexcept
         }
     }
     return error;
-}
-
-std::string ErrorText(const UString& path, std::string_view what)
-{
-    return string::UTF16to8(path).append(": ").append(what);
-}
-
-void ThrowSystemError(const UString& path, std::string_view what, int error)
-{
-    const ErrorRow* const row = FindRow(error);
-    std::string text = ErrorText(path, what).append(": ");
-    if (row) {
-        text += row->text;
-    } else {
-        text += "system error " + std::to_string(error);
-    }
-    throw FileError(row ? row->kind : Kind::kOther, text);
 }
 
 void KillProcess() noexcept

@@ -42,6 +42,10 @@ void DrawLine(wxGraphicsContext& context, const wxFont& font, const wxColour& co
               const wxString& text, const wxPoint& at);
 /// @}
 
+/// True for a text so short that it fits into one line of `width` pixels whatever its letters are:
+/// long lists are measured without asking the system about each of their texts.
+bool FitsSurely(const wxFont& font, kivcore::UStringView text, int width);
+
 /// The lines of `text` when it is broken at `width` pixels, at words where possible.
 std::vector<kivcore::UString> WrapText(const wxFont& font, kivcore::UStringView text, int width);
 

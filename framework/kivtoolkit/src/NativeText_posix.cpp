@@ -97,17 +97,6 @@ LayoutHandle NewLayout(const wxFont& font, const std::string& text, int width)
     return layout;
 }
 
-// True for a text so short that it fits into one line whatever its letters are: long lists are
-// measured without a layout for each of their texts.
-bool FitsSurely(const wxFont& font, kivcore::UStringView text, int width)
-{
-    constexpr double kWidestLetter = 1.5;  // font sizes
-    const double size = font.GetFractionalPointSize() * PixelsPerPoint();
-    return static_cast<double>(text.size()) * size * kWidestLetter <= width &&
-           std::all_of(text.begin(), text.end(),
-                       [](char16_t unit) { return unit >= u' ' && unit < 0x300; });
-}
-
 GtkWidget* TextWidget(const wxTextCtrl& text)
 {
     GtkWidget* widget = text.GetHandle();

@@ -119,17 +119,6 @@ std::wstring WithSystemLineEnds(kivcore::UStringView text)
     return result;
 }
 
-// True for a text so short that it fits into one line whatever its letters are: long lists are
-// measured without a control for each of their texts.
-bool FitsSurely(const wxFont& font, kivcore::UStringView text, int width)
-{
-    constexpr double kWidestLetter = 1.5;  // font sizes
-    const double size = font.GetFractionalPointSize() * PixelsPerPoint();
-    return static_cast<double>(text.size()) * size * kWidestLetter <= width &&
-           std::all_of(text.begin(), text.end(),
-                       [](char16_t unit) { return unit >= u' ' && unit < 0x300; });
-}
-
 // Ideographs and kana may stand at the beginning of a line, closing signs may not.
 bool BreaksBefore(char16_t unit)
 {
