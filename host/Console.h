@@ -17,7 +17,7 @@ public:
     ~Console();
 
 private:
-    unsigned codePageBefore_ = 0;  // 0: nothing to put back
+    [[maybe_unused]] unsigned codePageBefore_ = 0;  // on Windows; 0: nothing to put back
 };
 
 /// The arguments behind the program's name, UTF-8. Takes those that main() was given; a system
