@@ -22,7 +22,7 @@ LAYERS = {
     "localizer": ("dictionary", "kivcore"),
     "svgloom/src": ("kivcore", "svgloom/renderer/Records.h", "svgloom/renderer/SVGRenderer.h",
                     "svgloom/renderer/SharedVector.h"),
-    "svgloom/renderer": ("kivcore",),
+    "svgloom/renderer": ("kivcore",),  # and kivui's drawing layer, see HEADERS
     "api": ("include", "localizer", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui"),
     "framework/kivcore": (),
     "framework/kivui": ("kivcore",),
@@ -45,10 +45,12 @@ LAYERS = {
     "tests": ("include", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui"),
 }
 
-# Single headers beyond the layer: a host drives the dialog and asks why something failed.
+# Single headers beyond the layer: a host drives the dialog and asks why something failed; the SVG
+# renderer draws on the 2-D layer and knows nothing else of the user interface.
 HEADERS = {
     "host": ("kivxmp/kivxmp.h", "kivxmp/kivxmp_file.h", "kivcore/LastFailure.h",
              "kivmetadataui/DialogDriver.h"),
+    "svgloom/renderer": ("kivui/Scrivel.h", "kivui/ScrivelTargets.h"),
 }
 
 # Headers of other projects: where they may stand.
@@ -58,6 +60,7 @@ FOREIGN = {
     r"X11/.+": ("framework/kivtoolkit", "*tests"),
     r"boost/(function\.hpp|smart_ptr/intrusive_ptr\.hpp|shared_ptr\.hpp)": ("framework", "api"),
     r"boost/property_tree/detail/rapidxml\.hpp": ("svgloom/src",),
+    r"agg2/.+": ("framework/kivui/src/scrivel",),
     r"(gtest|gmock)/.+": ("*tests",),
     r"benchmark/.+|unicode/.+|libintl\.h": ("bench",),
     r"gettext-po\.h": ("tools/pemtext",),
