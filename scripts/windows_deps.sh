@@ -18,15 +18,22 @@ readonly list="$top/build/windows-libraries.cmake"
 readonly compiler=x86_64-w64-mingw32-g++-posix
 
 # shellcheck disable=SC2086
-need_packages cmake ninja-build libboost-dev $packages_windows
+need_packages cmake ninja-build libagg-dev libboost-dev $packages_windows
 
 # --- recipes ---------------------------------------------------------------------------------------
 # build_NAME gets the folders $source (the unpacked source package), $work (its own, thrown away) and
 # $prefix (what is kept). With package_NAME, version_NAME is the version of that source package.
 
-readonly libraries="boost expat googletest wxwidgets"
+readonly libraries="agg boost expat googletest wxwidgets"
 
-# The compiler must not see all of /usr/include: a folder with a link to nothing but these headers.
+# The compiler must not see all of /usr/include: folders with a link to nothing but these headers.
+version_agg="$(dpkg-query -W -f '${Version}' libagg-dev)"
+time_agg="no time"
+build_agg() {
+    mkdir -p "$prefix/include"
+    ln -s /usr/include/agg2 "$prefix/include/agg2"
+}
+
 version_boost="$(dpkg-query -W -f '${Version}' libboost-dev)"
 time_boost="no time"
 build_boost() {
