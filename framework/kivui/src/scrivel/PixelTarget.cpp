@@ -70,6 +70,8 @@ class SolidPaint {
 public:
     explicit SolidPaint(const Color& color) : pixel_(ToPixel(color)) {}
 
+    static constexpr bool kIsSolid = true;
+
     void Row(int) {}
     std::uint32_t At(int) const { return pixel_; }
 
@@ -97,6 +99,8 @@ public:
         origin_ = ((corner.x - start.x) * dx + (corner.y - start.y) * dy) / square;
     }
 
+    static constexpr bool kIsSolid = false;
+
     void Row(int y) { row_ = origin_ + perY_ * y; }
     std::uint32_t At(int x) { return ramp_.At(row_ + perX_ * x); }
 
@@ -121,6 +125,8 @@ public:
         const double dy = edge.y - center_.y;
         radius_ = std::sqrt(dx * dx + dy * dy);
     }
+
+    static constexpr bool kIsSolid = false;
 
     void Row(int y) { y_ = y + 0.5; }
     std::uint32_t At(int x)
@@ -250,6 +256,19 @@ void PixelSurface::Paint(bool nonZero, PaintType& paint)
         std::uint32_t* pixel = buffer_.pixels + buffer_.stride * y + x;
         const std::uint8_t* mine = mask != nullptr ? mask->At(x, y) : nullptr;
         const auto all = static_cast<std::uint32_t>(level);
+        if constexpr (PaintType::kIsSolid) {
+            if (mine == nullptr) {
+                const std::uint32_t color = ScalePixel(paint.At(x), all);
+                if (color >> 24 == 255) {
+                    std::fill(pixel, pixel + length, color);
+                    return;
+                }
+                for (int i = 0; i < length; ++i) {
+                    pixel[i] = Over(color, pixel[i]);
+                }
+                return;
+            }
+        }
         paint.Row(y);
         for (int i = 0; i < length; ++i) {
             const std::uint32_t own = mine != nullptr ? MultiplyBytes(all, mine[i]) : all;
