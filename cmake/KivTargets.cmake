@@ -7,6 +7,12 @@ if(WIN32 AND CMAKE_CROSSCOMPILING)
     set(KIV_DRIVE "Z:")
 endif()
 
+# In front of a script that runs programs for Windows many times: all in one installation, kept up.
+set(KIV_TOGETHER "")
+if(CMAKE_CROSSCOMPILING_EMULATOR)
+    set(KIV_TOGETHER ${CMAKE_CROSSCOMPILING_EMULATOR} --together)
+endif()
+
 # kiv_add_framework_library(NAME DESCRIPTION text SOURCES... [PUBLIC libs...] [PRIVATE libs...])
 # A shared library of the open host framework: public headers under include/NAME, sources under src.
 function(kiv_add_framework_library name)

@@ -2,13 +2,13 @@
 # Runs a Windows program under Wine. The exit status is the program's.
 #
 # usage: scripts/wine.sh PROGRAM [ARGUMENT...]
-#        scripts/wine.sh --session COMMAND [ARGUMENT...]   many runs in one Windows of their own
+#        scripts/wine.sh --together COMMAND [ARGUMENT...]  many runs in one Windows of their own
 #        scripts/wine.sh --end                             ends what still runs of ours
 #
 # Each run finds a Windows installation (a "prefix") in the user's cache folder, made at the first
 # use. Programs without a display share one. With a display each run takes one that no other uses:
-# windows of one installation share the focus, and they live on one display. A session keeps its
-# own for several programs, also at the same time. Where WINEPREFIX is set, that one is used.
+# windows of one installation share the focus, and they live on one display. With --together all
+# programs that COMMAND starts share one, also at the same time. Where WINEPREFIX is set, that one is used.
 #
 # Nothing is written into the home folder, and no dialog of Wine's own comes up. Linux paths can be
 # given as they are, or behind "Z:".
@@ -148,7 +148,7 @@ start_prefix() {
     "$wine" rundll32.exe user32.dll,GetDesktopWindow < /dev/null > /dev/null 2>&1 9>&- || true
 }
 
-# A program that does nothing keeps the installation up, so that the runs of a session start at once.
+# A program that does nothing keeps the installation up, so that each of many runs starts at once.
 keep_prefix_up() {
     local pipe
     pipe="$(mktemp -u "$root/pipe.XXXXXX")"
@@ -159,8 +159,8 @@ keep_prefix_up() {
     exec 7>&-
 }
 
-# run_session COMMAND...
-run_session() {
+# run_together COMMAND...
+run_together() {
     start_prefix
     keep_prefix_up
     run "$@"
@@ -194,14 +194,14 @@ case "${1-}" in
         done
         exit 0
         ;;
-    --session)
+    --together)
         shift
         if [ -n "${WINEPREFIX-}" ]; then
             exec "$@"
         fi
         make_base
         status=0
-        run_alone run_session "$@" || status=$?
+        run_alone run_together "$@" || status=$?
         exit "$status"
         ;;
 esac

@@ -23,8 +23,6 @@
 namespace kivtests {
 namespace {
 
-constexpr std::size_t kAllowedGrowthBytes = 256 * 1024;
-
 // Around all tests of the program.
 class WholeProcess : public ::testing::Environment {
 public:

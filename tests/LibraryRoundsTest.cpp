@@ -9,6 +9,7 @@
 
 #include "tests/ProcessCounts.h"
 #include "tests/SharedLibrary.h"
+#include "tests/StartRecord.h"
 
 #ifndef KIV_LIBRARY_PATH
 #error "the build names the library"
@@ -17,17 +18,9 @@
 namespace kivtests {
 namespace {
 
-constexpr std::size_t kAllowedGrowthBytes = 256 * 1024;
-
 MetadataAPIInitParams Params(const char* name, const char* language, float scale)
 {
-    MetadataAPIInitParams params = {};
-    params.clientName = name;
-    params.clientVersion = "1";
-    params.clientInternalVersion = "1.0";
-    params.clientBuildNumber = "1";
-    params.language = language;
-    params.uiScaleFactor = scale;
+    MetadataAPIInitParams params = StartRecord(name, language, scale);
     params.loadCustomDefinitions = 1;
     return params;
 }

@@ -12,6 +12,8 @@ std::size_t OpenHandles();
 
 /// Bytes in use on the heap.
 std::size_t HeapInUse();
+/// By so much it may grow in the second half of many rounds.
+inline constexpr std::size_t kAllowedGrowthBytes = std::size_t{256} * 1024;
 
 /// True if a shared library is loaded whose file name, behind the system's prefix, begins with
 /// `name` (ASCII).

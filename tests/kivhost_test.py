@@ -3,7 +3,7 @@
 
 usage: kivhost_test.py BIN_DIR      under a display (tests/with_display.sh)
 
-A kivhost for Windows is run under Wine, all runs in one session of scripts/wine.sh.
+A kivhost for Windows is run under Wine, all runs behind one scripts/wine.sh --together.
 """
 
 import json

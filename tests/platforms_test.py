@@ -2,7 +2,7 @@
 """The builds for Linux and for Windows give the same results, byte for byte, apart from paths.
 
 usage: platforms_test.py LINUX_BIN_DIR WINDOWS_BIN_DIR
-       under a display, in one session of scripts/wine.sh
+       under a display, behind scripts/wine.sh --together
 """
 
 import os

@@ -1,8 +1,5 @@
-#include "dictionary/Dictionary.h"
 #include "tools/pemtext/Commands.h"
-#include "tools/pemtext/EntryList.h"
-#include "tools/pemtext/Files.h"
-#include "tools/pemtext/TextForm.h"
+#include "tools/pemtext/TextOutput.h"
 
 #include <charconv>
 #include <string>
@@ -92,20 +89,12 @@ std::size_t ReadPercent(std::string text)
 int RunPseudo(const Arguments& arguments)
 {
     const std::string output = arguments.Required("-o");
-    const std::string& file = arguments.Files().front();
     const Style style = {arguments.Has("--accented"), arguments.Has("--bidi"),
                          ReadPercent(arguments.Value("--longer").value_or("0"))};
     if (!style.accented && !style.bidi && style.longerPercent == 0)
         throw UsageError("one of --accented, --bidi and --longer is missing");
-    morvish::Dictionary dictionary;
-    LoadCleanly(dictionary, file);
-    const EntryList entries(dictionary);
-    if (!entries.Bare().empty())
-        throw Failure(file + ": an image without keys cannot be written as text");
-    WriteOutput(output, [&](std::ostream& out) {
-        for (const EntryList::Entry& entry : entries.Keyed())
-            out << TextLine(entry.key, Pseudo(entry.value, style));
-    });
+    WriteAsText(arguments.Files().front(), output,
+                [&style](std::u16string_view value) { return Pseudo(value, style); });
     return kDone;
 }
 

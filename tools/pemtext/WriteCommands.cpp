@@ -1,7 +1,6 @@
 #include "tools/pemtext/Commands.h"
-#include "tools/pemtext/EntryList.h"
 #include "tools/pemtext/Files.h"
-#include "tools/pemtext/TextForm.h"
+#include "tools/pemtext/TextOutput.h"
 
 #include <string>
 #include <string_view>
@@ -50,16 +49,8 @@ int RunExport(const Arguments& arguments)
 int RunText(const Arguments& arguments)
 {
     const std::string output = arguments.Required("-o");
-    const std::string& file = arguments.Files().front();
-    morvish::Dictionary dictionary;
-    LoadCleanly(dictionary, file);
-    const EntryList entries(dictionary);
-    if (!entries.Bare().empty())
-        throw Failure(file + ": an image without keys cannot be written as text");
-    WriteOutput(output, [&](std::ostream& out) {
-        for (const EntryList::Entry& entry : entries.Keyed())
-            out << TextLine(entry.key, entry.value);
-    });
+    WriteAsText(arguments.Files().front(), output,
+                [](std::u16string_view value) { return std::u16string(value); });
     return kDone;
 }
 

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -19,13 +20,21 @@ int SystemErrorByErrno(int error) noexcept;
 /// What we know of one of the system's errors.
 struct SystemErrorRow {
     int number;
-    std::string_view name;  ///< as the system's headers call it, on Windows behind "ERROR_"
+    std::string_view name;  ///< as the system's headers call it
     FileError::Kind kind;
     std::string_view text;
 };
 
-/// Null for an error that we have no words for.
-const SystemErrorRow* FindSystemError(int number) noexcept;
+/// Another name by which a fault may be asked for: of an errno, where errors are no errnos.
+struct SystemErrorAlias {
+    int posix;
+    std::string_view name;
+    int number;
+};
+
+/// The tables of this system.
+std::span<const SystemErrorRow> SystemErrorRows() noexcept;
+std::span<const SystemErrorAlias> SystemErrorAliases() noexcept;
 
 /// "PATH: WHAT", UTF-8.
 std::string ErrorText(const UString& path, std::string_view what);

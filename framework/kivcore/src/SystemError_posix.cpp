@@ -1,7 +1,6 @@
 #include "framework/kivcore/src/SystemError.h"
 
 #include <cerrno>
-#include <charconv>
 #include <csignal>
 
 #include <unistd.h>
@@ -47,31 +46,14 @@ constexpr SystemErrorRow kErrorRows[] = {
 
 }  // namespace
 
-const SystemErrorRow* FindSystemError(int number) noexcept
+std::span<const SystemErrorRow> SystemErrorRows() noexcept
 {
-    for (const SystemErrorRow& row : kErrorRows) {
-        if (row.number == number) {
-            return &row;
-        }
-    }
-    return nullptr;
+    return kErrorRows;
 }
 
-int SystemErrorByName(std::string_view name) noexcept
+std::span<const SystemErrorAlias> SystemErrorAliases() noexcept
 {
-    for (const SystemErrorRow& row : kErrorRows) {
-        if (row.name == name) {
-            return row.number;
-        }
-    }
-    int number = 0;
-    std::from_chars(name.data(), name.data() + name.size(), number);
-    return number > 0 ? number : 0;
-}
-
-int SystemErrorByErrno(int error) noexcept
-{
-    return error;
+    return {};
 }
 
 void KillProcess() noexcept

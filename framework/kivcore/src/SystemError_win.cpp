@@ -1,7 +1,6 @@
 #include "framework/kivcore/src/SystemError.h"
 
 #include <cerrno>
-#include <charconv>
 
 #include <windows.h>
 
@@ -15,72 +14,72 @@ using Kind = FileError::Kind;
 
 // The texts of the other systems where the meaning is the same.
 constexpr SystemErrorRow kErrorRows[] = {
-    {ERROR_FILE_NOT_FOUND, "FILE_NOT_FOUND", Kind::kNotFound, "no such file or folder"},
-    {ERROR_PATH_NOT_FOUND, "PATH_NOT_FOUND", Kind::kNotFound, "no such file or folder"},
-    {ERROR_TOO_MANY_OPEN_FILES, "TOO_MANY_OPEN_FILES", Kind::kOther, "too many open files"},
-    {ERROR_ACCESS_DENIED, "ACCESS_DENIED", Kind::kRefused, "permission denied"},
-    {ERROR_INVALID_HANDLE, "INVALID_HANDLE", Kind::kOther, "the file is not open"},
-    {ERROR_NOT_ENOUGH_MEMORY, "NOT_ENOUGH_MEMORY", Kind::kOther, "out of memory"},
-    {ERROR_OUTOFMEMORY, "OUTOFMEMORY", Kind::kOther, "out of memory"},
-    {ERROR_INVALID_DRIVE, "INVALID_DRIVE", Kind::kNotFound, "no such drive"},
-    {ERROR_NOT_SAME_DEVICE, "NOT_SAME_DEVICE", Kind::kOther, "on another file system"},
-    {ERROR_WRITE_PROTECT, "WRITE_PROTECT", Kind::kRefused, "the file system is read-only"},
-    {ERROR_NOT_READY, "NOT_READY", Kind::kOther, "the drive is not ready"},
-    {ERROR_CRC, "CRC", Kind::kOther, "the disk reports an error"},
-    {ERROR_SEEK, "SEEK", Kind::kOther, "the disk reports an error"},
-    {ERROR_SECTOR_NOT_FOUND, "SECTOR_NOT_FOUND", Kind::kOther, "the disk reports an error"},
-    {ERROR_WRITE_FAULT, "WRITE_FAULT", Kind::kOther, "the disk reports an error"},
-    {ERROR_READ_FAULT, "READ_FAULT", Kind::kOther, "the disk reports an error"},
-    {ERROR_IO_DEVICE, "IO_DEVICE", Kind::kOther, "the disk reports an error"},
-    {ERROR_DISK_CORRUPT, "DISK_CORRUPT", Kind::kOther, "the disk reports an error"},
-    {ERROR_FILE_CORRUPT, "FILE_CORRUPT", Kind::kOther, "the disk reports an error"},
-    {ERROR_SHARING_VIOLATION, "SHARING_VIOLATION", Kind::kOther, "in use by another program"},
-    {ERROR_LOCK_VIOLATION, "LOCK_VIOLATION", Kind::kOther, "in use by another program"},
-    {ERROR_BUSY, "BUSY", Kind::kOther, "in use by another program"},
-    {ERROR_USER_MAPPED_FILE, "USER_MAPPED_FILE", Kind::kOther, "in use by another program"},
-    {ERROR_DELETE_PENDING, "DELETE_PENDING", Kind::kOther, "it is being removed"},
-    {ERROR_HANDLE_DISK_FULL, "HANDLE_DISK_FULL", Kind::kNoSpace, "no space left on the disk"},
-    {ERROR_DISK_FULL, "DISK_FULL", Kind::kNoSpace, "no space left on the disk"},
-    {kErrorDiskQuotaExceeded, "DISK_QUOTA_EXCEEDED", Kind::kNoSpace, "the disk quota is used up"},
-    {ERROR_NOT_ENOUGH_QUOTA, "NOT_ENOUGH_QUOTA", Kind::kNoSpace, "the disk quota is used up"},
-    {ERROR_NOT_SUPPORTED, "NOT_SUPPORTED", Kind::kOther, "the file system does not support it"},
-    {ERROR_INVALID_FUNCTION, "INVALID_FUNCTION", Kind::kOther,
+    {ERROR_FILE_NOT_FOUND, "ERROR_FILE_NOT_FOUND", Kind::kNotFound, "no such file or folder"},
+    {ERROR_PATH_NOT_FOUND, "ERROR_PATH_NOT_FOUND", Kind::kNotFound, "no such file or folder"},
+    {ERROR_TOO_MANY_OPEN_FILES, "ERROR_TOO_MANY_OPEN_FILES", Kind::kOther, "too many open files"},
+    {ERROR_ACCESS_DENIED, "ERROR_ACCESS_DENIED", Kind::kRefused, "permission denied"},
+    {ERROR_INVALID_HANDLE, "ERROR_INVALID_HANDLE", Kind::kOther, "the file is not open"},
+    {ERROR_NOT_ENOUGH_MEMORY, "ERROR_NOT_ENOUGH_MEMORY", Kind::kOther, "out of memory"},
+    {ERROR_OUTOFMEMORY, "ERROR_OUTOFMEMORY", Kind::kOther, "out of memory"},
+    {ERROR_INVALID_DRIVE, "ERROR_INVALID_DRIVE", Kind::kNotFound, "no such drive"},
+    {ERROR_NOT_SAME_DEVICE, "ERROR_NOT_SAME_DEVICE", Kind::kOther, "on another file system"},
+    {ERROR_WRITE_PROTECT, "ERROR_WRITE_PROTECT", Kind::kRefused, "the file system is read-only"},
+    {ERROR_NOT_READY, "ERROR_NOT_READY", Kind::kOther, "the drive is not ready"},
+    {ERROR_CRC, "ERROR_CRC", Kind::kOther, "the disk reports an error"},
+    {ERROR_SEEK, "ERROR_SEEK", Kind::kOther, "the disk reports an error"},
+    {ERROR_SECTOR_NOT_FOUND, "ERROR_SECTOR_NOT_FOUND", Kind::kOther, "the disk reports an error"},
+    {ERROR_WRITE_FAULT, "ERROR_WRITE_FAULT", Kind::kOther, "the disk reports an error"},
+    {ERROR_READ_FAULT, "ERROR_READ_FAULT", Kind::kOther, "the disk reports an error"},
+    {ERROR_IO_DEVICE, "ERROR_IO_DEVICE", Kind::kOther, "the disk reports an error"},
+    {ERROR_DISK_CORRUPT, "ERROR_DISK_CORRUPT", Kind::kOther, "the disk reports an error"},
+    {ERROR_FILE_CORRUPT, "ERROR_FILE_CORRUPT", Kind::kOther, "the disk reports an error"},
+    {ERROR_SHARING_VIOLATION, "ERROR_SHARING_VIOLATION", Kind::kOther, "in use by another program"},
+    {ERROR_LOCK_VIOLATION, "ERROR_LOCK_VIOLATION", Kind::kOther, "in use by another program"},
+    {ERROR_BUSY, "ERROR_BUSY", Kind::kOther, "in use by another program"},
+    {ERROR_USER_MAPPED_FILE, "ERROR_USER_MAPPED_FILE", Kind::kOther, "in use by another program"},
+    {ERROR_DELETE_PENDING, "ERROR_DELETE_PENDING", Kind::kOther, "it is being removed"},
+    {ERROR_HANDLE_DISK_FULL, "ERROR_HANDLE_DISK_FULL", Kind::kNoSpace, "no space left on the disk"},
+    {ERROR_DISK_FULL, "ERROR_DISK_FULL", Kind::kNoSpace, "no space left on the disk"},
+    {kErrorDiskQuotaExceeded, "ERROR_DISK_QUOTA_EXCEEDED", Kind::kNoSpace,
+     "the disk quota is used up"},
+    {ERROR_NOT_ENOUGH_QUOTA, "ERROR_NOT_ENOUGH_QUOTA", Kind::kNoSpace, "the disk quota is used up"},
+    {ERROR_NOT_SUPPORTED, "ERROR_NOT_SUPPORTED", Kind::kOther,
      "the file system does not support it"},
-    {ERROR_INVALID_PARAMETER, "INVALID_PARAMETER", Kind::kOther,
+    {ERROR_INVALID_FUNCTION, "ERROR_INVALID_FUNCTION", Kind::kOther,
+     "the file system does not support it"},
+    {ERROR_INVALID_PARAMETER, "ERROR_INVALID_PARAMETER", Kind::kOther,
      "the file system does not allow it"},
-    {ERROR_BAD_NETPATH, "BAD_NETPATH", Kind::kNotFound, "no such server"},
-    {ERROR_BAD_NET_NAME, "BAD_NET_NAME", Kind::kNotFound, "no such folder on the server"},
-    {ERROR_NETNAME_DELETED, "NETNAME_DELETED", Kind::kOther, "the server does not answer"},
-    {ERROR_SEM_TIMEOUT, "SEM_TIMEOUT", Kind::kOther, "the server does not answer"},
-    {ERROR_NETWORK_UNREACHABLE, "NETWORK_UNREACHABLE", Kind::kOther, "the server does not answer"},
-    {ERROR_FILE_EXISTS, "FILE_EXISTS", Kind::kOther, "a file of that name exists"},
-    {ERROR_ALREADY_EXISTS, "ALREADY_EXISTS", Kind::kOther, "a file of that name exists"},
-    {ERROR_INVALID_NAME, "INVALID_NAME", Kind::kNotFound, "no file can have that name"},
-    {ERROR_BAD_PATHNAME, "BAD_PATHNAME", Kind::kNotFound, "no file can have that name"},
-    {ERROR_FILENAME_EXCED_RANGE, "FILENAME_EXCED_RANGE", Kind::kOther, "the name is too long"},
-    {ERROR_BUFFER_OVERFLOW, "BUFFER_OVERFLOW", Kind::kOther, "the name is too long"},
-    {ERROR_FILE_TOO_LARGE, "FILE_TOO_LARGE", Kind::kTooLarge, "the file would be too large"},
-    {ERROR_DIRECTORY, "DIRECTORY", Kind::kNotFound, "a part of the path is not a folder"},
-    {kErrorDirectoryNotSupported, "DIRECTORY_NOT_SUPPORTED", Kind::kRefused, "it is a folder"},
-    {ERROR_CANT_RESOLVE_FILENAME, "CANT_RESOLVE_FILENAME", Kind::kOther, "too many symbolic links"},
-    {ERROR_PRIVILEGE_NOT_HELD, "PRIVILEGE_NOT_HELD", Kind::kRefused, "not permitted"},
-    {kErrorVirusInfected, "VIRUS_INFECTED", Kind::kRefused, "the virus scanner refuses it"},
-    {ERROR_UNABLE_TO_REMOVE_REPLACED, "UNABLE_TO_REMOVE_REPLACED", Kind::kOther,
+    {ERROR_BAD_NETPATH, "ERROR_BAD_NETPATH", Kind::kNotFound, "no such server"},
+    {ERROR_BAD_NET_NAME, "ERROR_BAD_NET_NAME", Kind::kNotFound, "no such folder on the server"},
+    {ERROR_NETNAME_DELETED, "ERROR_NETNAME_DELETED", Kind::kOther, "the server does not answer"},
+    {ERROR_SEM_TIMEOUT, "ERROR_SEM_TIMEOUT", Kind::kOther, "the server does not answer"},
+    {ERROR_NETWORK_UNREACHABLE, "ERROR_NETWORK_UNREACHABLE", Kind::kOther,
+     "the server does not answer"},
+    {ERROR_FILE_EXISTS, "ERROR_FILE_EXISTS", Kind::kOther, "a file of that name exists"},
+    {ERROR_ALREADY_EXISTS, "ERROR_ALREADY_EXISTS", Kind::kOther, "a file of that name exists"},
+    {ERROR_INVALID_NAME, "ERROR_INVALID_NAME", Kind::kNotFound, "no file can have that name"},
+    {ERROR_BAD_PATHNAME, "ERROR_BAD_PATHNAME", Kind::kNotFound, "no file can have that name"},
+    {ERROR_FILENAME_EXCED_RANGE, "ERROR_FILENAME_EXCED_RANGE", Kind::kOther,
+     "the name is too long"},
+    {ERROR_BUFFER_OVERFLOW, "ERROR_BUFFER_OVERFLOW", Kind::kOther, "the name is too long"},
+    {ERROR_FILE_TOO_LARGE, "ERROR_FILE_TOO_LARGE", Kind::kTooLarge, "the file would be too large"},
+    {ERROR_DIRECTORY, "ERROR_DIRECTORY", Kind::kNotFound, "a part of the path is not a folder"},
+    {kErrorDirectoryNotSupported, "ERROR_DIRECTORY_NOT_SUPPORTED", Kind::kRefused,
+     "it is a folder"},
+    {ERROR_CANT_RESOLVE_FILENAME, "ERROR_CANT_RESOLVE_FILENAME", Kind::kOther,
+     "too many symbolic links"},
+    {ERROR_PRIVILEGE_NOT_HELD, "ERROR_PRIVILEGE_NOT_HELD", Kind::kRefused, "not permitted"},
+    {kErrorVirusInfected, "ERROR_VIRUS_INFECTED", Kind::kRefused, "the virus scanner refuses it"},
+    {ERROR_UNABLE_TO_REMOVE_REPLACED, "ERROR_UNABLE_TO_REMOVE_REPLACED", Kind::kOther,
      "the old one cannot be put aside"},
-    {ERROR_UNABLE_TO_MOVE_REPLACEMENT, "UNABLE_TO_MOVE_REPLACEMENT", Kind::kOther,
+    {ERROR_UNABLE_TO_MOVE_REPLACEMENT, "ERROR_UNABLE_TO_MOVE_REPLACEMENT", Kind::kOther,
      "the system does not move it"},
-    {ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, "UNABLE_TO_MOVE_REPLACEMENT_2", Kind::kOther,
+    {ERROR_UNABLE_TO_MOVE_REPLACEMENT_2, "ERROR_UNABLE_TO_MOVE_REPLACEMENT_2", Kind::kOther,
      "the system put the old one aside and does not move the new one"},
 };
 
-struct PosixRow {
-    int posix;
-    std::string_view name;
-    int number;
-};
-
 // The errors by which tests of all systems ask for a fault.
-constexpr PosixRow kPosixRows[] = {
+constexpr SystemErrorAlias kAliases[] = {
     {EACCES, "EACCES", ERROR_ACCESS_DENIED},
     {EBADF, "EBADF", ERROR_INVALID_HANDLE},
     {EBUSY, "EBUSY", ERROR_SHARING_VIOLATION},
@@ -102,48 +101,16 @@ constexpr PosixRow kPosixRows[] = {
     {EXDEV, "EXDEV", ERROR_NOT_SAME_DEVICE},
 };
 
-constexpr std::string_view kNamePrefix = "ERROR_";
-
 }  // namespace
 
-const SystemErrorRow* FindSystemError(int number) noexcept
+std::span<const SystemErrorRow> SystemErrorRows() noexcept
 {
-    for (const SystemErrorRow& row : kErrorRows) {
-        if (row.number == number) {
-            return &row;
-        }
-    }
-    return nullptr;
+    return kErrorRows;
 }
 
-int SystemErrorByName(std::string_view name) noexcept
+std::span<const SystemErrorAlias> SystemErrorAliases() noexcept
 {
-    for (const PosixRow& row : kPosixRows) {
-        if (row.name == name) {
-            return row.number;
-        }
-    }
-    if (name.starts_with(kNamePrefix)) {
-        name.remove_prefix(kNamePrefix.size());
-        for (const SystemErrorRow& row : kErrorRows) {
-            if (row.name == name) {
-                return row.number;
-            }
-        }
-    }
-    int number = 0;
-    std::from_chars(name.data(), name.data() + name.size(), number);
-    return number > 0 ? number : 0;
-}
-
-int SystemErrorByErrno(int error) noexcept
-{
-    for (const PosixRow& row : kPosixRows) {
-        if (row.posix == error) {
-            return row.number;
-        }
-    }
-    return error;
+    return kAliases;
 }
 
 void KillProcess() noexcept

@@ -1,7 +1,5 @@
 // Replacement against the system: links, permissions, owners, attributes, locks, kills and rights.
 
-#include <kivcore/FileReplacement.h>
-
 #include <cerrno>
 #include <cstring>
 #include <fstream>
@@ -17,81 +15,49 @@
 #include <gmock/gmock.h>
 
 #include "framework/kivcore/tests/ChildProcess_posix.h"
-#include "framework/kivcore/tests/TestFolder.h"
+#include "framework/kivcore/tests/FileReplacementFixture.h"
 
 namespace kivcore::filesupport {
 namespace {
 
 using kivcore::testing::ChildOutcome;
-using kivcore::testing::RunInChild;
 using kivcore::testing::RunProgram;
 using kivcore::testing::RunUnprivileged;
-using kivcore::testing::TestFolder;
 using kivcore::testing::TextOf;
 using ::testing::ElementsAre;
 
 constexpr std::size_t kMiB = std::size_t{1024} * 1024;
 constexpr uid_t kNobody = 65534;
 
-std::function<void(OutputFile&)> Writes(const std::string& content)
+/// How the file at `path` itself stands, a link not followed.
+struct stat StatusOf(const std::filesystem::path& path)
 {
-    return [content](OutputFile& out) { out.Write(content.data(), content.size()); };
+    struct stat status {};
+    EXPECT_EQ(lstat(path.c_str(), &status), 0) << path;
+    return status;
 }
 
-class FileReplacementSystemTest : public ::testing::Test {
-protected:
-    FileReplacementSystemTest()
-    {
-        chmod(folder_.Folder().c_str(), 0755);
-        folder_.Write("photo.jpg", "old");
-    }
-    ~FileReplacementSystemTest() override { SetFileFault(FileStep::kOpen, 0, 0); }
+unsigned ModeOf(const std::filesystem::path& path)
+{
+    return StatusOf(path).st_mode & 07777U;
+}
 
-    struct stat StatusOf(const std::string& name) const
-    {
-        struct stat status {};
-        EXPECT_EQ(lstat(folder_.Of(name).c_str(), &status), 0) << name;
-        return status;
-    }
-    unsigned ModeOf(const std::string& name) const { return StatusOf(name).st_mode & 07777U; }
-
-    void Replace(const std::string& name, const std::string& content) const
-    {
-        ReplaceWholeFile(folder_.Path(name), Writes(content), {});
-    }
-
-    /// A writer that is killed with its new file beside photo.jpg; returns that file's name.
-    std::string LeaveSomethingBehind() const
-    {
-        const ChildOutcome outcome = RunInChild([this](int) {
-            SetFileFault(FileStep::kFlush, kKillProcess, 1);
-            Replace("photo.jpg", "half");
-            return 0;
-        });
-        EXPECT_TRUE(outcome.WasKilled());
-        const std::vector<std::string> names = folder_.Names();
-        EXPECT_EQ(names.size(), 2U);
-        return names.front();
-    }
-
-    /// What replacing photo.jpg without rights ends in, where `probe` is refused too.
-    std::string ReplaceUnprivileged(const std::function<bool()>& probe) const
-    {
-        return RunUnprivileged([&]() -> std::string {
-            if (probe()) {
-                return "the system does not refuse";
-            }
-            try {
-                Replace("photo.jpg", "new");
-            } catch (const FileError& error) {
-                return error.GetKind() == FileError::Kind::kRefused ? error.what() : "wrong kind";
-            }
-            return "replaced";
-        });
-    }
-
-    TestFolder folder_;
-};
+/// What `replace` ends in without rights, where `probe` is refused too.
+std::string ReplaceUnprivileged(const std::function<bool()>& probe,
+                                const std::function<void()>& replace)
+{
+    return RunUnprivileged([&]() -> std::string {
+        if (probe()) {
+            return "the system does not refuse";
+        }
+        try {
+            replace();
+        } catch (const FileError& error) {
+            return error.GetKind() == FileError::Kind::kRefused ? error.what() : "wrong kind";
+        }
+        return "replaced";
+    });
+}
 
 TEST_F(FileReplacementSystemTest, FollowsSymbolicLinks)
 {
@@ -101,8 +67,8 @@ TEST_F(FileReplacementSystemTest, FollowsSymbolicLinks)
     std::filesystem::create_symlink(folder_.Of("near.jpg"), folder_.Of("far.jpg"));
     Replace("far.jpg", "new");
     EXPECT_EQ(folder_.Read("real/target.jpg"), "new");
-    EXPECT_TRUE(S_ISLNK(StatusOf("near.jpg").st_mode));
-    EXPECT_TRUE(S_ISLNK(StatusOf("far.jpg").st_mode));
+    EXPECT_TRUE(S_ISLNK(StatusOf(folder_.Of("near.jpg")).st_mode));
+    EXPECT_TRUE(S_ISLNK(StatusOf(folder_.Of("far.jpg")).st_mode));
 }
 
 TEST_F(FileReplacementSystemTest, FollowsALinkBesideALinkedFolder)
@@ -122,7 +88,7 @@ TEST_F(FileReplacementSystemTest, MakesWhatALinkLeadsTo)
     std::filesystem::create_symlink("missing.jpg", folder_.Of("link.jpg"));
     Replace("link.jpg", "new");
     EXPECT_EQ(folder_.Read("missing.jpg"), "new");
-    EXPECT_TRUE(S_ISLNK(StatusOf("link.jpg").st_mode));
+    EXPECT_TRUE(S_ISLNK(StatusOf(folder_.Of("link.jpg")).st_mode));
 }
 
 TEST_F(FileReplacementSystemTest, LinksInACircleAreRefused)
@@ -133,27 +99,17 @@ TEST_F(FileReplacementSystemTest, LinksInACircleAreRefused)
               folder_.Of("a").string() + ": cannot be opened: too many symbolic links");
 }
 
-TEST_F(FileReplacementSystemTest, AHardLinkedFileIsReplacedByANewOne)
-{
-    std::filesystem::create_hard_link(folder_.Of("photo.jpg"), folder_.Of("other.jpg"));
-    Replace("photo.jpg", "new");
-    EXPECT_EQ(folder_.Read("photo.jpg"), "new");
-    EXPECT_EQ(folder_.Read("other.jpg"), "old");
-    EXPECT_EQ(StatusOf("photo.jpg").st_nlink, 1U);
-    EXPECT_EQ(StatusOf("other.jpg").st_nlink, 1U);
-}
-
 TEST_F(FileReplacementSystemTest, KeepsThePermissions)
 {
     const mode_t mask = umask(077);
     for (const unsigned mode : {0600U, 0644U, 0666U, 0200U, 0775U}) {
         ASSERT_EQ(chmod(folder_.Of("photo.jpg").c_str(), mode), 0);
         Replace("photo.jpg", "new");
-        EXPECT_EQ(ModeOf("photo.jpg"), mode);
+        EXPECT_EQ(ModeOf(folder_.Of("photo.jpg")), mode);
     }
     // A new file's come from the mask.
     Replace("new.jpg", "new");
-    EXPECT_EQ(ModeOf("new.jpg"), 0600U);
+    EXPECT_EQ(ModeOf(folder_.Of("new.jpg")), 0600U);
     umask(mask);
 }
 
@@ -163,7 +119,7 @@ TEST_F(FileReplacementSystemTest, NobodyElseReadsTheNewFileMeanwhile)
     ReplaceWholeFile(folder_.Path("photo.jpg"),
                      [&](OutputFile&) {
                          for (const std::string& name : folder_.Names()) {
-                             EXPECT_EQ(ModeOf(name), 0600U);
+                             EXPECT_EQ(ModeOf(folder_.Of(name)), 0600U);
                          }
                      },
                      {});
@@ -176,8 +132,8 @@ TEST_F(FileReplacementSystemTest, KeepsOwnerAndGroup)
     const gid_t group = geteuid() == 0 ? 2345 : getegid();
     ASSERT_EQ(chown(folder_.Of("photo.jpg").c_str(), owner, group), 0);
     Replace("photo.jpg", "new");
-    EXPECT_EQ(StatusOf("photo.jpg").st_uid, owner);
-    EXPECT_EQ(StatusOf("photo.jpg").st_gid, group);
+    EXPECT_EQ(StatusOf(folder_.Of("photo.jpg")).st_uid, owner);
+    EXPECT_EQ(StatusOf(folder_.Of("photo.jpg")).st_gid, group);
 }
 
 TEST_F(FileReplacementSystemTest, AGroupThatCannotBeKeptGivesNoRightsToAnother)
@@ -192,7 +148,7 @@ TEST_F(FileReplacementSystemTest, AGroupThatCannotBeKeptGivesNoRightsToAnother)
         return {};
     });
     EXPECT_EQ(folder_.Read("photo.jpg"), "new");
-    EXPECT_EQ(ModeOf("photo.jpg"), geteuid() == 0 ? 0644U : 0664U);
+    EXPECT_EQ(ModeOf(folder_.Of("photo.jpg")), geteuid() == 0 ? 0644U : 0664U);
 }
 
 std::vector<std::string> AttributesOf(const std::filesystem::path& path)
@@ -227,7 +183,7 @@ TEST_F(FileReplacementSystemTest, KeepsAccessListsAndAttributes)
     EXPECT_EQ(before.size(), std::size_t{hasLists} + std::size_t{hasAttributes});
     Replace("photo.jpg", "new");
     EXPECT_EQ(AttributesOf(path), before);
-    EXPECT_EQ(ModeOf("photo.jpg"), hasLists ? 0640U : 0644U);
+    EXPECT_EQ(ModeOf(folder_.Of("photo.jpg")), hasLists ? 0640U : 0644U);
 }
 
 TEST_F(FileReplacementSystemTest, AFoldersDefaultListDoesNotReachAnExistingFile)
@@ -242,7 +198,7 @@ TEST_F(FileReplacementSystemTest, AFoldersDefaultListDoesNotReachAnExistingFile)
         setxattr(folder_.Folder().c_str(), "system.posix_acl_default", list, sizeof list, 0) == 0;
     Replace("photo.jpg", "new");
     EXPECT_THAT(AttributesOf(folder_.Of("photo.jpg")), ElementsAre());
-    EXPECT_EQ(ModeOf("photo.jpg"), 0644U);
+    EXPECT_EQ(ModeOf(folder_.Of("photo.jpg")), 0644U);
     // A new file takes it.
     Replace("new.jpg", "new");
     EXPECT_EQ(AttributesOf(folder_.Of("new.jpg")).size(), std::size_t{hasLists});
@@ -274,47 +230,9 @@ TEST_F(FileReplacementSystemTest, DamageOnTheWayToTheDiskIsSeen)
 
 TEST_F(FileReplacementSystemTest, AKillAtAnyStepLeavesTheOldFileOrTheNewOne)
 {
-    const std::string old(600'000, 'o');
-    const std::string fresh(700'000, 'n');
-    folder_.Write("source", fresh);
-    int kills = 0;
-    int leftovers = 0;
-    for (const FileStep step :
-         {FileStep::kOpen, FileStep::kRead, FileStep::kCreate, FileStep::kWrite, FileStep::kFlush,
-          FileStep::kVerify, FileStep::kRename, FileStep::kFlushFolder, FileStep::kRemove}) {
-        for (int countdown = 1; countdown < 100; ++countdown) {
-            folder_.Write("photo.jpg", old);
-            const ChildOutcome outcome = RunInChild([&](int) {
-                SetFileFault(step, kKillProcess, countdown);
-                ReplaceWholeFile(folder_.Path("photo.jpg"),
-                                 [&](OutputFile& out) {
-                                     InputFile source(folder_.Path("source"));
-                                     out.CopyFrom(source, 0, source.SizeBytes());
-                                 },
-                                 {});
-                return 0;
-            });
-            const std::string content = folder_.Read("photo.jpg");
-            if (!outcome.WasKilled()) {
-                ASSERT_TRUE(outcome.Succeeded());
-                ASSERT_TRUE(content == fresh);
-                break;
-            }
-            ++kills;
-            ASSERT_TRUE(content == old || content == fresh);
-            leftovers += folder_.Names().size() > 2 ? 1 : 0;
-            // A reader of this file or the next save of any file in the folder clears it.
-            if (kills % 2 == 0) {
-                RecoverReplacedFile(folder_.Path("photo.jpg"));
-            } else {
-                Replace("source", fresh);
-            }
-            ASSERT_THAT(folder_.Names(), ElementsAre("photo.jpg", "source"));
-            ASSERT_TRUE(folder_.Read("photo.jpg") == content);
-        }
-    }
-    EXPECT_GE(kills, 14);
-    EXPECT_GE(leftovers, 9);
+    const Kills kills = KillAtEveryStep([] {});
+    EXPECT_GE(kills.all, 14);
+    EXPECT_GE(kills.leftovers, 9);
 }
 
 TEST_F(FileReplacementSystemTest, OnlyAnUnlockedLeftoverIsRemoved)
@@ -332,13 +250,6 @@ TEST_F(FileReplacementSystemTest, OnlyAnUnlockedLeftoverIsRemoved)
     RecoverReplacedFile(folder_.Path("photo.jpg"));
     EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
     EXPECT_EQ(folder_.Read("photo.jpg"), "new");
-}
-
-TEST_F(FileReplacementSystemTest, AReaderOfAnotherFileLeavesALeftoverAlone)
-{
-    const std::string name = LeaveSomethingBehind();
-    RecoverReplacedFile(folder_.Path("other.jpg"));
-    EXPECT_THAT(folder_.Names(), ElementsAre(name, "photo.jpg"));
 }
 
 TEST_F(FileReplacementSystemTest, ALinkInPlaceOfALeftoverIsNotFollowed)
@@ -400,7 +311,8 @@ TEST_F(FileReplacementSystemTest, AFileThatWeMayNotWriteIsRefusedThoughItCouldBe
         ASSERT_EQ(chmod(folder_.Of("photo.jpg").c_str(), 0464), 0);
     }
     EXPECT_EQ(
-        ReplaceUnprivileged([&] { return open(folder_.Of("photo.jpg").c_str(), O_WRONLY) != -1; }),
+        ReplaceUnprivileged([&] { return open(folder_.Of("photo.jpg").c_str(), O_WRONLY) != -1; },
+                            [&] { Replace("photo.jpg", "new"); }),
         folder_.Of("photo.jpg").string() + ": cannot be written: permission denied");
     EXPECT_EQ(folder_.Read("photo.jpg"), "old");
     EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
@@ -411,7 +323,8 @@ TEST_F(FileReplacementSystemTest, AFolderThatWeMayNotWriteIsTold)
     ASSERT_EQ(chmod(folder_.Of("photo.jpg").c_str(), 0666), 0);
     ASSERT_EQ(chmod(folder_.Folder().c_str(), 0555), 0);
     EXPECT_EQ(ReplaceUnprivileged(
-                  [&] { return open(folder_.Of("new").c_str(), O_WRONLY | O_CREAT, 0600) != -1; }),
+                  [&] { return open(folder_.Of("new").c_str(), O_WRONLY | O_CREAT, 0600) != -1; },
+                  [&] { Replace("photo.jpg", "new"); }),
               folder_.Of("photo.jpg").string() +
                   ": no new file can be made beside it: permission denied");
     ASSERT_EQ(chmod(folder_.Folder().c_str(), 0755), 0);
@@ -424,51 +337,23 @@ TEST_F(FileReplacementSystemTest, AReadOnlyFileIsRefusedWithAndWithoutRights)
     ASSERT_EQ(chmod(folder_.Folder().c_str(), 0777), 0);
     const std::string want = folder_.Of("photo.jpg").string() + ": is read-only";
     EXPECT_EQ(
-        ReplaceUnprivileged([&] { return open(folder_.Of("photo.jpg").c_str(), O_WRONLY) != -1; }),
+        ReplaceUnprivileged([&] { return open(folder_.Of("photo.jpg").c_str(), O_WRONLY) != -1; },
+                            [&] { Replace("photo.jpg", "new"); }),
         want);
     EXPECT_EQ(TextOf<FileError>([&] { Replace("photo.jpg", "new"); }), want);
     EXPECT_EQ(folder_.Read("photo.jpg"), "old");
 }
 
-struct FaultTextCase {
-    const char* value;
-    const char* want;  // behind "PATH: "; null where nothing fails
-};
-
-constexpr FaultTextCase kFaultTextCases[] = {
-    {"write:ENOSPC:1", "cannot be written: no space left on the disk"},
-    {"create:EACCES:1", "no new file can be made beside it: permission denied"},
-    {"flushfolder:EIO:1", "its folder cannot be flushed to the disk: the disk reports an error"},
-    {"verify:5:1", "what was written cannot be read back: the disk reports an error"},
-    // The second one does not come.
-    {"write:ENOSPC:2", nullptr},
-    // What is not understood does nothing.
-    {"", nullptr},
-    {"write", nullptr},
-    {"write:ENOSPC", nullptr},
-    {"write:ENOSPC:0", nullptr},
-    {"write:ENOSPC:-1", nullptr},
-    {"write:NOSUCHERROR:1", nullptr},
-    {"nosuchstep:EIO:1", nullptr},
-};
-
-TEST_F(FileReplacementSystemTest, FaultsCanBeSetByTheEnvironment)
+TEST_F(FileReplacementSystemTest, FaultsByTheSystemsOwnNumbers)
 {
-    for (const FaultTextCase& row : kFaultTextCases) {
-        SCOPED_TRACE(row.value);
-        folder_.Write("photo.jpg", "old");
-        const ChildOutcome outcome =
-            RunProgram(KIV_FILE_WORKER, {"replace", folder_.Of("photo.jpg").string(), "new"},
-                       {std::string("KIV_FILE_FAULT=") + row.value});
-        EXPECT_EQ(outcome.text, row.want ? folder_.Of("photo.jpg").string() + ": " + row.want
-                                         : std::string("replaced"));
-        EXPECT_EQ(folder_.Read("photo.jpg"), row.want ? "old" : "new");
-        EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
-    }
-    EXPECT_TRUE(RunProgram(KIV_FILE_WORKER, {"replace", folder_.Of("photo.jpg").string(), "killed"},
-                           {"KIV_FILE_FAULT=rename:KILL:1"})
+    ExpectFault({"verify:5:1", "what was written cannot be read back: the disk reports an error"});
+}
+
+TEST_F(FileReplacementSystemTest, AKillSetByTheEnvironment)
+{
+    EXPECT_TRUE(RunWorker({"replace", folder_.Of("photo.jpg").string(), "killed"}, "rename:KILL:1")
                     .WasKilled());
-    EXPECT_EQ(folder_.Read("photo.jpg"), "new");
+    EXPECT_EQ(folder_.Read("photo.jpg"), "old");
 }
 
 TEST_F(FileReplacementSystemTest, MemoryDoesNotGrowWithTheFile)

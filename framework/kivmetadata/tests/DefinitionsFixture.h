@@ -95,6 +95,20 @@ protected:
         return lines;
     }
 
+    /// Loads, and tells the views and what was traced, a line each.
+    std::string LoadAndTell()
+    {
+        LoadAllViewDefinitions();
+        std::string text;
+        for (const std::string& view : Views()) {
+            text += view + '\n';
+        }
+        for (const std::string& line : Trace()) {
+            text += line + '\n';
+        }
+        return text;
+    }
+
 private:
     kivcore::testing::TestFolder folder_;
     EnvironmentVariable app_{"KIV_APP_DIR", folder_.Of("app").string()};

@@ -20,21 +20,7 @@ using kivcore::testing::RunUnprivileged;
 
 class DefinitionsSystemTest : public DefinitionsFixture {
 protected:
-    /// Loads, and tells the views and what was traced, a line each.
-    std::string LoadAndTell()
-    {
-        LoadAllViewDefinitions();
-        std::string text;
-        for (const std::string& view : Views()) {
-            text += view + '\n';
-        }
-        for (const std::string& line : Trace()) {
-            text += line + '\n';
-        }
-        return text;
-    }
-
-    /// The same without an administrator's rights, while `name` may not be read.
+    /// LoadAndTell() without an administrator's rights, while `name` may not be read.
     std::string LoadWithout(const std::string& name)
     {
         const std::string path = PathOf(name);

@@ -14,23 +14,16 @@ namespace {
 
 class DefinitionsSystemTest : public DefinitionsFixture {
 protected:
-    /// Loads while another program holds the file or folder `name` open, shared with nobody, and
-    /// tells the views and what was traced, a line each.
+    /// LoadAndTell() while another program holds the file or folder `name` open, shared with
+    /// nobody.
     std::string LoadWithout(const std::string& name)
     {
         const std::filesystem::path path = PathOf(name);
         const HANDLE held = CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                         FILE_FLAG_BACKUP_SEMANTICS, nullptr);
         EXPECT_NE(held, INVALID_HANDLE_VALUE) << GetLastError();
-        LoadAllViewDefinitions();
+        const std::string text = LoadAndTell();
         CloseHandle(held);
-        std::string text;
-        for (const std::string& view : Views()) {
-            text += view + '\n';
-        }
-        for (const std::string& line : Trace()) {
-            text += line + '\n';
-        }
         return text;
     }
 };

@@ -1,11 +1,6 @@
 // Saving photos where the system has a word in it: links, permissions, kills.
 
-#include <kivxmp/PhotoFile.h>
-
 #include <gmock/gmock.h>
-
-#include <kivcore/FileStream.h>
-#include <kivxmp/XMPAccess.h>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -14,49 +9,14 @@
 #include <cerrno>
 #include <string>
 
-#include "framework/kivcore/tests/ChildProcess_posix.h"
-#include "framework/kivcore/tests/TestFolder.h"
-#include "framework/kivxmp/tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/PhotoFileFixture.h"
 
 namespace kivxmp {
 namespace {
 
 using namespace std::string_literals;
-using kivcore::filesupport::FileStep;
-using kivcore::filesupport::kKillProcess;
-using kivcore::filesupport::SetFileFault;
-using kivcore::testing::RunInChild;
 using kivcore::testing::RunUnprivileged;
-using test::Jpeg;
-using test::SmallPacket;
 using ::testing::ElementsAre;
-
-constexpr char kTitle[] = "dc:title[@x-default]";
-
-class PhotoFileSystemTest : public ::testing::Test {
-protected:
-    ~PhotoFileSystemTest() override { SetFileFault(FileStep::kOpen, 0, 0); }
-
-    /// 0 if a new title was saved, else the code of the failure.
-    int Retitle(const std::string& name)
-    {
-        try {
-            const std::unique_ptr<__XMPMeta__> meta = OpenPhoto(folder_.Path(name));
-            meta->SetText(kTitle, "edited");
-            return SavePhoto(*meta) == SaveResult::kSaved ? 0 : 96;
-        } catch (const XMP_Error& error) {
-            return error.Code();
-        }
-    }
-
-    std::string Title(const std::string& name)
-    {
-        return TextOf(OpenPhoto(folder_.Path(name))->Find("dc:title")).value_or("-");
-    }
-
-    const std::string photo_ = Jpeg().App0().Exif().Xmp(SmallPacket("t")).Scan().Bytes();
-    kivcore::testing::TestFolder folder_;
-};
 
 TEST_F(PhotoFileSystemTest, ThroughASymbolicLinkTheTargetIsSaved)
 {
@@ -133,38 +93,6 @@ TEST_F(PhotoFileSystemTest, PermissionsStay)
     struct stat status {};
     ASSERT_EQ(stat(folder_.Of("p.jpg").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0640u);
-}
-
-// Killed at every step: the old or the new photo is there, and the next reader clears up.
-TEST_F(PhotoFileSystemTest, Killed)
-{
-    constexpr FileStep kSteps[] = {FileStep::kOpen,   FileStep::kRead,        FileStep::kCreate,
-                                   FileStep::kWrite,  FileStep::kFlush,       FileStep::kVerify,
-                                   FileStep::kRename, FileStep::kFlushFolder, FileStep::kRemove};
-    int kills = 0;
-    int leftovers = 0;
-    for (const FileStep step : kSteps) {
-        for (int countdown = 1; countdown < 60; ++countdown) {
-            SCOPED_TRACE(testing::Message()
-                         << "step " << static_cast<int>(step) << ", occurrence " << countdown);
-            folder_.Write("p.jpg", photo_);
-            const auto outcome = RunInChild([&](int) {
-                SetFileFault(step, kKillProcess, countdown);
-                return Retitle("p.jpg");
-            });
-            if (!outcome.WasKilled()) {
-                EXPECT_TRUE(outcome.Succeeded());
-                break;
-            }
-            ++kills;
-            leftovers += folder_.Names().size() > 1 ? 1 : 0;
-            const std::string title = Title("p.jpg");
-            EXPECT_TRUE(title == "edited" || folder_.Read("p.jpg") == photo_);
-            EXPECT_THAT(folder_.Names(), ElementsAre("p.jpg"));
-        }
-    }
-    EXPECT_GT(kills, 15);
-    EXPECT_GT(leftovers, 5);
 }
 
 }  // namespace
