@@ -81,7 +81,8 @@ void ScrivelSVGPath::QuadTo(float cx, float cy, float x, float y)
 
 void ScrivelSVGPath::ClosePath()
 {
-    Append(Kind::kClose, nullptr);
+    constexpr float kNone[1] = {};
+    Append(Kind::kClose, kNone);
 }
 
 void ScrivelSVGPath::Append(Kind kind, const float* coordinates)
