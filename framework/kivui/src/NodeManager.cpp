@@ -5,6 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
+#include <kivui/IconCache.h>
+
 namespace kivui::ui {
 
 namespace {
@@ -20,6 +22,7 @@ struct UI_NodeManager::State {
     DPISelectionType selection = DPISelectionType::kSystem;
     RecommendedScaleFactorFunction recommendedScale;
     ScaleMatrixT<float> scaleMatrix{0, 0, 1, 1};
+    svg::ISVGHandler* handler = nullptr;
     std::vector<ModuleInfo> modules;
 };
 
@@ -27,6 +30,7 @@ UI_NodeManager::UI_NodeManager() : state_(std::make_unique<State>()) {}
 
 UI_NodeManager::~UI_NodeManager()
 {
+    SetSVGHandler(nullptr);
     if (registered == this) {
         registered = nullptr;
     }
@@ -77,6 +81,20 @@ float UI_NodeManager::DrawingScale(float screenScale) const
         scale = state_->recommendedScale(screenScale, state_->selection);
     }
     return std::isnan(scale) ? 1.0f : std::clamp(scale, kSmallestScale, kLargestScale);
+}
+
+void UI_NodeManager::SetSVGHandler(svg::ISVGHandler* handler) noexcept
+{
+    // The icons' handles are the last handler's, which may end now.
+    if (state_->handler != nullptr && state_->handler != handler) {
+        IconCache::Clear();
+    }
+    state_->handler = handler;
+}
+
+svg::ISVGHandler* UI_NodeManager::GetSVGHandler() const noexcept
+{
+    return state_->handler;
 }
 
 void UI_NodeManager::InitializeModule(const ModuleInfo& module)

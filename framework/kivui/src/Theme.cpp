@@ -7,6 +7,8 @@
 #include <utility>
 #include <vector>
 
+#include <kivui/IconCache.h>
+
 #include "framework/kivui/src/ThemeDocument.h"
 
 namespace kivui::ui {
@@ -45,6 +47,7 @@ bool Theme::IsInitialized() noexcept
 
 void Theme::Terminate() noexcept
 {
+    IconCache::Terminate();
     const boost::intrusive_ptr<Theme> last(std::exchange(inForce, nullptr), /*add_ref=*/false);
 }
 

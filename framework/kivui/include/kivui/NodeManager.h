@@ -11,6 +11,10 @@
 #include <kivui/Export.h>
 #include <kivui/ModuleInfo.h>
 
+namespace kivui::svg {
+class ISVGHandler;
+}  // namespace kivui::svg
+
 namespace kivui::ui {
 
 /// Where the scale of windows comes from.
@@ -54,6 +58,12 @@ public:
     /// The scale at which to draw on a screen whose own scale is `screenScale`: by the selection in
     /// force; what is not a number counts as 1, then kept within 0.5 and 4.
     float DrawingScale(float screenScale) const;
+
+    /// What draws vector artwork, not owned; null for none. Icons drawn through another one are
+    /// let go, as they are by this object's end.
+    void SetSVGHandler(svg::ISVGHandler* handler) noexcept;
+    /// Null where none was set.
+    svg::ISVGHandler* GetSVGHandler() const noexcept;
 
     /// Enters a module once; a second call with the same name changes nothing.
     void InitializeModule(const ModuleInfo& module);

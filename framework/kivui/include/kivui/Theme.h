@@ -72,7 +72,7 @@ public:
     /// The theme in force; throws std::logic_error where there is none.
     static Theme& Get();
     static bool IsInitialized() noexcept;
-    /// Lets the theme go; silent when there is none.
+    /// Lets the theme go, and all icons (IconCache); silent when there is none.
     static void Terminate() noexcept;
 
     /// Any value is kept as it is; what draws uses DrawingBrightness.
