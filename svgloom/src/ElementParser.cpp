@@ -3,6 +3,7 @@
 #include <kivcore/Trace.h>
 
 #include <algorithm>
+#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -32,6 +33,12 @@ const ElementParser::ActionRow ElementParser::kActions[] = {
     {"image", &ElementParser::ParseImage},
     {"style", &ElementParser::ParseStyle},
 };
+
+bool ElementParser::Knows(std::string_view name)
+{
+    return IsShape(name) || std::any_of(std::begin(kActions), std::end(kActions),
+                                        [name](const ActionRow& row) { return row.name == name; });
+}
 
 void ElementParser::ParseRoot(const xml::XMLNode& root)
 {

@@ -26,6 +26,10 @@ public:
 
     explicit ElementParser(SVGDocumentImpl& document) : document_(document) {}
 
+    /// Whether an element of that name is read, shapes included. Those that only stand inside
+    /// others ("stop"), and the root, are not.
+    static bool Knows(std::string_view name);
+
     /// Nothing happens where `root` is not named "svg".
     ///
     /// @throws as SVGDocumentImpl::Parse

@@ -3,6 +3,9 @@
 
 #include <kivcore/Trace.h>
 
+#include <algorithm>
+#include <cmath>
+
 #include "svgloom/src/ArcToCurve.h"
 #include "svgloom/src/Characters.h"
 #include "svgloom/src/NumberReader.h"
@@ -34,33 +37,52 @@ constexpr char RepeatOf(char command)
 
 class PathReader {
 public:
-    PathReader(const char* current, const char* end, Path& path)
-        : current_(current), end_(end), path_(path)
+    PathReader(const char* current, const char* end, Path& path, PathNotes* notes)
+        : current_(current), end_(end), path_(path), notes_(notes)
     {
     }
 
     void Read()
     {
-        if (!SkipSpace(current_, end_) || ToLower(*current_) != 'm') {
-            return;
+        if (!ReadCommands()) {
+            Note(PathNote::kStopped, current_);
+        }
+    }
+
+private:
+    enum class Outcome { kDone, kUnreadable, kUnknown };
+
+    void Note(PathNote note, const char* place)
+    {
+        if (notes_ != nullptr) {
+            notes_->Add(note, place);
+        }
+    }
+
+    /// False if it stopped early.
+    bool ReadCommands()
+    {
+        if (!SkipSpace(current_, end_)) {
+            return true;
+        }
+        if (ToLower(*current_) != 'm') {
+            return false;
         }
         while (SkipSpace(current_, end_)) {
             char command = *current_;
             if (!RepeatsCommand(command)) {
                 ++current_;
             } else if (IsClose(previous_)) {
-                return;
+                return false;
             } else {
                 command = RepeatOf(previous_);
             }
             if (!Execute(command)) {
-                return;
+                return false;
             }
         }
+        return true;
     }
-
-private:
-    enum class Outcome { kDone, kUnreadable, kUnknown };
 
     /// Carries out one command, and unknown ones before it. False ends the parse.
     bool Execute(char command)
@@ -75,6 +97,9 @@ private:
                     // has been drawn with it. It is only emitted: relative coordinates count from
                     // the true start. ParsePath.TheMoveBehindACloseTakesXTwice holds this.
                     path_.MoveTo(position_.x, position_.x);
+                    if (position_.x != position_.y) {
+                        Note(PathNote::kMoveBehindClose, current_);
+                    }
                 }
             }
             const Outcome outcome = Dispatch(command);
@@ -82,6 +107,7 @@ private:
             if (outcome != Outcome::kUnknown) {
                 return outcome == Outcome::kDone;
             }
+            Note(PathNote::kUnknownCommand, current_ - 1);
             if (unhandledSite.Enabled()) {
                 unhandledSite.Write((TraceText("parsePathString UNHANDLED: ") << command).Text());
             }
@@ -128,6 +154,9 @@ private:
                 }
                 return CurveTo(points[0], points[1], points[2]);
             case 's':
+                if (notes_ != nullptr) {
+                    NoteSmoothStart();
+                }
                 if (!ReadPoint(points[0], relative) || !ReadPoint(points[1], relative)) {
                     return Outcome::kUnreadable;
                 }
@@ -157,6 +186,28 @@ private:
         }
     }
 
+    /// Whether the rotation of an arc would show. Circles, as drawing programs round them, have
+    /// none.
+    static bool IsTurned(const Arc& arc)
+    {
+        constexpr float kHalfTurn = 180;
+        constexpr float kRoundness = 0.01f;
+        const float rx = std::abs(arc.rx);
+        const float ry = std::abs(arc.ry);
+        return std::fmod(arc.rotationDegrees, kHalfTurn) != 0 &&
+               std::abs(rx - ry) > kRoundness * std::max(rx, ry);
+    }
+
+    /// Where the standard reflects nothing, the control point is where the path is.
+    void NoteSmoothStart()
+    {
+        const char before = ToLower(previous_);
+        if (before != 'c' && before != 's' &&
+            (cubicControl_.x != position_.x || cubicControl_.y != position_.y)) {
+            Note(PathNote::kSmoothStart, current_);
+        }
+    }
+
     Outcome LineTo(const Point& to)
     {
         path_.LineTo(to.x, to.y);
@@ -182,10 +233,14 @@ private:
 
     Outcome ArcTo(bool relative)
     {
+        const char* const start = current_;
         Arc arc;
         if (!ReadNext(arc.rx) || !ReadNext(arc.ry) || !ReadNext(arc.rotationDegrees) ||
             !ReadFlag(arc.large) || !ReadFlag(arc.sweep) || !ReadPoint(arc.to, relative)) {
             return Outcome::kUnreadable;
+        }
+        if (notes_ != nullptr && IsTurned(arc)) {
+            notes_->Add(PathNote::kRotatedArc, start);
         }
         ArcToCurve(position_, arc, path_);
         position_ = arc.to;
@@ -229,6 +284,7 @@ private:
     const char* current_;
     const char* end_;
     Path& path_;
+    PathNotes* notes_;
     char previous_ = 'm';
     Point position_;
     Point start_;
@@ -238,9 +294,9 @@ private:
 
 }  // namespace
 
-void SVGStringParser::ParsePath(std::string_view text, Path& path)
+void SVGStringParser::ParsePath(std::string_view text, Path& path, PathNotes* notes)
 {
-    PathReader(text.data(), text.data() + text.size(), path).Read();
+    PathReader(text.data(), text.data() + text.size(), path, notes).Read();
 }
 
 }  // namespace SVGLoom

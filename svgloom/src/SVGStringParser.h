@@ -11,6 +11,7 @@
 #include "svgloom/renderer/SVGRenderer.h"
 #include "svgloom/src/ColorValue.h"
 #include "svgloom/src/GradientTable.h"
+#include "svgloom/src/PathNotes.h"
 
 namespace SVGLoom {
 
@@ -43,7 +44,9 @@ public:
 
     /// Replays path data onto `path`. It stops at the first number or flag that cannot be read;
     /// what came before it stays in the path.
-    static void ParsePath(std::string_view text, Path& path);
+    ///
+    /// @param notes receives what an artist did not mean; may be null
+    static void ParsePath(std::string_view text, Path& path, PathNotes* notes = nullptr);
 
     /// Reads one colour, white space before it included. What follows it is left: a caller that
     /// wants the whole value looks whether `current` is the end.

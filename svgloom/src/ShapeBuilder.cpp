@@ -127,6 +127,16 @@ constexpr ShapeRow kShapes[] = {
     {"polyline", BuildPolyline},
 };
 
+const ShapeRow* FindShape(std::string_view name)
+{
+    for (const ShapeRow& row : kShapes) {
+        if (row.name == name) {
+            return &row;
+        }
+    }
+    return nullptr;
+}
+
 enum class Direction { kHorizontal, kVertical, kDiagonal };
 
 Direction DirectionOf(AttributeName name)
@@ -167,15 +177,16 @@ bool LengthReader::Read(const Attributes& attributes, AttributeName name, float&
            SVGStringParser::ParseLength(attributes.Text(name), ReferenceOf(name, viewBox_), value);
 }
 
+bool IsShape(std::string_view name)
+{
+    return FindShape(name) != nullptr;
+}
+
 std::shared_ptr<Path> BuildShape(std::string_view name, const Attributes& attributes,
                                  const Rect& viewBox, SVGRenderer& renderer)
 {
-    for (const ShapeRow& row : kShapes) {
-        if (row.name == name) {
-            return row.build({attributes, LengthReader(viewBox), renderer});
-        }
-    }
-    return nullptr;
+    const ShapeRow* const row = FindShape(name);
+    return row != nullptr ? row->build({attributes, LengthReader(viewBox), renderer}) : nullptr;
 }
 
 }  // namespace SVGLoom

@@ -37,6 +37,9 @@ private:
     const Rect& viewBox_;
 };
 
+/// Whether an element of that name is a shape.
+bool IsShape(std::string_view name);
+
 /// Builds the path of a shape.
 ///
 /// @param name the element's; any that is no shape gives an empty pointer, and so does a shape

@@ -81,15 +81,9 @@ void StyleSheet::Add(std::string_view text)
 
     texts_.push_back(std::make_unique<char[]>(clean.size()));
     std::copy(clean.begin(), clean.end(), texts_.back().get());
-    std::string_view rest(texts_.back().get(), clean.size());
-    for (std::size_t open = rest.find('{'); open != std::string_view::npos; open = rest.find('{')) {
-        const std::string_view selectors = rest.substr(0, open);
-        rest.remove_prefix(open + 1);
-        // A rule without its closing brace runs to the end of the text.
-        const std::size_t close = std::min(rest.find('}'), rest.size());
-        AddRule(selectors, rest.substr(0, close));
-        rest.remove_prefix(std::min(close + 1, rest.size()));
-    }
+    ForEachRule(
+        {texts_.back().get(), clean.size()},
+        [this](std::string_view selectors, std::string_view block) { AddRule(selectors, block); });
     if (outputSite.Enabled()) {
         outputSite.Write("ParseStyle OUTPUT:\n" + Written(Rules()));
     }
@@ -98,20 +92,13 @@ void StyleSheet::Add(std::string_view text)
 void StyleSheet::AddRule(std::string_view selectors, std::string_view block)
 {
     const std::size_t firstUse = uses_.size();
-    for (bool more = true; more;) {
-        const std::size_t comma = selectors.find(',');
-        more = comma != std::string_view::npos;
-        const std::string_view text = TrimStyleText(selectors.substr(0, comma));
-        selectors.remove_prefix(more ? comma + 1 : selectors.size());
-        if (text.empty()) {
-            continue;
-        }
+    ForEachSelector(selectors, [this](std::string_view text) {
         const Selector selector = ParseSelector(text);
         if (selector.kind == SelectorKind::kClass && selector.name.empty()) {
             ThrowEmptySelector();
         }
         uses_.push_back({selector, blocks_.size()});
-    }
+    });
     const Range properties = AddBlock(block);
     for (std::size_t i = firstUse; i < uses_.size(); ++i) {
         if (uses_[i].selector.kind == SelectorKind::kClass) {

@@ -391,5 +391,19 @@ TEST(ElementParser, CopiesOfInheritedStopsAreBounded)
     EXPECT_TRUE(std::holds_alternative<Color>(paintOf(1)));
 }
 
+TEST(ElementParser, Knows)
+{
+    for (const char* const name :
+         {"g", "use", "defs", "linearGradient", "radialGradient", "clipPath", "symbol", "image",
+          "style", "path", "rect", "circle", "ellipse", "line", "polygon", "polyline"}) {
+        EXPECT_TRUE(ElementParser::Knows(name)) << name;
+    }
+    for (const char* const name : {"", "svg", "stop", "text", "G", "svg:g", "lineargradient"}) {
+        EXPECT_FALSE(ElementParser::Knows(name)) << name;
+    }
+    EXPECT_TRUE(IsShape("path"));
+    EXPECT_FALSE(IsShape("g"));
+}
+
 }  // namespace
 }  // namespace SVGLoom

@@ -279,5 +279,57 @@ TEST(ParsePath, CutAtEveryLength)
     }
 }
 
+/// What is noted, each with the text from its place on.
+std::string Notes(std::string_view input)
+{
+    constexpr const char* kNames[] = {"stopped", "unknown", "move", "arc", "smooth"};
+    const ExactText text(input);
+    RecordingPath path;
+    PathNotes notes;
+    SVGStringParser::ParsePath(text.View(), path, &notes);
+    std::string all;
+    for (std::size_t i = 0; i < std::size(kNames); ++i) {
+        if (const char* const place = notes.PlaceOf(static_cast<PathNote>(i))) {
+            const auto at = static_cast<std::size_t>(place - text.View().data());
+            all += (all.empty() ? "" : "; ") + std::string(kNames[i]) + " [" +
+                   std::string(text.View().substr(at)) + "]";
+        }
+    }
+    return all;
+}
+
+TEST(ParsePath, Notes)
+{
+    constexpr PathCase kCases[] = {
+        {"", ""},
+        {" ", ""},
+        {"M1 2L3 4Z", ""},
+        // Reading stops.
+        {" L1 2", "stopped [L1 2]"},
+        {"M1 2L3", "stopped []"},
+        {"M1 2L3 x", "stopped [x]"},
+        {"M1 2Z3 4", "stopped [3 4]"},
+        {"M1 2A1 1 0 2 0 3 4", "stopped [2 0 3 4]"},
+        // Only the first place of each is kept.
+        {"M1 2X L3 4Y", "stopped []; unknown [X L3 4Y]"},
+        {"M1 2L3 4ZL5 6ZL7 8", "move [5 6ZL7 8]"},
+        {"M2 2L3 4ZL5 6", ""},
+        {"M1 2L3 4ZM5 6", ""},
+        // Arcs whose rotation would show.
+        {"M1 2A4 3 30 0 0 5 6", "arc [4 3 30 0 0 5 6]"},
+        {"M1 2A4 3 180 0 0 5 6", ""},
+        {"M1 2A4 4.01 30 0 0 5 6", ""},
+        // Smooth curves behind something else.
+        {"M1 2S3 4 5 6", "smooth [3 4 5 6]"},
+        {"M0 0S3 4 5 6", ""},
+        {"M1 2C3 4 5 6 7 8S3 4 5 6", ""},
+        {"M1 2C3 4 5 6 7 8L9 9s3 4 5 6", "smooth [3 4 5 6]"},
+    };
+    for (const PathCase& row : kCases) {
+        SCOPED_TRACE(row.input);
+        EXPECT_EQ(Notes(row.input), row.want);
+    }
+}
+
 }  // namespace
 }  // namespace SVGLoom

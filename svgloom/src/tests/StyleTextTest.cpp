@@ -64,5 +64,44 @@ TEST(RemoveComments, Cases)
     }
 }
 
+TEST(ForEachRule, Cases)
+{
+    constexpr TextCase kCases[] = {
+        {"", ""},
+        {"no brace", ""},
+        {".a{b:c;}.d{}", "[.a|b:c;][.d|]"},
+        {".a{b:c;", "[.a|b:c;]"},
+        {".a{", "[.a|]"},
+        // A block ends at the first brace, whatever is open.
+        {"@media x{.a{b:c;}}", "[@media x|.a{b:c;]"},
+    };
+    for (const TextCase& row : kCases) {
+        SCOPED_TRACE(row.input);
+        std::string rules;
+        ForEachRule(row.input, [&rules](std::string_view selectors, std::string_view block) {
+            rules.append("[").append(selectors).append("|").append(block).append("]");
+        });
+        EXPECT_EQ(rules, row.want);
+    }
+}
+
+TEST(ForEachSelector, Cases)
+{
+    constexpr TextCase kCases[] = {
+        {"", ""},
+        {" , ,", ""},
+        {".a", "[.a]"},
+        {" .a ,\t#b,c d,", "[.a][#b][c d]"},
+    };
+    for (const TextCase& row : kCases) {
+        SCOPED_TRACE(row.input);
+        std::string selectors;
+        ForEachSelector(row.input, [&selectors](std::string_view text) {
+            selectors.append("[").append(text).append("]");
+        });
+        EXPECT_EQ(selectors, row.want);
+    }
+}
+
 }  // namespace
 }  // namespace SVGLoom
