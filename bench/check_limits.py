@@ -2,6 +2,7 @@
 """Compares benchmark results with the limits that we keep. usage: check_limits.py RESULTS_DIR"""
 
 import json
+import math
 import pathlib
 import sys
 
@@ -38,13 +39,56 @@ RATIOS = [
     ("ManyNamespaces/8000", "ManyNamespaces/1000", 24),
 ]
 
+ICONS = ("material", "bootstrap", "flags", "twemoji")
+FAMILIES = {"PathSegments": (1000, 1000000), "Elements": (1000, 1000000), "Rules": (1000, 1000000),
+            "Gradients": (1000, 1000000), "Uses": (1000, 1000000), "ClipPaths": (1000, 1000000),
+            "Nesting": (50, 511)}
+
+
+def geometric_mean(values):
+    return math.prod(values) ** (1 / len(values))
+
+
+def of_icons(counters, name, counter):
+    """The geometric mean of a counter over the sets of icons."""
+    return geometric_mean([counters[f"{name}/{icons}"][counter] for icons in ICONS])
+
+
+def growth(counters, name, counter, sizes):
+    """How much more one item takes in the largest document than in the smallest."""
+    return counters[f"{name}/{sizes[1]}"][counter] / counters[f"{name}/{sizes[0]}"][counter]
+
+
+# Text, the value of all counters, and the least or largest one.
+COUNTERS = [
+    ("SVG parsing, times librsvg over the icons",
+     lambda c: of_icons(c, "SvgParse", "times_librsvg"), ">=", 12),
+    ("SVG parsing, times librsvg on a path of 10 MB",
+     lambda c: c["SvgParse/LongPath"]["times_librsvg"], ">=", 8),
+    ("SVG heap of a material icon, bytes", lambda c: c["SvgHeap/material"]["bytes"], "<=", 1433),
+    ("SVG heap of a twemoji icon, bytes", lambda c: c["SvgHeap/twemoji"]["bytes"], "<=", 7168),
+    *[(f"SVG heap after a draw of {n}, times before",
+       lambda c, n=n: c[f"SvgHeap/{n}"]["bytes_after_draw"] / c[f"SvgHeap/{n}"]["bytes"], "<=", 1)
+      for n in ICONS],
+    *[(f"SVG time of one of many {n}, times of one of few",
+       lambda c, n=n, s=s: growth(c, f"SvgFamily/{n}", "ns_of_item", s), "<=", 4)
+      for n, s in FAMILIES.items()],
+    *[(f"SVG heap of one of many {n}, times of one of few",
+       lambda c, n=n, s=s: growth(c, f"SvgHeapFamily/{n}", "bytes_of_item", s), "<=", 1.2)
+      for n, s in FAMILIES.items()],
+    ("SVG refusal of 1,000,000 levels, ms",
+     lambda c: c["SvgFamily/Nesting/1000000"]["ns_of_item"], "<=", 50),
+]
+
 
 def main():
     times = {}
+    counters = {}
     for path in pathlib.Path(sys.argv[1]).glob("*.json"):
         for row in json.loads(path.read_text())["benchmarks"]:
             if not row.get("error_occurred"):
                 times[row["name"]] = row["real_time"] * UNITS[row["time_unit"]]
+                counters[row["name"].replace("/iterations:1", "")] = row
     bad = 0
 
     def tell(holds, text):
@@ -61,7 +105,15 @@ def main():
             tell(ratio <= limit, f"{name}: {ratio:.2f} of {other}, limit {limit}")
         else:
             tell(False, f"{name}: not measured")
-    print(f"limits: {len(ABSOLUTE) + len(RATIOS) - bad} passed, {bad} failed")
+    for text, value_of, direction, limit in COUNTERS:
+        try:
+            value = value_of(counters)
+        except KeyError:
+            tell(False, f"{text}: not measured")
+            continue
+        tell(value >= limit if direction == ">=" else value <= limit,
+             f"{text}: {value:.2f}, limit {direction} {limit}")
+    print(f"limits: {len(ABSOLUTE) + len(RATIOS) + len(COUNTERS) - bad} passed, {bad} failed")
     return 1 if bad else 0
 
 
