@@ -35,7 +35,9 @@ LAYERS = {
         "framework/kivmetadataui/src", "framework/kivtoolkit/src", "tests/ProcessCounts.h"),
     "framework/kivtoolkit": ("kivcore", "kivui", "kivmetadataui", "framework/kivmetadataui/src"),
     "host": ("include",),
-    "tools/pemtext": ("dictionary", "localizer", "kivcore", "host/Console.h"),
+    "tools/common": ("kivcore", "host/Console.h"),
+    "tools/pemtext": ("dictionary", "localizer", "kivcore", "tools/common"),
+    "tools/svgloom": ("svgloom", "kivcore", "kivui", "tools/common"),
     # Judges of the whole.
     "bench": ("include", "dictionary", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
               "framework/kivxmp/tests"),

@@ -3,7 +3,7 @@
 #include "dictionary/Dictionary.h"
 #include "dictionary/DictionaryLine.h"
 #include "dictionary/ValuePasses.h"
-#include "tools/pemtext/CommandLine.h"
+#include "tools/pemtext/Common.h"
 #include "tools/pemtext/EntryList.h"
 #include "tools/pemtext/Files.h"
 #include "tools/pemtext/SourceLines.h"

@@ -3,8 +3,8 @@
 #include "dictionary/ValueTables.h"
 #include "tools/pemtext/Catalog.h"
 #include "tools/pemtext/Commands.h"
+#include "tools/pemtext/Common.h"
 #include "tools/pemtext/Files.h"
-#include "tools/pemtext/Findings.h"
 #include "tools/pemtext/SourceLines.h"
 #include "tools/pemtext/TextForm.h"
 

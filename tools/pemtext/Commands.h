@@ -2,24 +2,12 @@
 
 #pragma once
 
-#include "tools/pemtext/CommandLine.h"
+#include "tools/pemtext/Common.h"
 
 #include <span>
 #include <string_view>
 
 namespace pemtext {
-
-enum ExitStatus { kDone = 0, kBad = 1, kWrongUsage = 2 };
-
-struct Command {
-    std::string_view name;
-    std::string_view usage;  // behind the name
-    std::string_view help;   // whole lines
-    std::span<const OptionRow> options;
-    std::size_t minFiles;
-    std::size_t maxFiles;
-    int (*run)(const Arguments& arguments);
-};
 
 /// All of them, in the order of the help text.
 std::span<const Command> Commands();

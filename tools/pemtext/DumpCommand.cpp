@@ -1,7 +1,7 @@
 #include "tools/pemtext/Commands.h"
+#include "tools/pemtext/Common.h"
 #include "tools/pemtext/EntryList.h"
 #include "tools/pemtext/Files.h"
-#include "tools/pemtext/Json.h"
 
 #include <string>
 

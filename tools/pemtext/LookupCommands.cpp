@@ -2,8 +2,8 @@
 #include "dictionary/ValuePasses.h"
 #include "localizer/DefaultLocalizer.h"
 #include "tools/pemtext/Commands.h"
+#include "tools/pemtext/Common.h"
 #include "tools/pemtext/Files.h"
-#include "tools/pemtext/Json.h"
 #include "tools/pemtext/TemporaryFile.h"
 
 #include <kivcore/StringConversion.h>

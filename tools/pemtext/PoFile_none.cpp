@@ -1,4 +1,4 @@
-#include "tools/pemtext/CommandLine.h"
+#include "tools/pemtext/Common.h"
 #include "tools/pemtext/PoFile.h"
 
 namespace pemtext {

@@ -1,6 +1,6 @@
 #include "tools/pemtext/TemporaryFile.h"
 
-#include "tools/pemtext/CommandLine.h"
+#include "tools/pemtext/Common.h"
 
 #include <fstream>
 #include <random>

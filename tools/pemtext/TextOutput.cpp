@@ -1,7 +1,7 @@
 #include "tools/pemtext/TextOutput.h"
 
 #include "dictionary/Dictionary.h"
-#include "tools/pemtext/CommandLine.h"
+#include "tools/pemtext/Common.h"
 #include "tools/pemtext/EntryList.h"
 #include "tools/pemtext/Files.h"
 #include "tools/pemtext/TextForm.h"

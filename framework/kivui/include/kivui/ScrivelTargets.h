@@ -45,8 +45,8 @@ KIVUI_API std::unique_ptr<DrawingTarget> CreatePixelTarget(const PixelBuffer& bu
 ///     {"op":"restore"}
 ///
 /// PATH is an array of ["M",x,y], ["L",x,y], ["C",x1,y1,x2,y2,x,y] and ["Z"]; the rule is nonzero
-/// or evenodd, a missing clip transform null. Numbers are the shortest that read back to the same
-/// float; one that is not finite is null.
+/// or evenodd, a missing clip transform null. Numbers are written as "%.9g" does, which
+/// reads back to the same float; one that is not finite is "nan", "inf" or "-inf".
 using CallSink = std::function<void(std::string_view line)>;
 
 /// Logs instead of drawing. Every call of Restore is logged. Null if memory ran out.

@@ -44,11 +44,14 @@ public:
     Line& Number(float value)
     {
         if (!std::isfinite(value)) {
-            text_ += "null";
-            return *this;
+            return Word(std::isnan(value) ? "nan" : value < 0 ? "-inf" : "inf");
         }
+        constexpr int kDigits = 9;  // read back to the same float
         char buffer[32];
-        text_.append(buffer, std::to_chars(buffer, buffer + sizeof buffer, value).ptr);
+        const auto result =
+            std::to_chars(buffer, buffer + sizeof buffer, static_cast<double>(value),
+                          std::chars_format::general, kDigits);
+        text_.append(buffer, result.ptr);
         return *this;
     }
     template <class Range, class Write>

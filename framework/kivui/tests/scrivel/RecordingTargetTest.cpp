@@ -89,24 +89,24 @@ TEST_F(RecordingTargetTest, EveryOperation)
         R"({"op":"fill","path":[["M",1,2],["L",3.5,-4],["C",1,2,3,4,5,6],["Z"]],"winding":true,)"
         R"("color":[1,0,0,1]})",
         R"({"op":"fillLinear","path":[],"winding":false,"from":[1,2],"to":[3,4],)"
-        R"("colors":[[1,0,0,1],[0,1,0,0.5]],"offsets":[0,0.1]})",
+        R"("colors":[[1,0,0,1],[0,1,0,0.5]],"offsets":[0,0.100000001]})",
         R"({"op":"fillRadial","path":[],"winding":true,"center":[1,2],"edge":[3,4],)"
         R"("inner":[1,0,0,1],"outer":[0,1,0,0.5]})",
         R"({"op":"stroke","path":[],"color":[0,1,0,0.5],"width":2,"miterLimit":4,"dash":[],)"
         R"("join":"miter","cap":"butt"})",
-        R"({"op":"stroke","path":[],"color":[0,1,0,0.5],"width":2,"miterLimit":7,"dash":[0,0.1],)"
+        R"({"op":"stroke","path":[],"color":[0,1,0,0.5],"width":2,"miterLimit":7,"dash":[0,0.100000001],)"
         R"("join":"bevel","cap":"square"})",
         R"({"op":"restore"})",
     };
     EXPECT_EQ(lines_, want);
 }
 
-TEST_F(RecordingTargetTest, NumbersThatAreNotFiniteAreNull)
+TEST_F(RecordingTargetTest, NumbersThatAreNotFiniteAreWords)
 {
     surface_.Concat({std::numeric_limits<float>::quiet_NaN(), 0, 0, 1e30f, -0.0f,
                      -std::numeric_limits<float>::infinity()});
-    EXPECT_EQ(lines_,
-              (std::vector<std::string>{R"({"op":"transform","m":[null,0,0,1e+30,-0,null]})"}));
+    EXPECT_EQ(lines_, (std::vector<std::string>{
+                          R"({"op":"transform","m":["nan",0,0,1.00000002e+30,-0,"-inf"]})"}));
 }
 
 }  // namespace

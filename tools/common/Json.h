@@ -1,4 +1,4 @@
-// JSON strings in plain ASCII, as this tool prints and reads them, one value a line.
+// JSON in plain ASCII, as the tools print and read it, one value a line.
 
 #pragma once
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-namespace pemtext {
+namespace tools {
 
 /// UTF-16, unit for unit: what stands outside U+0020..U+007E becomes an escape, also a lone
 /// surrogate.
@@ -18,6 +18,10 @@ std::string JsonByteString(std::string_view bytes);
 /// Text for people: UTF-8, whose broken parts show as U+FFFD.
 std::string JsonUtf8String(std::string_view text);
 
+/// As "%.9g" writes it, which reads back to the same float. A value that JSON cannot hold is one of
+/// the strings "nan", "inf" and "-inf".
+std::string JsonNumber(float value);
+
 /// Reads a line that holds one JSON string and white space.
 /// @return false, with a reason, if it is none
 bool ParseJsonString(std::string_view line, std::u16string& text, std::string& reason);
@@ -26,4 +30,4 @@ bool ParseJsonString(std::string_view line, std::u16string& text, std::string& r
 /// @return false if there is another one
 bool ToBytes(std::u16string_view text, std::string& bytes);
 
-}  // namespace pemtext
+}  // namespace tools

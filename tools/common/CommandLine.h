@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pemtext {
+namespace tools {
 
 /// The command line is wrong: exit status 2.
 class UsageError : public std::runtime_error {
@@ -23,9 +23,13 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/// A text that is one number and nothing else. One that is too large for a float is infinite.
+std::optional<float> ParseFloat(std::string_view text);
+
 struct OptionRow {
     std::string_view name;  // with its dashes
     bool takesValue;
+    std::string_view meant = {};  // the option that this is another name of
 };
 
 class Arguments {
@@ -40,11 +44,18 @@ public:
     const std::vector<std::string>& Files() const { return files_; }
     bool Has(std::string_view option) const { return Value(option).has_value(); }
 
-    /// The option's value, "" for one that takes none.
+    /// The option's value, "" for one that takes none. An option is asked for by its main name.
     std::optional<std::string> Value(std::string_view option) const;
 
-    /// The same. Throws UsageError if the option is not there.
+    /// Those of an option that may come again, in order.
+    std::vector<std::string> Values(std::string_view option) const;
+
+    /// The same as Value. Throws UsageError if the option is not there.
     std::string Required(std::string_view option) const;
+
+    /// The same as a number. Throws UsageError for any other text as well.
+    float RequiredNumber(std::string_view option) const;
+    std::optional<float> Number(std::string_view option) const;
 
     /// The value, which must be one of `choices`, the first one where the option is not there.
     /// Throws UsageError.
@@ -60,4 +71,4 @@ private:
     std::vector<Given> given_;
 };
 
-}  // namespace pemtext
+}  // namespace tools

@@ -1,11 +1,11 @@
-#include "tools/pemtext/Findings.h"
+#include "tools/common/Findings.h"
 
-#include "tools/pemtext/Files.h"
-#include "tools/pemtext/Json.h"
+#include "tools/common/Files.h"
+#include "tools/common/Json.h"
 
 #include <algorithm>
 
-namespace pemtext {
+namespace tools {
 
 namespace {
 
@@ -38,15 +38,16 @@ void Findings::PrintAll(bool asJson) const
 {
     for (const Finding& finding : findings_) {
         const std::string line = std::to_string(finding.line);
+        const std::string column = finding.column != 0 ? std::to_string(finding.column) : "";
         const std::string severity(NameOf(finding.severity));
         if (asJson)
             Print("{\"file\":" + JsonUtf8String(finding.file) + ",\"line\":" + line +
-                  ",\"severity\":\"" + severity +
+                  (column.empty() ? "" : ",\"column\":" + column) + ",\"severity\":\"" + severity +
                   "\",\"message\":" + JsonUtf8String(finding.message) + ",\"id\":\"" +
                   std::string(finding.id) + "\"}\n");
         else
-            Print(finding.file + ":" + line + ": " + severity + ": " + finding.message + " [" +
-                  std::string(finding.id) + "]\n");
+            Print(finding.file + ":" + line + (column.empty() ? "" : ":" + column) + ": " +
+                  severity + ": " + finding.message + " [" + std::string(finding.id) + "]\n");
     }
     if (asJson)
         Print("{\"errors\":" + std::to_string(Errors()) +
@@ -60,4 +61,4 @@ std::size_t Findings::Count(Severity severity) const
     return static_cast<std::size_t>(std::ranges::count(findings_, severity, &Finding::severity));
 }
 
-}  // namespace pemtext
+}  // namespace tools

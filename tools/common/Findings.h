@@ -7,7 +7,7 @@
 #include <string_view>
 #include <vector>
 
-namespace pemtext {
+namespace tools {
 
 enum class Severity { kError, kWarning, kNote };
 
@@ -17,6 +17,7 @@ struct Finding {
     Severity severity;
     std::string message;
     std::string_view id;
+    std::size_t column = 0;  // from 1; 0: the line as a whole
 };
 
 class Findings {
@@ -36,4 +37,4 @@ private:
     std::vector<Finding> findings_;
 };
 
-}  // namespace pemtext
+}  // namespace tools

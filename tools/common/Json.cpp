@@ -1,10 +1,12 @@
-#include "tools/pemtext/Json.h"
+#include "tools/common/Json.h"
 
-#include "dictionary/Utf8.h"
+#include <kivcore/StringConversion.h>
 
+#include <charconv>
+#include <cmath>
 #include <cstdint>
 
-namespace pemtext {
+namespace tools {
 
 namespace {
 
@@ -99,16 +101,16 @@ std::string JsonByteString(std::string_view bytes)
 
 std::string JsonUtf8String(std::string_view text)
 {
-    return JsonString(morvish_private::ConvertUtf8Lossy(text));
+    return JsonString(kivcore::string::UTF8to16(text));
 }
 
 bool ParseJsonString(std::string_view bytes, std::u16string& text, std::string& reason)
 {
-    std::u16string line;
-    if (!morvish_private::ConvertUtf8(bytes, line)) {
+    if (!kivcore::string::IsWellFormedUTF8(bytes)) {
         reason = "is not well-formed UTF-8";
         return false;
     }
+    const kivcore::UString line = kivcore::string::UTF8to16(bytes);
     text.clear();
     std::size_t at = line.find_first_not_of(kWhiteSpace);
     reason = "is no JSON string";
@@ -129,6 +131,19 @@ bool ParseJsonString(std::string_view bytes, std::u16string& text, std::string& 
            line.find_first_not_of(kWhiteSpace, at + 1) == std::string_view::npos;
 }
 
+std::string JsonNumber(float value)
+{
+    if (std::isnan(value))
+        return "\"nan\"";
+    if (std::isinf(value))
+        return value < 0 ? "\"-inf\"" : "\"inf\"";
+    constexpr int kDigits = 9;  // read back to the same float
+    char buffer[32];
+    const auto result = std::to_chars(buffer, buffer + sizeof buffer, static_cast<double>(value),
+                                      std::chars_format::general, kDigits);
+    return {buffer, result.ptr};
+}
+
 bool ToBytes(std::u16string_view text, std::string& bytes)
 {
     bytes.clear();
@@ -140,4 +155,4 @@ bool ToBytes(std::u16string_view text, std::string& bytes)
     return true;
 }
 
-}  // namespace pemtext
+}  // namespace tools
