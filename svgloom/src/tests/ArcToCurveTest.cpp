@@ -182,11 +182,16 @@ TEST(ArcToCurve, Traces)
     EXPECT_EQ(listener.messages, want);
 }
 
-TEST(ArcToCurve, NothingIsTracedWhileTheChannelIsOff)
+// Every piece has its lines.
+TEST(ArcToCurve, TracingFollowsTheChannel)
 {
-    TraceListener listener("SVGLoom.Parse", 5);
-    Written({1, 2}, {3, 3, 30, false, true, {4, 5}});
-    EXPECT_TRUE(listener.messages.empty());
+    for (const int level : {-1, 6, 5, 6}) {
+        TraceListener listener("SVGLoom.Parse", level);
+        Written({1, 2}, {3, 3, 30, false, true, {4, 5}});
+        EXPECT_EQ(listener.messages.size(), level == 6 ? 11u : 0u) << level;
+        Written({0, 0}, {5, 5, 0, true, true, {0.1f, 0}});
+        EXPECT_EQ(listener.messages.size(), level == 6 ? 11u + 8u + 3u * 3u : 0u) << level;
+    }
 }
 
 }  // namespace

@@ -204,12 +204,17 @@ TEST(StyleSheet, Traces)
                                  }));
 }
 
-TEST(StyleSheet, NothingIsTracedBelowItsLevel)
+TEST(StyleSheet, TracingFollowsTheChannel)
 {
-    TraceListener listener("SVGLoom.CSS", 5);
-    StyleSheet sheet;
-    sheet.Add(".a{}");
-    EXPECT_TRUE(listener.messages.empty());
+    for (const int level : {-1, 6, 5, 6}) {
+        StyleSheet sheet;
+        {
+            TraceListener listener("SVGLoom.CSS", level);
+            sheet.Add(".a{}");
+            EXPECT_EQ(listener.messages.size(), level == 6 ? 3u : 0u) << level;
+        }
+        sheet.Add(".a{}");
+    }
 }
 
 TEST(StyleSheet, CutAtEveryLength)
