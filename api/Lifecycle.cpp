@@ -4,6 +4,7 @@
 #include "api/CustomDefinitions.h"
 #include "api/DefaultErrorManager.h"
 #include "localizer/DefaultLocalizer.h"
+#include "svgbridge/SVGBridge.h"
 
 #include <kivcore/Config.h>
 #include <kivcore/Dir.h>
@@ -153,6 +154,7 @@ void BringUp(State& library, const MetadataAPIInitParams& params)
     ApplyScale(library);
     kivui::skins::core::SkinManager::Initialize(kSkinVersion);
     StartTheme();
+    kivui::ui::UI_NodeManager::Get(false)->SetSVGHandler(&svgloom::Handler());
     kivui::ui::UI_NodeManager::Get(false)->InitializeModule(kivmetadataui::ModuleInfo::Get());
     kivmetadataui::Initialize();
     library.isFrameworkUp = true;
@@ -200,6 +202,7 @@ void Terminate()
     kivui::ui::PrefManager::Finalize();
     kivui::skins::core::SkinManager::Terminate();
     kivui::ui::Theme::Terminate();
+    svgloom::ClearDocuments();
     kivcore::config::Terminate(nullptr);
     kivcore::config::ResetToDefaultErrorManager();
     library.gdiPlusGuard.reset();

@@ -23,7 +23,9 @@ LAYERS = {
     "svgloom/src": ("kivcore", "svgloom/renderer/Records.h", "svgloom/renderer/SVGRenderer.h",
                     "svgloom/renderer/SharedVector.h"),
     "svgloom/renderer": ("kivcore",),  # and kivui's drawing layer, see HEADERS
-    "api": ("include", "localizer", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui"),
+    "svgbridge": ("svgloom", "kivcore", "kivui"),
+    "api": ("include", "localizer", "svgbridge/SVGBridge.h", "kivcore", "kivui", "kivxmp",
+            "kivmetadata", "kivmetadataui"),
     "framework/kivcore": (),
     "framework/kivui": ("kivcore",),
     "framework/kivxmp": ("kivcore",),
@@ -60,7 +62,8 @@ FOREIGN = {
     r"expat\.h": ("framework/kivcore/src", "framework/kivxmp/src", "bench"),
     r"(wx|gtk|gdk|gio|glib)/.+|(cairo|glib)\.h": ("framework/kivtoolkit",),
     r"X11/.+": ("framework/kivtoolkit", "*tests"),
-    r"boost/(function\.hpp|smart_ptr/intrusive_ptr\.hpp|shared_ptr\.hpp)": ("framework", "api"),
+    r"boost/(function\.hpp|smart_ptr/intrusive_ptr\.hpp|shared_ptr\.hpp)": (
+        "framework", "svgbridge", "api"),
     r"boost/property_tree/detail/rapidxml\.hpp": ("svgloom/src",),
     r"agg2/.+": ("framework/kivui/src/scrivel",),
     r"(gtest|gmock)/.+": ("*tests",),

@@ -48,6 +48,8 @@ constexpr char kStageB[] =
     "SetColor 236 1 1 1 0\n"
     "SetFontSize 0 12\n"
     "NotifyThemeChanged\n"
+    "svgloom::Handler\n"
+    "SetSVGHandler svgloom::Handler\n"
     "InitializeModule kivmetadataui\n"
     "kivmetadataui::Initialize\n";
 
@@ -61,6 +63,7 @@ constexpr char kTearDown[] =
     "SkinManager::Terminate\n"
     "Theme::Terminate\n"
     "~KeyframeThemeEditor\n"
+    "svgloom::ClearDocuments\n"
     "config::Terminate null\n"
     "config::ResetToDefaultErrorManager\n";
 
@@ -225,6 +228,7 @@ TEST_F(Lifecycle, FailureAtEveryStepIsContained)
         "SetColor",
         "SetFontSize",
         "NotifyThemeChanged",
+        "svgloom::Handler",
         "InitializeModule",
         "kivmetadataui::Initialize",
         "LoadAllViewDefinitions",

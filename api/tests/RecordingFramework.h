@@ -39,6 +39,7 @@ struct Framework {
     std::function<void(kivmetadata::MetaDataProvider&)> inDialog;  ///< while the dialog is "open"
 
     int gdiPlusRunning = 0;
+    const void* svgHandler = nullptr;  ///< what svgloom::Handler handed out
 };
 
 /// The one in force.

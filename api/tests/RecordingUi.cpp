@@ -104,6 +104,12 @@ void UI_NodeManager::SetScaleMatrix(const ScaleMatrixT<float>& matrix) noexcept
                                Number(matrix.scaleX) + " " + Number(matrix.scaleY));
 }
 
+void UI_NodeManager::SetSVGHandler(svg::ISVGHandler* handler) noexcept
+{
+    Note("SetSVGHandler",
+         handler == recording::Get().svgHandler ? "svgloom::Handler" : "another one");
+}
+
 void UI_NodeManager::InitializeModule(const ModuleInfo& module)
 {
     Call("InitializeModule", module.name);
