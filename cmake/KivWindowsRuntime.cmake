@@ -41,3 +41,5 @@ install(FILES /usr/share/common-licenses/GPL-3
     DESTINATION ${licences} RENAME gcc-gpl-3.txt)
 install(FILES /usr/share/doc/mingw-w64-x86-64-dev/copyright
     DESTINATION ${licences} RENAME mingw-w64.txt)
+install(FILES /usr/share/doc/libz-mingw-w64-dev/copyright
+    DESTINATION ${licences} RENAME zlib.txt)
