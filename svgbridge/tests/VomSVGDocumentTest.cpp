@@ -2,8 +2,6 @@
 
 #include "svgbridge/tests/BridgeFixture.h"
 
-#include "framework/kivcore/tests/VirtualSlot.h"
-
 #include <cmath>
 #include <string>
 
@@ -11,13 +9,6 @@ namespace svgloom {
 namespace {
 
 class VomSVGDocumentTest : public BridgeTest {};
-
-TEST_F(VomSVGDocumentTest, SlotsStandInOrder)
-{
-    using kivcore::testing_support::VirtualSlot;
-    using kivui::svg::ISVGDocument;
-    EXPECT_EQ(VirtualSlot(&ISVGDocument::Height), VirtualSlot(&ISVGDocument::Width) + 1);
-}
 
 TEST_F(VomSVGDocumentTest, SizesAreWholeNumbers)
 {
