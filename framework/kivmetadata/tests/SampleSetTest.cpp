@@ -79,7 +79,7 @@ constexpr const char* kEnglishSchema =
   RecordNumber text "Record number" read-only
 )";
 
-constexpr const char* kEnglishView = R"(org.example.archive/history "History" icon=document
+constexpr const char* kEnglishView = R"(org.example.archive/history "History" icon=history
   [] {http://ns.example.org/archive/1.0/}Provenance {http://ns.example.org/archive/1.0/}Acquired {http://ns.example.org/archive/1.0/}FormerSignatures {http://ns.example.org/archive/1.0/}FindingAid {http://ns.example.org/archive/1.0/}Publishable {http://ns.example.org/archive/1.0/}Loans
 )";
 

@@ -5,6 +5,7 @@
 #include "framework/kivtoolkit/src/OwnControl.h"
 
 #include <functional>
+#include <string_view>
 
 namespace kivtoolkit {
 
@@ -16,8 +17,8 @@ public:
     void SetLabelText(const kivcore::UString& label);
     /// The size that the label needs.
     wxSize WantedSize();
-    /// A small sign behind the label: it opens something.
-    void SetGlyph(kivui::ui::Glyph glyph) { glyph_ = glyph; }
+    /// A small icon behind the label: it opens something.
+    void SetIcon(std::string_view icon) { icon_ = icon; }
 
 protected:
     void Draw(const kivui::ui::Drawing& drawing, const kivui::ui::Rect& rect) override;
@@ -25,14 +26,15 @@ protected:
 
 private:
     kivui::ui::ButtonKind kind_;
-    kivui::ui::Glyph glyph_ = kivui::ui::Glyph::kNone;
+    std::string_view icon_;
     kivcore::UString label_;
     std::function<void()> clicked_;
 };
 
 class IconButton : public OwnControl {
 public:
-    IconButton(Look& look, wxWindow& parent, kivui::ui::ThemeColor ground, kivui::ui::Glyph glyph,
+    /// `icon` is a name in kivui's icon cache that stands as long as the button.
+    IconButton(Look& look, wxWindow& parent, kivui::ui::ThemeColor ground, std::string_view icon,
                const kivcore::UString& name, std::function<void()> clicked);
 
 protected:
@@ -40,7 +42,7 @@ protected:
     void Click(const wxPoint& at) override;
 
 private:
-    kivui::ui::Glyph glyph_;
+    std::string_view icon_;
     std::function<void()> clicked_;
 };
 

@@ -1,5 +1,6 @@
 #include "framework/kivtoolkit/src/DialogWindow.h"
 
+#include "framework/kivtoolkit/src/Artwork.h"
 #include "framework/kivtoolkit/src/DriverSurface.h"
 #include "framework/kivtoolkit/src/NativeText.h"
 #include "framework/kivtoolkit/src/Texts.h"
@@ -38,26 +39,9 @@ constexpr int kFrameRoom = 8;
 constexpr int kTitleRoom = 40;
 constexpr int kMostCatchUps = 8;
 
-struct GlyphRow {
-    std::string_view icon;
-    ui::Glyph glyph;
-};
-
-constexpr GlyphRow kGlyphRows[] = {
-    {"camera", ui::Glyph::kCamera},       {"tag", ui::Glyph::kTag},
-    {"keywords", ui::Glyph::kTag},        {"list", ui::Glyph::kList},
-    {"all-properties", ui::Glyph::kList}, {"person", ui::Glyph::kPerson},
-    {"rights", ui::Glyph::kPerson},       {"rating", ui::Glyph::kStar},
-};
-
-ui::Glyph GlyphOf(const DialogView& view)
+std::string_view IconOf(const DialogView& view)
 {
-    if (view.HasErrors()) {
-        return ui::Glyph::kError;
-    }
-    const auto* const row = std::find_if(std::begin(kGlyphRows), std::end(kGlyphRows),
-                                         [&](const GlyphRow& r) { return r.icon == view.icon; });
-    return row != std::end(kGlyphRows) ? row->glyph : ui::Glyph::kDocument;
+    return view.HasErrors() ? ui::icons::kError : ViewIcon(view.icon);
 }
 
 std::unique_ptr<Look> NewLook(kivmetadataui::DialogSession& session)
@@ -82,6 +66,7 @@ bool IsDark(const ui::Theme& theme)
 DialogWindow::DialogWindow(kivmetadataui::DialogSession& session, HWND host)
     : session_(session), model_(session.Model()), look_(NewLook(session))
 {
+    RegisterArtwork();
     const bool isDark = IsDark(look_->Theme());
     darkSide_ = std::make_unique<DarkSide>(isDark);
     if (!Create(nullptr, wxID_ANY, ToWx(model_.WindowTitle()), wxDefaultPosition, wxDefaultSize,
@@ -283,7 +268,7 @@ void DialogWindow::UpdateWords()
     }
     std::vector<NavigationList::Item> items;
     for (const DialogView& view : model_.Views()) {
-        items.push_back({view.label, GlyphOf(view), view.HasChanges(), view.HasErrors()});
+        items.push_back({view.label, IconOf(view), view.HasChanges(), view.HasErrors()});
     }
     const std::size_t none = items.size();
     side_->List().SetItems(std::move(items), pages_->IsSearchShown() ? none : model_.CurrentView());

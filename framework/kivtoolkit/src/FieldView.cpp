@@ -94,7 +94,7 @@ void FieldView::Create()
     UpdateBody();
     ShowBody(true);
     if (!field_.IsReadOnly()) {
-        revert_ = Keep(new IconButton(look_, page_, ui::kGround, ui::Glyph::kRevert,
+        revert_ = Keep(new IconButton(look_, page_, ui::kGround, ui::icons::kRevert,
                                       Text("$$$/Kiv/Dialog/Field/Revert=Revert to the saved value"),
                                       [this] { Revert(); }));
         revert_->Hide();

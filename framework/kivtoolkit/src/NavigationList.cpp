@@ -84,7 +84,7 @@ void NavigationList::Draw(const ui::Drawing& drawing, const ui::Rect& rect)
         state.changed = items_[i].isChanged;
         // The items reach over the whole width of the list, ring room included.
         const ui::Rect item{0, rect.y + ItemTop(i), rect.x * 2 + rect.width, height};
-        ui::DrawNavigationItem(drawing, item, items_[i].name, items_[i].glyph, nullptr, state);
+        ui::DrawNavigationItem(drawing, item, items_[i].name, items_[i].icon, state);
     }
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <string_view>
 #include <vector>
 
 namespace kivtoolkit {
@@ -14,7 +15,7 @@ class NavigationList : public OwnControl {
 public:
     struct Item {
         kivcore::UString name;
-        kivui::ui::Glyph glyph = kivui::ui::Glyph::kDocument;
+        std::string_view icon;  // a name in the icon cache
         bool isChanged = false;
         bool hasErrors = false;
         bool operator==(const Item&) const = default;

@@ -201,7 +201,7 @@ void PopupList::Draw(const ui::Drawing& drawing, const ui::Rect& area)
             ui::DrawHairline(drawing, item, ui::HairlineDirection::kHorizontal);
         }
         const double indent = look_.Px(kTextIndent - kPadding);
-        const double side = look_.Px(12);
+        const double side = look_.Px(ui::metrics::kSign);
         ui::Rect text{item.x + indent, item.y, item.width - indent - look_.Px(kPadding),
                       item.height};
         ui::Rect sign{item.x + std::floor((indent - side) / 2),
@@ -211,9 +211,7 @@ void PopupList::Draw(const ui::Drawing& drawing, const ui::Rect& area)
             sign = ui::MirrorRect(sign, item);
         }
         ui::DrawTextLine(drawing, items_[i].label, text, ui::TextRole::kBody);
-        if (items_[i].isChecked) {
-            ui::DrawGlyph(drawing, ui::Glyph::kCheck, sign, drawing.Color(ui::kIcon));
-        }
+        ui::DrawIcon(drawing, items_[i].isChecked ? ui::icons::kCheck : items_[i].icon, sign);
     }
     drawing.painter.Frame(area, 0, look_.Px(ui::metrics::kFrameWidth),
                           drawing.Color(ui::kFieldFrameHover));

@@ -8,6 +8,7 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
+#include <string_view>
 #include <vector>
 
 #include <wx/window.h>
@@ -20,6 +21,7 @@ struct PopupItem {
     kivcore::UString label;
     bool isChecked = false;
     bool beginsGroup = false;  ///< a line above it
+    std::string_view icon{};   ///< of what does something instead of being chosen
 };
 
 /// Opens lists; the dialog's window does.

@@ -1,5 +1,6 @@
 #include "framework/kivtoolkit/src/SidePanel.h"
 
+#include "framework/kivtoolkit/src/Artwork.h"
 #include "framework/kivtoolkit/src/Texts.h"
 
 #include <wx/cursor.h>
@@ -37,7 +38,7 @@ SidePanel::SidePanel(Look& look, wxWindow& parent, Actions actions)
     };
     search_ = std::make_unique<TextEntry>(look_, *this, TextShape::kLine, std::move(search));
     search_->Describe(Text("$$$/Kiv/Dialog/Search/Name=Search"), {});
-    clear_ = new IconButton(look_, *this, ui::kFieldGround, ui::Glyph::kCross,
+    clear_ = new IconButton(look_, *this, ui::kFieldGround, ui::icons::kCross,
                             Text("$$$/Kiv/Dialog/Search/Clear=Clear the search"),
                             [this] { ClearSearch(); });
     clear_->SetTakesFocus(false);  // Esc does the same
@@ -50,11 +51,10 @@ SidePanel::SidePanel(Look& look, wxWindow& parent, Actions actions)
                      state.focused = search_->HasFocus();
                      ui::DrawFieldFrame(drawing, frame, state);
                      ui::Rect text = ui::FieldTextRect(drawing, frame);
-                     const double side = look_.Px(ui::metrics::kGlyph);
-                     const ui::Rect glyph{look_.IsMirrored() ? text.x + text.width - side : text.x,
-                                          text.y + (text.height - side) / 2, side, side};
-                     ui::DrawGlyph(drawing, ui::Glyph::kSearch, ui::SnapRect(glyph),
-                                   drawing.Color(ui::kIcon));
+                     const double side = look_.Px(ui::metrics::kSign);
+                     const ui::Rect sign{look_.IsMirrored() ? text.x + text.width - side : text.x,
+                                         text.y + (text.height - side) / 2, side, side};
+                     ui::DrawIcon(drawing, icons::kSearch, ui::SnapRect(sign));
                      if (search_->IsBlank()) {
                          const double indent = side + look_.Px(6);
                          text.width -= indent;
@@ -90,7 +90,7 @@ void SidePanel::Arrange()
     const wxSize client = GetClientSize();
     const wxRect frame = FrameRect();
     wxRect text = ToWx(ui::FieldTextRect(look_.Measuring(), FromWx(frame)));
-    const int indent = look_.Px(ui::metrics::kGlyph + 6);
+    const int indent = look_.Px(ui::metrics::kSign + 6);
     const int inset = look_.Px(4);  // clear of the frame's round corners
     const int side = frame.height - 2 * inset;
     text.width -= indent + side - look_.Px(ui::metrics::kFieldPadding) / 2;

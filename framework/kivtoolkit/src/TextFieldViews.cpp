@@ -1,5 +1,6 @@
 #include "framework/kivtoolkit/src/TextFieldViews.h"
 
+#include "framework/kivtoolkit/src/Artwork.h"
 #include "framework/kivtoolkit/src/NativeText.h"
 #include "framework/kivtoolkit/src/Texts.h"
 
@@ -190,7 +191,7 @@ int OpenChoiceFieldView::TrailingRoom()
 void OpenChoiceFieldView::CreateBody()
 {
     TextFieldView::CreateBody();
-    open_ = Keep(new IconButton(look_, page_, ui::kFieldGround, ui::Glyph::kChevronDown,
+    open_ = Keep(new IconButton(look_, page_, ui::kFieldGround, icons::kChevronDown,
                                 Text("$$$/Kiv/Dialog/Field/OpenList=Open the list"),
                                 [this] { OpenList(); }));
     open_->SetTakesFocus(false);  // the arrow keys open the list too
@@ -271,7 +272,7 @@ void LanguageFieldView::CreateBody()
     TextFieldView::CreateBody();
     button_ = Keep(new PushButton(look_, page_, ui::kFieldGround, ui::ButtonKind::kQuiet,
                                   [this] { OpenLanguages(); }));
-    button_->SetGlyph(ui::Glyph::kChevronDown);
+    button_->SetIcon(icons::kChevronDown);
 }
 
 int LanguageFieldView::TrailingRoom()
@@ -279,7 +280,7 @@ int LanguageFieldView::TrailingRoom()
     const ui::Drawing drawing = look_.Measuring();
     return static_cast<int>(
                ui::MeasureButton(drawing, ButtonText(), ui::ButtonKind::kQuiet).width) +
-           look_.Px(16);
+           look_.Px(ui::metrics::kSign);
 }
 
 void LanguageFieldView::PlaceBody(const wxRect& body)
@@ -324,12 +325,12 @@ void LanguageFieldView::OpenLanguages()
     for (const LanguageName& name : languages_.AddableLanguages()) {
         tags.push_back(name.tag);
         items.push_back({Text("$$$/Kiv/Dialog/Field/AddLanguage=Add ^0", name.label), false,
-                         std::exchange(beginsGroup, false)});
+                         std::exchange(beginsGroup, false), icons::kAdd});
     }
     const std::size_t removal = items.size();
     items.push_back({Text("$$$/Kiv/Dialog/Field/RemoveLanguage=Remove ^0",
                           languages_.CurrentLanguageName().label),
-                     false, true});
+                     false, true, icons::kRemove});
     popups_.OpenPopup(*button_, button_->VisibleRect(), std::move(items),
                       [this, tags = std::move(tags), removal](std::size_t index) {
                           if (index == removal) {

@@ -1,5 +1,7 @@
 #include "framework/kivtoolkit/src/ToggleControls.h"
 
+#include "framework/kivtoolkit/src/Artwork.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -156,7 +158,7 @@ void DropControl::Draw(const ui::Drawing& drawing, const ui::Rect& rect)
 {
     ui::DrawFieldFrame(drawing, rect, state_);
     ui::Rect inner = ui::FieldTextRect(drawing, rect);
-    const double side = look_.Px(ui::metrics::kGlyph);
+    const double side = look_.Px(ui::metrics::kSign);
     ui::Rect text = inner;
     text.width -= side;
     ui::Rect sign{inner.x + text.width, inner.y, side, inner.height};
@@ -169,8 +171,8 @@ void DropControl::Draw(const ui::Drawing& drawing, const ui::Rect& rect)
                      ui::TextAlign::kStart, state_.disabled);
     sign.y += std::floor((sign.height - side) / 2);
     sign.height = side;
-    ui::DrawGlyph(drawing, ui::Glyph::kChevronDown, sign,
-                  drawing.Color(state_.disabled ? ui::kDisabledText : ui::kIcon));
+    ui::DrawIcon(drawing, icons::kChevronDown, sign,
+                 state_.disabled ? std::optional(ui::kDisabledText) : std::nullopt);
 }
 
 void DropControl::Click(const wxPoint&)

@@ -108,7 +108,7 @@ void RatingFieldView::PlaceBody(const wxRect& body)
 {
     const int width = std::min(body.width, stars_->WantedSize().x);
     // A star is smaller than its place: the first one's edge stands where other fields begin.
-    const int shift = look_.Px((ui::metrics::kStar - ui::metrics::kGlyph) / 2);
+    const int shift = look_.Px((ui::metrics::kStar - ui::metrics::kSign) / 2);
     const int x = look_.IsMirrored() ? body.x + body.width - width + shift : body.x - shift;
     stars_->Place(wxRect(x, body.y, width, body.height));
 }

@@ -6,7 +6,6 @@
 #include <wx/bitmap.h>
 #include <wx/brush.h>
 #include <wx/image.h>
-#include <wx/pen.h>
 
 #include <algorithm>
 #include <cmath>
@@ -105,38 +104,6 @@ void WxPainter::Frame(const ui::Rect& rect, double radius, double width, const u
     context_.FillPath(path, wxODDEVEN_RULE);
 }
 
-void WxPainter::FillPolygon(const std::vector<ui::Point>& points, const ui::ColorRGBA& color)
-{
-    if (points.empty()) {
-        return;
-    }
-    wxGraphicsPath path = context_.CreatePath();
-    path.MoveToPoint(points.front().x, points.front().y);
-    for (const ui::Point& point : points) {
-        path.AddLineToPoint(point.x, point.y);
-    }
-    path.CloseSubpath();
-    context_.SetBrush(wxBrush(ToWx(color)));
-    context_.FillPath(path, wxWINDING_RULE);
-}
-
-void WxPainter::StrokeLine(const std::vector<ui::Point>& points, double width,
-                           const ui::ColorRGBA& color)
-{
-    if (points.empty()) {
-        return;
-    }
-    wxGraphicsPath path = context_.CreatePath();
-    path.MoveToPoint(points.front().x, points.front().y);
-    for (const ui::Point& point : points) {
-        path.AddLineToPoint(point.x, point.y);
-    }
-    wxGraphicsPenInfo pen(ToWx(color), width);
-    context_.SetPen(context_.CreatePen(pen.Cap(wxCAP_ROUND).Join(wxJOIN_ROUND)));
-    context_.StrokePath(path);
-    context_.SetPen(wxNullPen);
-}
-
 void WxPainter::Text(kivcore::UStringView text, const ui::Rect& rect, const ui::TextStyle& style)
 {
     const wxFont& font = FontFor(style);
@@ -163,6 +130,11 @@ ui::Size WxPainter::MeasureText(kivcore::UStringView text, const ui::TextStyle& 
     return MeasureLine(context_, FontFor(style), ToWx(text));
 }
 
+double WxPainter::DeviceScale() const
+{
+    return context_.GetContentScaleFactor();
+}
+
 void WxPainter::DrawPixels(const ui::Pixels& pixels, const ui::Point& at)
 {
     if (pixels.width <= 0 || pixels.height <= 0) {
@@ -178,10 +150,14 @@ void WxPainter::DrawPixels(const ui::Pixels& pixels, const ui::Point& at)
         for (const unsigned shift : {16U, 8U, 0U}) {
             const std::uint32_t part = (argb >> shift) & 0xFFU;
             *rgb++ = static_cast<unsigned char>(
-                opacity == 0 ? 0 : std::min<std::uint32_t>(255, part * 255 / opacity));
+                opacity == 0 ? 0
+                             : std::min<std::uint32_t>(255, (part * 255 + opacity / 2) / opacity));
         }
     }
-    context_.DrawBitmap(wxBitmap(image), at.x, at.y, pixels.width, pixels.height);
+    const double scale = DeviceScale();
+    context_.DrawBitmap(wxBitmap(image), std::floor(at.x * scale + 0.5) / scale,
+                        std::floor(at.y * scale + 0.5) / scale, pixels.width / scale,
+                        pixels.height / scale);
 }
 
 MeasuringPainter::MeasuringPainter()

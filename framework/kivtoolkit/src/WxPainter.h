@@ -30,14 +30,11 @@ public:
               const kivui::ui::ColorRGBA& color) override;
     void Frame(const kivui::ui::Rect& rect, double radius, double width,
                const kivui::ui::ColorRGBA& color) override;
-    void FillPolygon(const std::vector<kivui::ui::Point>& points,
-                     const kivui::ui::ColorRGBA& color) override;
-    void StrokeLine(const std::vector<kivui::ui::Point>& points, double width,
-                    const kivui::ui::ColorRGBA& color) override;
     void Text(kivcore::UStringView text, const kivui::ui::Rect& rect,
               const kivui::ui::TextStyle& style) override;
     kivui::ui::Size MeasureText(kivcore::UStringView text,
                                 const kivui::ui::TextStyle& style) override;
+    double DeviceScale() const override;
     void DrawPixels(const kivui::ui::Pixels& pixels, const kivui::ui::Point& at) override;
 
 private:

@@ -66,18 +66,6 @@ TEST_F(WxPainterTest, CornersAreRound)
     EXPECT_EQ(rows[6][0], '#');
 }
 
-TEST_F(WxPainterTest, PolygonsAndLines)
-{
-    const auto triangle = Draw(8, 8, [](WxPainter& p) {
-        p.FillPolygon({{0, 0}, {8, 0}, {8, 8}}, kBlack);
-    });
-    EXPECT_EQ(triangle[1][7], '#');
-    EXPECT_EQ(triangle[7][0], '.');
-    const auto line = Draw(8, 4, [](WxPainter& p) { p.StrokeLine({{1, 2}, {7, 2}}, 2, kBlack); });
-    EXPECT_EQ(line[1].substr(2, 4), "####");
-    EXPECT_EQ(line[3], "........");
-}
-
 TEST_F(WxPainterTest, PixelsArePremultiplied)
 {
     ui::Pixels pixels;
@@ -89,6 +77,20 @@ TEST_F(WxPainterTest, PixelsArePremultiplied)
                        p.DrawPixels(pixels, {0, 0});
                    }),
               (std::vector<std::string>{"#.+"}));
+}
+
+TEST_F(WxPainterTest, PixelsGoToWholePixels)
+{
+    ui::Pixels pixels;
+    pixels.width = 2;
+    pixels.height = 1;
+    pixels.argb = {0xFF000000U, 0xFF000000U};
+    EXPECT_EQ(Draw(5, 2,
+                   [&](WxPainter& p) {
+                       EXPECT_EQ(p.DeviceScale(), 1);
+                       p.DrawPixels(pixels, {1.4, 0.6});
+                   }),
+              (std::vector<std::string>{".....", ".##.."}));
 }
 
 TEST_F(WxPainterTest, LongTextEndsInAnEllipsis)

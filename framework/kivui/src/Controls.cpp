@@ -2,6 +2,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <memory>
+#include <vector>
+
+#include <kivui/IconCache.h>
 
 namespace kivui::ui {
 
@@ -88,6 +92,12 @@ Rect Cut(Rect& rest, double width)
 Rect Placed(const Drawing& drawing, const Rect& inner, const Rect& outer)
 {
     return drawing.mirrored ? MirrorRect(inner, outer) : inner;
+}
+
+// The colour that all of an icon takes; none: its own.
+std::optional<ThemeColor> IconColorOf(const ControlState& state)
+{
+    return state.disabled ? std::optional(kDisabledText) : std::nullopt;
 }
 
 // What hovering and pressing lay over a ground.
@@ -196,6 +206,27 @@ void DrawTextLine(const Drawing& drawing, kivcore::UStringView text, const Rect&
     drawing.painter.Text(text, rect, style);
 }
 
+void DrawIcon(const Drawing& drawing, std::string_view icon, const Rect& rect,
+              std::optional<ThemeColor> color)
+{
+    std::vector<IconColor> colors;
+    if (color) {
+        for (const IconVariable& variable : IconVariables()) {
+            colors.push_back({variable.name, drawing.Color(*color)});
+        }
+    }
+    const double deviceScale = drawing.painter.DeviceScale();
+    const double side = std::min(rect.width, rect.height);
+    const std::shared_ptr<const Pixels> pixels = IconCache::Draw(
+        icon, drawing.theme,
+        {side / drawing.scale, drawing.scale * deviceScale, drawing.mirrored, colors});
+    if (pixels != nullptr) {
+        drawing.painter.DrawPixels(*pixels,
+                                   {rect.x + (rect.width - pixels->width / deviceScale) / 2,
+                                    rect.y + (rect.height - pixels->height / deviceScale) / 2});
+    }
+}
+
 void DrawFocusRing(const Drawing& drawing, const Rect& rect, double radiusUnits)
 {
     const double width = SnapUnits(metrics::kFocusWidth, drawing.scale);
@@ -251,13 +282,13 @@ Size MeasureButton(const Drawing& drawing, kivcore::UStringView label, ButtonKin
             SnapUnits(row.heightUnits, drawing.scale)};
 }
 
-void DrawIconButton(const Drawing& drawing, const Rect& rect, Glyph glyph,
+void DrawIconButton(const Drawing& drawing, const Rect& rect, std::string_view icon,
                     const ControlState& state)
 {
     const Rect place = SnapRect(rect);
     FillTint(drawing, place, metrics::kCornerRadius * drawing.scale, state);
-    DrawGlyph(drawing, glyph, Middle(place, SnapUnits(metrics::kGlyph, drawing.scale)),
-              drawing.Color(state.disabled ? kDisabledText : kIcon));
+    DrawIcon(drawing, icon, Middle(place, SnapUnits(metrics::kSign, drawing.scale)),
+             IconColorOf(state));
     if (state.focused) {
         DrawFocusRing(drawing, place, metrics::kCornerRadius);
     }
@@ -265,7 +296,7 @@ void DrawIconButton(const Drawing& drawing, const Rect& rect, Glyph glyph,
 
 void DrawRevertButton(const Drawing& drawing, const Rect& rect, const ControlState& state)
 {
-    DrawIconButton(drawing, rect, Glyph::kRevert, state);
+    DrawIconButton(drawing, rect, icons::kRevert, state);
 }
 
 void DrawFieldFrame(const Drawing& drawing, const Rect& rect, const ControlState& state)
@@ -287,7 +318,7 @@ Rect FieldTextRect(const Drawing& drawing, const Rect& rect)
 }
 
 void DrawNavigationItem(const Drawing& drawing, const Rect& rect, kivcore::UStringView name,
-                        Glyph glyph, const Pixels* pixels, const ControlState& state)
+                        std::string_view icon, const ControlState& state)
 {
     const Rect place = SnapRect(rect);
     const double padding = SnapUnits(metrics::kNavigationPadding, drawing.scale);
@@ -304,15 +335,8 @@ void DrawNavigationItem(const Drawing& drawing, const Rect& rect, kivcore::UStri
     Cut(rest, padding);
     Cut(rest, -padding);
     const double iconSize = SnapUnits(metrics::kNavigationIcon, drawing.scale);
-    const Rect slot = Placed(drawing, Middle(Cut(rest, iconSize), iconSize), place);
-    if (pixels != nullptr) {
-        drawing.painter.DrawPixels(*pixels,
-                                   {slot.x + std::floor((slot.width - pixels->width) / 2),
-                                    slot.y + std::floor((slot.height - pixels->height) / 2)});
-    } else {
-        DrawGlyph(drawing, glyph, Middle(slot, SnapUnits(metrics::kGlyph, drawing.scale)),
-                  drawing.Color(state.disabled ? kDisabledText : kIcon));
-    }
+    DrawIcon(drawing, icon, Placed(drawing, Middle(Cut(rest, iconSize), iconSize), place),
+             IconColorOf(state));
     Cut(rest, SnapUnits(metrics::kGap, drawing.scale));
     // The dot's place stays free, so that no name jumps when its view changes.
     const Rect dot = Cut(rest, -SnapUnits(metrics::kChangedDot, drawing.scale));
@@ -353,12 +377,11 @@ void DrawChip(const Drawing& drawing, const Rect& rect, kivcore::UStringView tex
 
     if (!state.disabled && (state.hovered || state.focused)) {
         const Rect cross =
-            Middle(ChipCrossRect(drawing, place), SnapUnits(metrics::kGlyph, drawing.scale));
+            Middle(ChipCrossRect(drawing, place), SnapUnits(metrics::kSign, drawing.scale));
         if (crossHovered) {
             drawing.painter.Fill(cross, cross.width / 2, drawing.Color(kPressedTint));
         }
-        DrawGlyph(drawing, Glyph::kCross, Middle(cross, SnapUnits(12, drawing.scale)),
-                  drawing.Color(kIcon));
+        DrawIcon(drawing, icons::kCross, cross);
     }
     if (state.focused) {
         DrawFocusRing(drawing, place, radius / drawing.scale);
@@ -386,14 +409,9 @@ void DrawStars(const Drawing& drawing, const Rect& rect, int count, int value, i
 {
     const int filled = hoveredStars > 0 && !state.disabled ? hoveredStars : value;
     for (int i = 0; i < count; ++i) {
-        const bool isFilled = i < filled;
-        ThemeColor color = isFilled ? kStar : kStarEmpty;
-        if (state.disabled) {
-            color = kDisabledText;
-        }
-        DrawGlyph(drawing, isFilled ? Glyph::kStar : Glyph::kStarOutline,
-                  Middle(StarRect(drawing, rect, i), SnapUnits(metrics::kGlyph, drawing.scale)),
-                  drawing.Color(color));
+        DrawIcon(drawing, i < filled ? icons::kStar : icons::kStarEmpty,
+                 Middle(StarRect(drawing, rect, i), SnapUnits(metrics::kSign, drawing.scale)),
+                 IconColorOf(state));
     }
     if (state.focused && count > 0) {
         const Rect first = StarRect(drawing, rect, 0);
@@ -429,8 +447,8 @@ void DrawCheck(const Drawing& drawing, const Rect& rect, kivcore::UStringView la
         if (state.focused) {
             DrawFilledFocus(drawing, box);
         }
-        DrawGlyph(drawing, value == CheckValue::kOn ? Glyph::kCheck : Glyph::kMinus, box,
-                  drawing.Color(state.disabled ? kDisabledText : kAccentText));
+        DrawIcon(drawing, value == CheckValue::kOn ? icons::kCheck : icons::kMixed, box,
+                 state.disabled ? kDisabledText : kAccentText);
     }
     Cut(rest, SnapUnits(metrics::kGap, drawing.scale));
     DrawTextLine(drawing, label, Placed(drawing, rest, place), TextRole::kBody, TextAlign::kStart,
@@ -467,11 +485,10 @@ void DrawMessage(const Drawing& drawing, const Rect& rect, kivcore::UStringView 
     TextRole role = TextRole::kHint;
     if (kind != MessageKind::kHint) {
         role = isError ? TextRole::kErrorText : TextRole::kWarningText;
-        const double side = SnapUnits(metrics::kGlyph, drawing.scale);
+        const double side = SnapUnits(metrics::kSign, drawing.scale);
         const Rect slot = Cut(rest, MessageIndent(drawing, kind));
         const Rect icon{slot.x, slot.y + std::floor((slot.height - side) / 2), side, side};
-        DrawGlyph(drawing, isError ? Glyph::kError : Glyph::kWarning, Placed(drawing, icon, place),
-                  drawing.Color(isError ? kError : kWarning));
+        DrawIcon(drawing, isError ? icons::kError : icons::kWarning, Placed(drawing, icon, place));
     }
     DrawTextLine(drawing, text, Placed(drawing, rest, place), role);
 }
@@ -481,7 +498,7 @@ double MessageIndent(const Drawing& drawing, MessageKind kind)
     if (kind == MessageKind::kHint) {
         return 0;
     }
-    return SnapUnits(metrics::kGlyph, drawing.scale) + SnapUnits(4, drawing.scale);
+    return SnapUnits(metrics::kSign, drawing.scale) + SnapUnits(4, drawing.scale);
 }
 
 }  // namespace kivui::ui

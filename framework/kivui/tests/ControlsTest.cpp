@@ -11,6 +11,7 @@
 
 #include <gtest/gtest.h>
 
+#include "framework/kivui/tests/FakeArtwork.h"
 #include "framework/kivui/tests/RecordingPainter.h"
 
 namespace kivui::ui {
@@ -95,13 +96,13 @@ Draw Field(const ControlState& state)
 
 Draw IconButton(const ControlState& state)
 {
-    return [=](const Drawing& d) { DrawIconButton(d, At(d, 4, 4, 24, 24), Glyph::kCross, state); };
+    return [=](const Drawing& d) { DrawIconButton(d, At(d, 4, 4, 24, 24), "cross", state); };
 }
 
 Draw NavigationItem(const ControlState& state)
 {
     return [=](const Drawing& d) {
-        DrawNavigationItem(d, At(d, 0, 32, 200, 32), u"Camera", Glyph::kPlus, nullptr, state);
+        DrawNavigationItem(d, At(d, 0, 32, 200, 32), u"Camera", "camera", state);
     };
 }
 
@@ -175,11 +176,7 @@ std::vector<Control> Controls()
           {"selected hovered", NavigationItem(With(Selected(), &ControlState::hovered))},
           {"selected focused", NavigationItem(With(Selected(), &ControlState::focused))},
           {"changed", NavigationItem(With({}, &ControlState::changed))},
-          {"with pixels",
-           [](const Drawing& d) {
-               const Pixels icon{20, 18, std::vector<std::uint32_t>(20 * 18)};
-               DrawNavigationItem(d, At(d, 0, 0, 200, 32), u"Tags", Glyph::kPlus, &icon, {});
-           }}}},
+          {"disabled", NavigationItem(Disabled())}}},
         {"chip",
          {{"normal", Chip({})},
           {"hovered", Chip(Hovered())},
@@ -248,6 +245,7 @@ constexpr Variant kVariants[] = {
 
 std::string Record(const Control& control)
 {
+    const FakeArtwork artwork;
     const boost::intrusive_ptr<NumberedTheme> theme(new NumberedTheme);
     std::string text;
     for (const Variant& variant : kVariants) {
@@ -363,6 +361,46 @@ TEST(SnapRect, KeepsNeighboursTouching)
     EXPECT_EQ(right.width, 34);
 }
 
+class Icons : public testing::Test {
+protected:
+    std::vector<std::string> Draw(std::string_view icon, const Rect& rect, double scale,
+                                  double deviceScale, std::optional<ThemeColor> color = {})
+    {
+        RecordingPainter painter;
+        painter.deviceScale = deviceScale;
+        DrawIcon(Drawing{painter, *theme_, scale, false}, icon, rect, color);
+        return painter.Calls();
+    }
+
+private:
+    boost::intrusive_ptr<NumberedTheme> theme_{new NumberedTheme};
+};
+
+using Calls = std::vector<std::string>;
+
+TEST_F(Icons, FillTheSquareInTheMiddleOfTheirPlace)
+{
+    const FakeArtwork artwork;
+    EXPECT_EQ(Draw("cross", {10, 20, 30, 16}, 1, 1), Calls{"icon cross 16x16 at 17,20 icon"});
+    EXPECT_EQ(Draw("cross", {10, 20, 24, 24}, 1.5, 1), Calls{"icon cross 24x24 at 10,20 icon"});
+    EXPECT_EQ(Draw("star", {0, 0, 16, 16}, 1, 1, kLink), Calls{"icon star 16x16 at 0,0 link"});
+}
+
+TEST_F(Icons, HaveThePixelsOfTheDevice)
+{
+    const FakeArtwork artwork;
+    EXPECT_EQ(Draw("cross", {10, 20, 16, 16}, 1, 2), Calls{"icon cross 32x32 at 10,20 icon"});
+    EXPECT_EQ(Draw("cross", {10, 20, 12, 12}, 0.75, 2), Calls{"icon cross 24x24 at 10,20 icon"});
+}
+
+TEST_F(Icons, AreLeftOutWithoutArtworkOrHandler)
+{
+    EXPECT_EQ(Draw("cross", {0, 0, 16, 16}, 1, 1), Calls{});
+    const FakeArtwork artwork;
+    EXPECT_EQ(Draw("unknown", {0, 0, 16, 16}, 1, 1), Calls{});
+    EXPECT_EQ(Draw("cross", {0, 0, 0, 16}, 1, 1), Calls{});
+}
+
 TEST(Controls, TooSmallRectanglesDrawNoTextAndDoNotFail)
 {
     const boost::intrusive_ptr<NumberedTheme> theme(new NumberedTheme);
@@ -370,7 +408,7 @@ TEST(Controls, TooSmallRectanglesDrawNoTextAndDoNotFail)
     const Drawing drawing{painter, *theme, 2, false};
     for (const double side : {0.0, 1.0, 5.0}) {
         const Rect rect{0, 0, side, side};
-        DrawNavigationItem(drawing, rect, u"Camera", Glyph::kPlus, nullptr, Selected());
+        DrawNavigationItem(drawing, rect, u"Camera", "camera", Selected());
         DrawChip(drawing, rect, u"winter", Hovered());
         DrawCheck(drawing, rect, u"Marked", CheckValue::kOn, {});
         EXPECT_GE(FieldTextRect(drawing, rect).width, -4) << side;

@@ -1,17 +1,15 @@
 #include "framework/kivui/tests/RecordingPainter.h"
 
-#include <algorithm>
 #include <cmath>
 #include <sstream>
 
 #include <kivcore/StringConversion.h>
 
+#include "framework/kivui/tests/FakeArtwork.h"
+
 namespace kivui::ui {
 
 namespace {
-
-// Longer outlines are told by their number of points and the box about them.
-constexpr std::size_t kMaxListedPoints = 5;
 
 std::string Number(double value)
 {
@@ -49,17 +47,6 @@ void RecordingPainter::Frame(const Rect& rect, double radius, double width, cons
                      Name(color));
 }
 
-void RecordingPainter::FillPolygon(const std::vector<Point>& points, const ColorRGBA& color)
-{
-    calls_.push_back("polygon " + Outline(points) + " " + Name(color));
-}
-
-void RecordingPainter::StrokeLine(const std::vector<Point>& points, double width,
-                                  const ColorRGBA& color)
-{
-    calls_.push_back("line " + Outline(points) + " w" + Number(width) + " " + Name(color));
-}
-
 void RecordingPainter::Text(kivcore::UStringView text, const Rect& rect, const TextStyle& style)
 {
     constexpr const char* kWeights[] = {"normal", "medium", "semibold"};
@@ -77,28 +64,11 @@ Size RecordingPainter::MeasureText(kivcore::UStringView text, const TextStyle& s
 
 void RecordingPainter::DrawPixels(const Pixels& pixels, const Point& at)
 {
-    calls_.push_back("pixels " + std::to_string(pixels.width) + "x" +
-                     std::to_string(pixels.height) + " at " + Number(at.x) + "," + Number(at.y));
-}
-
-std::string RecordingPainter::Outline(const std::vector<Point>& points)
-{
-    corners_.insert(corners_.end(), points.begin(), points.end());
-    std::string text;
-    if (points.size() <= kMaxListedPoints) {
-        for (const Point& point : points) {
-            text += (text.empty() ? "" : " ") + Number(point.x) + "," + Number(point.y);
-        }
-        return text;
-    }
-    Point low = points.front();
-    Point high = low;
-    for (const Point& point : points) {
-        low = {std::min(low.x, point.x), std::min(low.y, point.y)};
-        high = {std::max(high.x, point.x), std::max(high.y, point.y)};
-    }
-    return std::to_string(points.size()) + " points within " +
-           Place({low.x, low.y, high.x - low.x, high.y - low.y});
+    const std::uint32_t pixel = pixels.argb.front();
+    const auto red = static_cast<float>((pixel >> 16) & 0xFFU) / 255.0f;
+    calls_.push_back("icon " + NameOfPixel(pixel) + " " + std::to_string(pixels.width) + "x" +
+                     std::to_string(pixels.height) + " at " + Number(at.x) + "," + Number(at.y) +
+                     " " + Name({red, 0, 0, 1}));
 }
 
 }  // namespace kivui::ui

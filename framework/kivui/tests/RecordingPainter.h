@@ -71,23 +71,19 @@ class RecordingPainter : public Painter {
 public:
     void Fill(const Rect& rect, double radius, const ColorRGBA& color) override;
     void Frame(const Rect& rect, double radius, double width, const ColorRGBA& color) override;
-    void FillPolygon(const std::vector<Point>& points, const ColorRGBA& color) override;
-    void StrokeLine(const std::vector<Point>& points, double width,
-                    const ColorRGBA& color) override;
     void Text(kivcore::UStringView text, const Rect& rect, const TextStyle& style) override;
     /// Half the size for each unit of text.
     Size MeasureText(kivcore::UStringView text, const TextStyle& style) override;
+    double DeviceScale() const override { return deviceScale; }
+    /// Expects an icon of FakeArtwork.
     void DrawPixels(const Pixels& pixels, const Point& at) override;
 
     const std::vector<std::string>& Calls() const { return calls_; }
-    /// The corners of all that was drawn in lines and polygons.
-    const std::vector<Point>& Corners() const { return corners_; }
+
+    double deviceScale = 1;
 
 private:
-    std::string Outline(const std::vector<Point>& points);
-
     std::vector<std::string> calls_;
-    std::vector<Point> corners_;
 };
 
 }  // namespace kivui::ui

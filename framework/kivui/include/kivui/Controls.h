@@ -6,7 +6,8 @@
 
 #pragma once
 
-#include <cstddef>
+#include <optional>
+#include <string_view>
 
 #include <kivcore/UString.h>
 #include <kivui/Export.h>
@@ -27,7 +28,7 @@ inline constexpr double kSmallButtonPadding = 8;
 inline constexpr double kFieldHeight = 28;
 inline constexpr double kFieldPadding = 8;  ///< from the frame to the text
 inline constexpr double kIconButton = 24;   ///< also the smallest pointer target
-inline constexpr double kGlyph = 16;
+inline constexpr double kSign = 16;         ///< the icon of a button, a field, a message
 inline constexpr double kNavigationItemHeight = 32;
 inline constexpr double kNavigationIcon = 20;
 inline constexpr double kNavigationBar = 3;
@@ -95,34 +96,23 @@ KIVUI_API void DrawTextLine(const Drawing& drawing, kivcore::UStringView text, c
                             TextRole role, TextAlign align = TextAlign::kStart,
                             bool disabled = false);
 
-/// Small pictures of one colour. Those that show a direction are mirrored with the drawing.
-enum class Glyph : std::size_t {
-    kNone,
-    kCross,
-    kPlus,
-    kMinus,
-    kCheck,
-    kChevronNext,
-    kChevronDown,
-    kChevronUp,
-    kRevert,
-    kSearch,
-    kError,
-    kWarning,
-    kInfo,
-    kCalendar,
-    kStar,
-    kStarOutline,
-    kDocument,
-    kCamera,
-    kTag,
-    kList,
-    kPerson,
-};
+/// Names in the icon cache of what the controls here draw. Whoever shows them registers artwork;
+/// without artwork, or without an SVG handler, a control shows no icon.
+namespace icons {
+inline constexpr std::string_view kCheck = "check";
+inline constexpr std::string_view kCross = "cross";
+inline constexpr std::string_view kError = "error";
+inline constexpr std::string_view kMixed = "mixed";
+inline constexpr std::string_view kRevert = "revert";
+inline constexpr std::string_view kStar = "star";
+inline constexpr std::string_view kStarEmpty = "star-empty";
+inline constexpr std::string_view kWarning = "warning";
+}  // namespace icons
 
-/// Draws `glyph` as large as fits, in the middle of `rect`.
-KIVUI_API void DrawGlyph(const Drawing& drawing, Glyph glyph, const Rect& rect,
-                         const ColorRGBA& color);
+/// Draws an icon of the cache as large as fits, in the middle of `rect`: in the colours that its
+/// artwork names, or all of it in `color`.
+KIVUI_API void DrawIcon(const Drawing& drawing, std::string_view icon, const Rect& rect,
+                        std::optional<ThemeColor> color = std::nullopt);
 
 /// The ring around a focused control, just outside `rect`, whose corners have `radiusUnits`.
 KIVUI_API void DrawFocusRing(const Drawing& drawing, const Rect& rect, double radiusUnits);
@@ -141,8 +131,8 @@ KIVUI_API void DrawButton(const Drawing& drawing, const Rect& rect, kivcore::USt
 /// The size that a button needs for its label, whole pixels.
 KIVUI_API Size MeasureButton(const Drawing& drawing, kivcore::UStringView label, ButtonKind kind);
 
-/// A button that shows only a glyph: revert, clear, open the calendar.
-KIVUI_API void DrawIconButton(const Drawing& drawing, const Rect& rect, Glyph glyph,
+/// A button that shows only an icon: clear, open a list.
+KIVUI_API void DrawIconButton(const Drawing& drawing, const Rect& rect, std::string_view icon,
                               const ControlState& state);
 KIVUI_API void DrawRevertButton(const Drawing& drawing, const Rect& rect,
                                 const ControlState& state);
@@ -152,10 +142,10 @@ KIVUI_API void DrawFieldFrame(const Drawing& drawing, const Rect& rect, const Co
 /// Where the text of a field stands.
 KIVUI_API Rect FieldTextRect(const Drawing& drawing, const Rect& rect);
 
-/// An entry of the list of views: `pixels` (if not null) or `glyph` in the icon's place, the name,
-/// a tint and a bar at the leading edge when selected, a dot at the trailing one when changed.
+/// An entry of the list of views: its icon and name, a tint and a bar at the leading edge when
+/// selected, a dot at the trailing one when changed.
 KIVUI_API void DrawNavigationItem(const Drawing& drawing, const Rect& rect,
-                                  kivcore::UStringView name, Glyph glyph, const Pixels* pixels,
+                                  kivcore::UStringView name, std::string_view icon,
                                   const ControlState& state);
 
 /// An entry of a list field. The cross shows while hovered or focused, and not when disabled.

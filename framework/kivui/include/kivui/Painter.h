@@ -57,15 +57,14 @@ public:
     virtual void Fill(const Rect& rect, double radius, const ColorRGBA& color) = 0;
     /// Draws the frame just inside `rect`, `width` wide.
     virtual void Frame(const Rect& rect, double radius, double width, const ColorRGBA& color) = 0;
-    /// Fills a polygon, non-zero winding.
-    virtual void FillPolygon(const std::vector<Point>& points, const ColorRGBA& color) = 0;
-    /// Strokes an open line with round ends.
-    virtual void StrokeLine(const std::vector<Point>& points, double width,
-                            const ColorRGBA& color) = 0;
     /// One line of text, in the middle of `rect`'s height; what does not fit ends in an ellipsis.
     virtual void Text(kivcore::UStringView text, const Rect& rect, const TextStyle& style) = 0;
     virtual Size MeasureText(kivcore::UStringView text, const TextStyle& style) = 0;
-    /// Draws pixels with their upper left corner at `at`, one pixel to a pixel.
+    /// Pixels of the device for each pixel of the surface: above 1 where the system scales what
+    /// programs draw.
+    virtual double DeviceScale() const = 0;
+    /// Draws `pixels` one to one onto pixels of the device, the upper left corner at the one that
+    /// is nearest to `at`.
     virtual void DrawPixels(const Pixels& pixels, const Point& at) = 0;
 };
 
