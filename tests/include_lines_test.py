@@ -46,7 +46,8 @@ LAYERS = {
     "fuzz": ("dictionary", "svgloom", "framework/kivcore/src", "framework/kivui/src",
              "framework/kivxmp/src", "framework/kivmetadata/src", "kivcore", "kivui", "kivxmp",
              "kivmetadata"),
-    "tests": ("include", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui"),
+    "tests": ("include", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
+              "svgloom", "tools/common", "tools/svgloom"),
 }
 
 # Single headers beyond the layer: a host drives the dialog and asks why something failed; the SVG
