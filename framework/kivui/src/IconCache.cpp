@@ -101,6 +101,17 @@ State& InUse()
     return *inUse;
 }
 
+// All that is kept belongs to `handler` afterwards.
+State& InUseFor(svg::ISVGHandler* handler)
+{
+    State& state = InUse();
+    if (handler != state.handler) {
+        IconCache::Clear();
+        state.handler = handler;
+    }
+    return state;
+}
+
 Palette PaletteOf(const Theme& theme)
 {
     Palette palette;
@@ -195,9 +206,6 @@ std::shared_ptr<const Pixels> Render(State& state, Artwork& artwork, int side, b
     if (target == nullptr) {
         throw std::bad_alloc();
     }
-    if (mirrored) {
-        target->Surface().Concat({-1, 0, 0, 1, static_cast<float>(side), 0});
-    }
     state.style->colors = Variables(state.palette, request.colors);
     if (state.style->rasterizerParameters != nullptr) {
         state.style->rasterizerParameters->SetScale(static_cast<float>(request.scale));
@@ -205,6 +213,12 @@ std::shared_ptr<const Pixels> Render(State& state, Artwork& artwork, int side, b
     const bool isDrawn = Contain("An icon was not drawn", [&] {
         state.handler->Render(*target, artwork.document, state.style, side, side);
     });
+    if (mirrored) {
+        // The pixels, not the drawing: antialiased edges are the same then.
+        for (auto row = pixels->argb.begin(); row != pixels->argb.end(); row += side) {
+            std::reverse(row, row + side);
+        }
+    }
     // Artwork that cannot be read makes an empty document, which shows nothing.
     const bool isVisible = std::any_of(pixels->argb.begin(), pixels->argb.end(),
                                        [](std::uint32_t pixel) { return pixel != 0; });
@@ -230,16 +244,11 @@ void Keep(State& state, std::string key, const std::shared_ptr<const Pixels>& pi
     }
 }
 
-// Makes sure that all that is kept belongs to this handler; false without one.
-bool UseHandler(State& state)
+// Null without one.
+svg::ISVGHandler* HandlerInForce()
 {
     const UI_NodeManager* const manager = UI_NodeManager::Get(true);
-    svg::ISVGHandler* const handler = manager != nullptr ? manager->GetSVGHandler() : nullptr;
-    if (handler != state.handler) {
-        IconCache::Clear();
-        state.handler = handler;
-    }
-    return handler != nullptr;
+    return manager != nullptr ? manager->GetSVGHandler() : nullptr;
 }
 
 // Whole pixels; 0 for what is too small, too large or no number.
@@ -322,23 +331,25 @@ bool IconCache::IsRegistered(std::string_view name) noexcept
 std::shared_ptr<const Pixels> IconCache::Draw(std::string_view name, const Theme& theme,
                                               const IconRequest& request)
 {
-    State& state = InUse();
-    const auto found = state.named.find(name);
+    svg::ISVGHandler* const handler = HandlerInForce();
     const int side = SideOf(request);
-    if (found == state.named.end() || side == 0 || !UseHandler(state)) {
+    if (handler == nullptr || side == 0 || !IsRegistered(name)) {
         return nullptr;
     }
-    return ui::Draw(state, found->second, side, found->second.mirroring, theme, request);
+    State& state = InUseFor(handler);
+    Artwork& artwork = state.named.find(name)->second;
+    return ui::Draw(state, artwork, side, artwork.mirroring, theme, request);
 }
 
 std::shared_ptr<const Pixels> IconCache::DrawArtwork(std::string_view svg, IconMirroring mirroring,
                                                      const Theme& theme, const IconRequest& request)
 {
-    State& state = InUse();
+    svg::ISVGHandler* const handler = HandlerInForce();
     const int side = SideOf(request);
-    if (side == 0 || !UseHandler(state)) {
+    if (handler == nullptr || side == 0) {
         return nullptr;
     }
+    State& state = InUseFor(handler);
     return ui::Draw(state, EnsureUnnamed(state, svg), side, mirroring, theme, request);
 }
 
