@@ -12,6 +12,7 @@
 #include <memory>
 #include <string_view>
 
+#include "svgloom/renderer/PathSegments.h"
 #include "svgloom/renderer/Records.h"
 
 namespace SVGLoom {
@@ -36,6 +37,30 @@ public:
     /// A quadratic curve to (x, y).
     virtual void QuadTo(float cx, float cy, float x, float y) = 0;
     virtual void ClosePath() = 0;
+    /// Appends many segments, as if each came by its own operation.
+    virtual void AddSegments(const PathSegments& segments)
+    {
+        using Kind = PathSegments::Kind;
+        segments.ForEach([this](Kind kind, const float* n) {
+            switch (kind) {
+                case Kind::kMove:
+                    MoveTo(n[0], n[1]);
+                    break;
+                case Kind::kLine:
+                    LineTo(n[0], n[1]);
+                    break;
+                case Kind::kCurve:
+                    CurveTo(n[0], n[1], n[2], n[3], n[4], n[5]);
+                    break;
+                case Kind::kClose:
+                    ClosePath();
+                    break;
+                case Kind::kQuad:
+                    QuadTo(n[0], n[1], n[2], n[3]);
+                    break;
+            }
+        });
+    }
 };
 
 /// An affine matrix for row vectors: x' = x*a + y*c + e, y' = x*b + y*d + f.

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <cstring>
 #include <new>
 
 namespace SVGLoom {
@@ -53,66 +54,64 @@ void ScrivelSVGPath::AddEllipse(float cx, float cy, float rx, float ry)
     ClosePath();
 }
 
+template <std::size_t count>
+void ScrivelSVGPath::Append(PathSegments::Kind kind, const float (&coordinates)[count])
+{
+    std::uint8_t* const room = MakeRoom(1 + sizeof coordinates);
+    *room = static_cast<std::uint8_t>(kind);
+    std::memcpy(room + 1, coordinates, sizeof coordinates);
+    size_ += 1 + sizeof coordinates;
+}
+
 void ScrivelSVGPath::MoveTo(float x, float y)
 {
-    const float coordinates[] = {x, y};
-    Append(Kind::kMove, coordinates);
+    Append(PathSegments::Kind::kMove, {x, y});
 }
 
 void ScrivelSVGPath::LineTo(float x, float y)
 {
-    const float coordinates[] = {x, y};
-    Append(Kind::kLine, coordinates);
+    Append(PathSegments::Kind::kLine, {x, y});
 }
 
 void ScrivelSVGPath::CurveTo(float x1, float y1, float x2, float y2, float x, float y)
 {
-    const float coordinates[] = {x1, y1, x2, y2, x, y};
-    Append(Kind::kCurve, coordinates);
+    Append(PathSegments::Kind::kCurve, {x1, y1, x2, y2, x, y});
 }
 
-// The control points are not raised by two thirds, which makes quads rounder than the SVG
-// standard's; artwork was drawn for this. A close does not move the current point.
-// ScrivelSVGPath.QuadsKeepTheirControlPoint holds both.
 void ScrivelSVGPath::QuadTo(float cx, float cy, float x, float y)
 {
-    CurveTo(lastX_, lastY_, cx, cy, x, y);
+    Append(PathSegments::Kind::kQuad, {cx, cy, x, y});
 }
 
 void ScrivelSVGPath::ClosePath()
 {
-    constexpr float kNone[1] = {};
-    Append(Kind::kClose, kNone);
+    *MakeRoom(1) = static_cast<std::uint8_t>(PathSegments::Kind::kClose);
+    ++size_;
 }
 
-void ScrivelSVGPath::Append(Kind kind, const float* coordinates)
+void ScrivelSVGPath::AddSegments(const PathSegments& segments)
 {
-    const std::size_t bytes = CoordinateBytes(kind);
-    if (capacity_ - size_ < 1 + bytes) {
-        Grow(size_ + 1 + bytes);
+    if (segments.size() != 0) {
+        std::memcpy(MakeRoom(segments.size()), segments.data(), segments.size());
+        size_ += segments.size();
     }
-    block_[size_] = static_cast<std::uint8_t>(kind);
-    if (bytes != 0) {
-        std::memcpy(block_ + size_ + 1, coordinates, bytes);
-        const std::size_t count = bytes / sizeof(float);
-        lastX_ = coordinates[count - 2];
-        lastY_ = coordinates[count - 1];
-    }
-    size_ += 1 + bytes;
 }
 
 // Documents hold their paths for long, so little is left over: an eighth, and small blocks fit.
-void ScrivelSVGPath::Grow(std::size_t need)
+std::uint8_t* ScrivelSVGPath::MakeRoom(std::size_t bytes)
 {
-    constexpr std::size_t kHeader = 8;  // of an allocator's block, whose sizes are multiples of 16
-    std::size_t capacity = std::max(need, capacity_ + capacity_ / 8);
-    capacity = (capacity + kHeader + 15) / 16 * 16 - kHeader;
-    void* const block = std::realloc(block_, capacity);
-    if (block == nullptr) {
-        throw std::bad_alloc();
+    if (capacity_ - size_ < bytes) {
+        constexpr std::size_t kHeader = 8;  // of an allocator's block, a multiple of 16 in size
+        std::size_t capacity = std::max(size_ + bytes, capacity_ + capacity_ / 8);
+        capacity = (capacity + kHeader + 15) / 16 * 16 - kHeader;
+        void* const block = std::realloc(block_, capacity);
+        if (block == nullptr) {
+            throw std::bad_alloc();
+        }
+        block_ = static_cast<std::uint8_t*>(block);
+        capacity_ = capacity;
     }
-    block_ = static_cast<std::uint8_t*>(block);
-    capacity_ = capacity;
+    return block_ + size_;
 }
 
 }  // namespace SVGLoom

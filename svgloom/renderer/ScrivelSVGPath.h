@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 
 #include "svgloom/renderer/SVGRenderer.h"
 
@@ -28,38 +27,40 @@ public:
     void CurveTo(float x1, float y1, float x2, float y2, float x, float y) override;
     void QuadTo(float cx, float cy, float x, float y) override;
     void ClosePath() override;
+    /// Exactly what is needed is allocated where the path is empty.
+    void AddSegments(const PathSegments& segments) override;
 
     /// Calls visit(kind, coordinates): 2 for a move or line, 6 for a curve, none for a close.
     template <class Visit>
     void ForEach(Visit&& visit) const
     {
-        for (std::size_t at = 0; at < size_;) {
-            float coordinates[kMaxCoordinates];
-            const auto kind = static_cast<Kind>(block_[at]);
-            const std::size_t bytes = CoordinateBytes(kind);
-            std::memcpy(coordinates, block_ + at + 1, bytes);
-            visit(kind, static_cast<const float*>(coordinates));
-            at += 1 + bytes;
-        }
+        // The control points are not raised by two thirds, which makes quads rounder than the SVG
+        // standard's; artwork was drawn for this. A close does not move the current point, which
+        // is 0, 0 before there is any. ScrivelSVGPath.QuadsKeepTheirControlPoint holds both.
+        float lastX = 0;
+        float lastY = 0;
+        PathSegments(block_, size_).ForEach([&](PathSegments::Kind kind, const float* n) {
+            if (kind == PathSegments::Kind::kQuad) {
+                const float curve[] = {lastX, lastY, n[0], n[1], n[2], n[3]};
+                visit(Kind::kCurve, static_cast<const float*>(curve));
+            } else {
+                visit(static_cast<Kind>(kind), n);
+            }
+            if (const std::size_t count = PathSegments::CoordinatesOf(kind); count != 0) {
+                lastX = n[count - 2];
+                lastY = n[count - 1];
+            }
+        });
     }
 
 private:
-    static constexpr std::size_t kMaxCoordinates = 6;
+    template <std::size_t count>
+    void Append(PathSegments::Kind kind, const float (&coordinates)[count]);
+    std::uint8_t* MakeRoom(std::size_t bytes);
 
-    static std::size_t CoordinateBytes(Kind kind)
-    {
-        constexpr std::uint8_t kCounts[] = {2, 2, 6, 0};
-        return kCounts[static_cast<std::size_t>(kind)] * sizeof(float);
-    }
-    void Append(Kind kind, const float* coordinates);
-    void Grow(std::size_t need);
-
-    std::uint8_t* block_ = nullptr;  // a kind and its coordinates in turn
+    std::uint8_t* block_ = nullptr;  // as PathSegments
     std::size_t size_ = 0;
     std::size_t capacity_ = 0;
-    // The last two coordinates; 0, 0 before there are any.
-    float lastX_ = 0;
-    float lastY_ = 0;
 };
 
 }  // namespace SVGLoom

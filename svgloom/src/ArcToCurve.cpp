@@ -71,7 +71,7 @@ void TracePair(std::string_view opening, float first, float second)
 
 /// Appends one piece and returns its second control point.
 Point AddArcToCurve(const Ellipse& ellipse, const ArcEnd& start, const ArcEnd& end, bool tracing,
-                    Path& path)
+                    PathBuffer& path)
 {
     const float k = (4.0f / 3.0f) * Tangent((end.angle - start.angle) / 4);
     const Point first = {start.point.x - k * ellipse.rx * start.sine,
@@ -88,7 +88,7 @@ Point AddArcToCurve(const Ellipse& ellipse, const ArcEnd& start, const ArcEnd& e
         text.Values(end.point.x, end.point.y) << ')';
         traceSite.Write(text.Text());
     }
-    path.CurveTo(first.x, first.y, second.x, second.y, end.point.x, end.point.y);
+    path.CurveTo(first, second, end.point);
     return second;
 }
 
@@ -133,7 +133,7 @@ float AngleOf(const Point& point, const Ellipse& ellipse)
 
 }  // namespace
 
-void ArcToCurve(const Point& from, const Arc& arc, Path& path)
+void ArcToCurve(const Point& from, const Arc& arc, PathBuffer& path)
 {
     const bool tracing = traceSite.Enabled();
     if (tracing) {

@@ -2,14 +2,9 @@
 
 #pragma once
 
-#include "svgloom/renderer/SVGRenderer.h"
+#include "svgloom/src/PathBuffer.h"
 
 namespace SVGLoom {
-
-struct Point {
-    float x = 0;
-    float y = 0;
-};
 
 /// An arc as path data gives it; the end point is absolute.
 struct Arc {
@@ -23,6 +18,6 @@ struct Arc {
 
 /// Appends the arc from `from` to `path`, in pieces of at most 120 degrees. The rotation is not
 /// applied, and a radius of 0 gives coordinates that are not finite; both on purpose.
-void ArcToCurve(const Point& from, const Arc& arc, Path& path);
+void ArcToCurve(const Point& from, const Arc& arc, PathBuffer& path);
 
 }  // namespace SVGLoom

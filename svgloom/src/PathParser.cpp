@@ -4,11 +4,15 @@
 #include <kivcore/Trace.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 
 #include "svgloom/src/ArcToCurve.h"
 #include "svgloom/src/Characters.h"
 #include "svgloom/src/NumberReader.h"
+#include "svgloom/src/PathBuffer.h"
 #include "svgloom/src/SVGStringParser.h"
 #include "svgloom/src/TraceText.h"
 
@@ -17,6 +21,49 @@ namespace SVGLoom {
 namespace {
 
 constinit kivcore::debug::TraceSite unhandledSite("SVGLoom.Parse", 6);
+
+/// What stands behind a command letter.
+struct Arguments {
+    std::uint8_t numbers = 0;
+    std::uint8_t flags = 0;  // a bit for each of the numbers that is a flag of one digit
+    bool isKnown = false;
+};
+
+constexpr std::size_t kMostNumbers = 7;
+
+/// By the lower-case letter.
+constexpr Arguments ArgumentsOf(char command)
+{
+    switch (command) {
+        case 'm':
+        case 'l':
+        case 't':
+            return {2, 0, true};
+        case 'h':
+        case 'v':
+            return {1, 0, true};
+        case 'c':
+            return {6, 0, true};
+        case 's':
+        case 'q':
+            return {4, 0, true};
+        case 'a':
+            return {kMostNumbers, 1 << 3 | 1 << 4, true};
+        case 'z':
+            return {0, 0, true};
+        default:
+            return {};
+    }
+}
+
+// One read instead of a switch: what comes next is hard to foresee.
+constexpr auto kArguments = [] {
+    std::array<Arguments, 128> table{};
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        table[i] = ArgumentsOf(ToLower(static_cast<char>(i)));
+    }
+    return table;
+}();
 
 constexpr bool IsClose(char command)
 {
@@ -35,9 +82,11 @@ constexpr char RepeatOf(char command)
     return command == 'M' ? 'L' : command == 'm' ? 'l' : command;
 }
 
+// Everything is inlined into Read(), so that the state stays in registers: its only other home
+// would be memory that each number has to pass through.
 class PathReader {
 public:
-    PathReader(const char* current, const char* end, Path& path, PathNotes* notes)
+    PathReader(const char* current, const char* end, PathBuffer& path, PathNotes* notes)
         : current_(current), end_(end), path_(path), notes_(notes)
     {
     }
@@ -47,6 +96,7 @@ public:
         if (!ReadCommands()) {
             Note(PathNote::kStopped, current_);
         }
+        path_.Flush();
     }
 
 private:
@@ -60,7 +110,7 @@ private:
     }
 
     /// False if it stopped early.
-    bool ReadCommands()
+    [[gnu::always_inline]] bool ReadCommands()
     {
         if (!SkipSpace(current_, end_)) {
             return true;
@@ -85,7 +135,7 @@ private:
     }
 
     /// Carries out one command, and unknown ones before it. False ends the parse.
-    bool Execute(char command)
+    [[gnu::always_inline]] bool Execute(char command)
     {
         for (;;) {
             if (IsClose(previous_)) {
@@ -119,71 +169,102 @@ private:
         }
     }
 
-    Outcome Dispatch(char command)
+    [[gnu::always_inline]] Outcome Dispatch(char command)
     {
+        const auto index = static_cast<unsigned char>(command);
+        const Arguments arguments = index < kArguments.size() ? kArguments[index] : Arguments();
+        if (!arguments.isKnown) {
+            return Outcome::kUnknown;
+        }
+        const char* const start = current_;
+        if (notes_ != nullptr && ToLower(command) == 's') {
+            NoteSmoothStart();
+        }
+        float numbers[kMostNumbers];
+        // The one place where numbers are read: code that is met often is foreseen best.
+        for (unsigned i = 0; i < arguments.numbers; ++i) {
+            SkipSeparator(current_, end_);
+            const bool isFlag = (arguments.flags >> i & 1U) != 0;
+            if (isFlag ? !ReadFlag(numbers[i]) : !ReadNumber(current_, end_, numbers[i])) {
+                return Outcome::kUnreadable;
+            }
+        }
         const bool relative = command >= 'a';
-        Point points[3];
+        const Point origin = relative ? position_ : Point();
+        const auto point = [&numbers, relative, &origin](int at) {
+            const Point given = {numbers[at], numbers[at + 1]};
+            return relative ? Point{given.x + origin.x, given.y + origin.y} : given;
+        };
         switch (ToLower(command)) {
             case 'm':
-                if (!ReadPoint(points[0], relative)) {
-                    return Outcome::kUnreadable;
-                }
-                start_ = points[0];
-                path_.MoveTo(points[0].x, points[0].y);
-                position_ = points[0];
-                return Outcome::kDone;
+                position_ = start_ = point(0);
+                path_.MoveTo(position_.x, position_.y);
+                break;
             case 'l':
-                if (!ReadPoint(points[0], relative)) {
-                    return Outcome::kUnreadable;
-                }
-                return LineTo(points[0]);
+                LineTo(point(0));
+                break;
             case 'h':
-                if (!ReadNext(points[0].x)) {
-                    return Outcome::kUnreadable;
-                }
-                return LineTo({relative ? position_.x + points[0].x : points[0].x, position_.y});
+                LineTo({relative ? position_.x + numbers[0] : numbers[0], position_.y});
+                break;
             case 'v':
-                if (!ReadNext(points[0].y)) {
-                    return Outcome::kUnreadable;
-                }
-                return LineTo({position_.x, relative ? position_.y + points[0].y : points[0].y});
+                LineTo({position_.x, relative ? position_.y + numbers[0] : numbers[0]});
+                break;
             case 'c':
-                if (!ReadPoint(points[0], relative) || !ReadPoint(points[1], relative) ||
-                    !ReadPoint(points[2], relative)) {
-                    return Outcome::kUnreadable;
-                }
-                return CurveTo(points[0], points[1], points[2]);
+                CurveTo(point(0), point(2), point(4));
+                break;
             case 's':
-                if (notes_ != nullptr) {
-                    NoteSmoothStart();
-                }
-                if (!ReadPoint(points[0], relative) || !ReadPoint(points[1], relative)) {
-                    return Outcome::kUnreadable;
-                }
                 // Always the reflection, whatever command came before.
-                return CurveTo(Reflected(cubicControl_), points[0], points[1]);
+                CurveTo(Reflected(cubicControl_), point(0), point(2));
+                break;
             case 'q':
-                if (!ReadPoint(points[0], relative) || !ReadPoint(points[1], relative)) {
-                    return Outcome::kUnreadable;
-                }
-                return QuadTo(points[0], points[1]);
+                QuadTo(point(0), point(2));
+                break;
             case 't': {
-                if (!ReadPoint(points[0], relative)) {
-                    return Outcome::kUnreadable;
-                }
                 const char before = ToLower(previous_);
-                return QuadTo(before == 'q' || before == 't' ? Reflected(quadControl_) : position_,
-                              points[0]);
+                QuadTo(before == 'q' || before == 't' ? Reflected(quadControl_) : position_,
+                       point(0));
+                break;
             }
             case 'a':
-                return ArcTo(relative);
-            case 'z':
+                ArcTo({numbers[0], numbers[1], numbers[2], numbers[3] != 0, numbers[4] != 0,
+                       point(5)},
+                      start);
+                break;
+            default:
                 path_.ClosePath();
                 position_ = start_;
-                return Outcome::kDone;
-            default:
-                return Outcome::kUnknown;
+                break;
         }
+        return Outcome::kDone;
+    }
+
+    void LineTo(const Point& to)
+    {
+        path_.LineTo(to);
+        position_ = to;
+    }
+
+    void CurveTo(const Point& first, const Point& second, const Point& to)
+    {
+        path_.CurveTo(first, second, to);
+        cubicControl_ = second;
+        position_ = to;
+    }
+
+    void QuadTo(const Point& control, const Point& to)
+    {
+        path_.QuadTo(control, to);
+        quadControl_ = control;
+        position_ = to;
+    }
+
+    void ArcTo(const Arc& arc, const char* start)
+    {
+        if (notes_ != nullptr && IsTurned(arc)) {
+            notes_->Add(PathNote::kRotatedArc, start);
+        }
+        ArcToCurve(Point(position_), arc, path_);
+        position_ = arc.to;
     }
 
     /// Whether the rotation of an arc would show. Circles, as drawing programs round them, have
@@ -208,83 +289,25 @@ private:
         }
     }
 
-    Outcome LineTo(const Point& to)
-    {
-        path_.LineTo(to.x, to.y);
-        position_ = to;
-        return Outcome::kDone;
-    }
-
-    Outcome CurveTo(const Point& first, const Point& second, const Point& to)
-    {
-        path_.CurveTo(first.x, first.y, second.x, second.y, to.x, to.y);
-        cubicControl_ = second;
-        position_ = to;
-        return Outcome::kDone;
-    }
-
-    Outcome QuadTo(const Point& control, const Point& to)
-    {
-        path_.QuadTo(control.x, control.y, to.x, to.y);
-        quadControl_ = control;
-        position_ = to;
-        return Outcome::kDone;
-    }
-
-    Outcome ArcTo(bool relative)
-    {
-        const char* const start = current_;
-        Arc arc;
-        if (!ReadNext(arc.rx) || !ReadNext(arc.ry) || !ReadNext(arc.rotationDegrees) ||
-            !ReadFlag(arc.large) || !ReadFlag(arc.sweep) || !ReadPoint(arc.to, relative)) {
-            return Outcome::kUnreadable;
-        }
-        if (notes_ != nullptr && IsTurned(arc)) {
-            notes_->Add(PathNote::kRotatedArc, start);
-        }
-        ArcToCurve(position_, arc, path_);
-        position_ = arc.to;
-        return Outcome::kDone;
-    }
-
     Point Reflected(const Point& control) const
     {
         return {2 * position_.x - control.x, 2 * position_.y - control.y};
     }
 
-    [[gnu::always_inline]] bool ReadNext(float& number)
-    {
-        SkipSeparator(current_, end_);
-        return ReadNumber(current_, end_, number);
-    }
-
-    bool ReadPoint(Point& point, bool relative)
-    {
-        if (!ReadNext(point.x) || !ReadNext(point.y)) {
-            return false;
-        }
-        if (relative) {
-            point.x += position_.x;
-            point.y += position_.y;
-        }
-        return true;
-    }
-
     /// A single "0" or "1"; flags may touch each other and the number behind them.
-    bool ReadFlag(bool& flag)
+    bool ReadFlag(float& flag)
     {
-        SkipSeparator(current_, end_);
         if (current_ == end_ || (*current_ != '0' && *current_ != '1')) {
             return false;
         }
-        flag = *current_++ == '1';
+        flag = *current_++ == '1' ? 1.0f : 0.0f;
         return true;
     }
 
     const char* current_;
-    const char* end_;
-    Path& path_;
-    PathNotes* notes_;
+    const char* const end_;
+    PathBuffer& path_;
+    PathNotes* const notes_;
     char previous_ = 'm';
     Point position_;
     Point start_;
@@ -296,7 +319,9 @@ private:
 
 void SVGStringParser::ParsePath(std::string_view text, Path& path, PathNotes* notes)
 {
-    PathReader(text.data(), text.data() + text.size(), path, notes).Read();
+    const bool traces = unhandledSite.Enabled();
+    PathBuffer buffer(path, traces ? PathBuffer::Mode::kEachAtOnce : PathBuffer::Mode::kPacked);
+    PathReader(text.data(), text.data() + text.size(), buffer, notes).Read();
 }
 
 }  // namespace SVGLoom

@@ -40,6 +40,7 @@ TEST(Path, SlotOrder)
     EXPECT_EQ(VirtualSlot(&Path::CurveTo), 6);
     EXPECT_EQ(VirtualSlot(&Path::QuadTo), 7);
     EXPECT_EQ(VirtualSlot(&Path::ClosePath), 8);
+    EXPECT_EQ(VirtualSlot(&Path::AddSegments), 9);
 }
 
 TEST(Transform, SlotOrder)

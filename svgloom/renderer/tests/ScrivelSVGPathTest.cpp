@@ -3,7 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <charconv>
+#include <cstdint>
+#include <initializer_list>
 #include <string>
+#include <vector>
 
 namespace SVGLoom {
 namespace {
@@ -107,6 +110,33 @@ TEST(ScrivelSVGPath, LongPaths)
         ++seen;
     });
     EXPECT_EQ(seen, kCount);
+}
+
+// As the operations one by one, whichever comes first.
+TEST(ScrivelSVGPath, PackedSegments)
+{
+    using Kind = PathSegments::Kind;
+    std::vector<std::uint8_t> block;
+    const auto pack = [&block](Kind kind, std::initializer_list<float> coordinates) {
+        block.push_back(static_cast<std::uint8_t>(kind));
+        const auto* const bytes = reinterpret_cast<const std::uint8_t*>(coordinates.begin());
+        block.insert(block.end(), bytes, bytes + coordinates.size() * sizeof(float));
+    };
+    pack(Kind::kQuad, {1, 2, 3, 4});
+    pack(Kind::kClose, {});
+    pack(Kind::kMove, {5, 6});
+    pack(Kind::kLine, {7, 8});
+    pack(Kind::kCurve, {1, 2, 3, 4, 5, 6});
+    ScrivelSVGPath path;
+    path.AddSegments({nullptr, 0});
+    EXPECT_EQ(Text(path), "");
+    path.MoveTo(9, 9);
+    path.AddSegments({block.data(), block.size()});
+    path.ClosePath();
+    path.AddSegments({block.data(), block.size()});
+    EXPECT_EQ(Text(path),
+              "M 9 9 C 9 9 1 2 3 4 Z M 5 6 L 7 8 C 1 2 3 4 5 6 Z "
+              "C 5 6 1 2 3 4 Z M 5 6 L 7 8 C 1 2 3 4 5 6");
 }
 
 }  // namespace

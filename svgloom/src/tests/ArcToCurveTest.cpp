@@ -32,10 +32,17 @@ public:
     std::vector<Curve> curves;
 };
 
+void Convert(const Point& from, const Arc& arc, Path& path)
+{
+    PathBuffer buffer(path, PathBuffer::Mode::kPacked);
+    ArcToCurve(from, arc, buffer);
+    buffer.Flush();
+}
+
 std::vector<Curve> Convert(const Point& from, const Arc& arc)
 {
     CurveCollector path;
-    ArcToCurve(from, arc, path);
+    Convert(from, arc, path);
     EXPECT_EQ(path.log.Written(), "");
     return path.curves;
 }
@@ -43,7 +50,7 @@ std::vector<Curve> Convert(const Point& from, const Arc& arc)
 std::string Written(const Point& from, const Arc& arc)
 {
     RecordingPath path;
-    ArcToCurve(from, arc, path);
+    Convert(from, arc, path);
     return path.log.Written();
 }
 

@@ -35,6 +35,34 @@ void ExpectCases(std::initializer_list<PathCase> cases)
     }
 }
 
+// More than is handed over to the path at once.
+TEST(ParsePath, ManySegments)
+{
+    std::string input = "M0 0";
+    for (int i = 0; i < 2000; ++i) {
+        const std::string number = std::to_string(i);
+        input += "C1 2 3 4 5 " + number + "Q1 2 3 " + number + "A1 1 0 0 0 3 " + number + "Z";
+    }
+    RecordingPath path;
+    SVGStringParser::ParsePath(input, path);
+    const std::string have = path.log.Written();
+    for (const std::string_view piece :
+         {"C(1, 2, 3, 4, 5, 1999); Q(1, 2, 3, 1999); ", "C(1, 2, 3, 4, 5, 77); Q(1, 2, 3, 77); "}) {
+        EXPECT_NE(have.find(piece), std::string::npos) << piece;
+    }
+    const auto count = [&have](std::string_view what) {
+        int times = 0;
+        for (std::size_t at = have.find(what); at != std::string::npos;
+             at = have.find(what, at + 1)) {
+            ++times;
+        }
+        return times;
+    };
+    EXPECT_EQ(count("Q("), 2000);
+    EXPECT_EQ(count("Z("), 2000);
+    EXPECT_EQ(count("M("), 2000);  // each but the last close is followed by one
+}
+
 TEST(ParsePath, EachCommand)
 {
     ExpectCases({

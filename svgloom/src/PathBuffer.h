@@ -1,0 +1,84 @@
+// Segments on their way to a path, which gets many of them at once: one call for most paths.
+
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#include "svgloom/renderer/SVGRenderer.h"
+
+namespace SVGLoom {
+
+struct Point {
+    float x = 0;
+    float y = 0;
+};
+
+class PathBuffer {
+public:
+    enum class Mode {
+        kPacked,
+        kEachAtOnce,  // so that calls and traces stand in the order of the text
+    };
+
+    /// `path` has to stand as long as this object.
+    PathBuffer(Path& path, Mode mode)
+        : path_(path),
+          flushFrom_(mode == Mode::kPacked ? block_ + kBytes - PathSegments::kMaxBytes : block_)
+    {
+    }
+    PathBuffer(const PathBuffer&) = delete;
+    PathBuffer& operator=(const PathBuffer&) = delete;
+
+    void MoveTo(float x, float y) { Append(PathSegments::Kind::kMove, {x, y}); }
+    void LineTo(const Point& to) { Append(PathSegments::Kind::kLine, {to.x, to.y}); }
+    void CurveTo(const Point& first, const Point& second, const Point& to)
+    {
+        Append(PathSegments::Kind::kCurve, {first.x, first.y, second.x, second.y, to.x, to.y});
+    }
+    void QuadTo(const Point& control, const Point& to)
+    {
+        Append(PathSegments::Kind::kQuad, {control.x, control.y, to.x, to.y});
+    }
+    void ClosePath()
+    {
+        *at_ = static_cast<std::uint8_t>(PathSegments::Kind::kClose);
+        MoveOn(1);
+    }
+
+    /// Hands over what is left.
+    void Flush()
+    {
+        if (at_ != block_) {
+            const std::size_t size = static_cast<std::size_t>(at_ - block_);
+            at_ = block_;
+            path_.AddSegments({block_, size});
+        }
+    }
+
+private:
+    static constexpr std::size_t kBytes = 4096;
+
+    template <std::size_t count>
+    void Append(PathSegments::Kind kind, const float (&coordinates)[count])
+    {
+        *at_ = static_cast<std::uint8_t>(kind);
+        std::memcpy(at_ + 1, coordinates, sizeof coordinates);
+        MoveOn(1 + sizeof coordinates);
+    }
+    void MoveOn(std::size_t bytes)
+    {
+        at_ += bytes;
+        if (at_ > flushFrom_) {
+            Flush();
+        }
+    }
+
+    Path& path_;
+    std::uint8_t* const flushFrom_;  // behind this there may be no room for another segment
+    std::uint8_t* at_ = block_;
+    std::uint8_t block_[kBytes];
+};
+
+}  // namespace SVGLoom
