@@ -17,6 +17,7 @@ using morvish_private::ByteRunValue;
 using morvish_private::DictionaryEntry;
 using morvish_private::DictionaryReader;
 using morvish_private::FastArray;
+using morvish_private::TextArena;
 
 namespace {
 
@@ -30,7 +31,7 @@ constinit Dictionary* fallbackDictionary = nullptr;
 
 struct SplitKey {
     std::string_view name;
-    std::string_view defaultText;
+    const char* defaultText;  // null if there is none
 };
 
 // @return false for a key that no dictionary can hold
@@ -38,16 +39,15 @@ bool Split(const char* key, SplitKey& result)
 {
     if (key == nullptr || *key == '\0')
         return false;
-    std::string_view text(key);
-    if (text.front() == '$') {
-        if (!text.starts_with("$$$"))
+    if (*key == '$') {
+        if (key[1] != '$' || key[2] != '$')
             return false;
-        text.remove_prefix(3);
+        key += 3;
     }
-    const std::size_t equals = text.find('=');
-    result.name = text.substr(0, equals);
-    result.defaultText =
-        equals == std::string_view::npos ? std::string_view() : text.substr(equals + 1);
+    const char* const equals = std::strchr(key, '=');
+    result.name = equals != nullptr ? std::string_view(key, static_cast<std::size_t>(equals - key))
+                                    : std::string_view(key);
+    result.defaultText = equals != nullptr ? equals + 1 : nullptr;
     return true;
 }
 
@@ -58,9 +58,33 @@ bool Answer(const ByteRunValue* value, const char16_t*& units, std::size_t& leng
     return value != nullptr;
 }
 
+// The text for a key that no dictionary has.
+DictionaryString ProcessedDefault(std::string_view defaultText, const ConversionContext* context)
+{
+    if (defaultText.empty())
+        return {};
+    std::u16string text;
+    if (context != nullptr && context->selector != kSelectorNone) {
+        text = ConvertToWide(*context, defaultText);
+    } else {
+        // With sign: a byte from 0x80 up becomes U+FF80 to U+FFFF. This is no Latin-1 on purpose,
+        // for compatibility; a caller that has more than ASCII in its defaults gives a context.
+        // Dictionary.DefaultsAreWidenedWithSign holds it.
+        text.resize(defaultText.size());
+        std::transform(defaultText.begin(), defaultText.end(), text.begin(), [](char byte) {
+            return static_cast<char16_t>(static_cast<signed char>(byte));
+        });
+    }
+    text = morvish_private::EscapeValue(text.data(), text.size());
+    DictionaryString result;
+    result.Assign(text.data(), text.size());
+    return result;
+}
+
 }  // namespace
 
-Dictionary::Dictionary(Format format) : binaryStore_(std::make_shared<FastArray>())
+Dictionary::Dictionary(Format format)
+    : binaryStore_(std::make_shared<FastArray>()), arena_(std::make_shared<TextArena>())
 {
     if (format == Format::kBinary) {
         majorVersion_ = kImageMajor;
@@ -78,7 +102,9 @@ Dictionary& Dictionary::operator=(const Dictionary& other)
     if (this == &other)
         return *this;
     Dictionary copy(other);
-    ClearTextStore();
+    chains_.Forget();
+    index_.Clear();
+    arena_ = std::move(copy.arena_);
     valid_ = true;
     binaryStore_ = std::move(copy.binaryStore_);
     majorVersion_ = copy.majorVersion_;
@@ -91,7 +117,7 @@ Dictionary::~Dictionary()
 {
     if (fallbackDictionary == this)
         fallbackDictionary = nullptr;
-    ClearTextStore();
+    chains_.Forget();  // the entries go with the arena
 }
 
 void Dictionary::CopyBinaryPart(const Dictionary& other)
@@ -106,13 +132,6 @@ void Dictionary::CopyBinaryPart(const Dictionary& other)
     binaryStore_ = other.binaryStore_;
     majorVersion_ = other.majorVersion_;
     minorVersion_ = other.minorVersion_;
-}
-
-void Dictionary::ClearTextStore()
-{
-    chains_.Clear();
-    index_.Clear();
-    arena_.Clear();
 }
 
 void Dictionary::LoadFromStream(std::istream* stream)
@@ -133,11 +152,7 @@ void Dictionary::LoadFromStream(std::istream* stream)
         LoadImage(source, HeaderTextAtEnd::kRead);
         return;
     }
-    while (reader->ReadLine() != nullptr) {
-        const std::u16string_view line = reader->Line();
-        if (!line.empty() && line != kMarkLine)
-            ParseLine(line);
-    }
+    LoadLines(*reader, MarkLine::kSkip);
 }
 
 void Dictionary::LoadFromMemory(const void* block, std::size_t sizeBytes)
@@ -162,20 +177,32 @@ void Dictionary::LoadFromMemory(const void* block, std::size_t sizeBytes)
         valid_ = false;
         return;
     }
-    while (reader->ReadLine() != nullptr) {
-        // A byte-order mark alone on a line is not skipped here: it defines a key of one byte 0xFF.
-        const std::u16string_view line = reader->Line();
-        if (!line.empty())
-            ParseLine(line);
+    // A byte-order mark alone on a line is not skipped here: it defines a key of one byte 0xFF.
+    LoadLines(*reader, MarkLine::kKeep);
+}
+
+void Dictionary::LoadLines(DictionaryReader& reader, MarkLine markLine)
+{
+    // What was read before memory runs out counts.
+    struct Guard {
+        ~Guard() { dictionary.LinkPending(); }
+        Dictionary& dictionary;
+    };
+    const Guard guard{*this};
+    while (reader.ReadLine() != nullptr) {
+        const std::u16string_view line = reader.Line();
+        if (!line.empty() && (markLine == MarkLine::kKeep || line != kMarkLine))
+            TakeLine(line);
     }
 }
 
 void Dictionary::ParseLine(const char16_t* line)
 {
-    ParseLine(std::u16string_view(line));
+    TakeLine(line);
+    LinkPending();
 }
 
-void Dictionary::ParseLine(std::u16string_view line)
+void Dictionary::TakeLine(std::u16string_view line)
 {
     const morvish_private::LineParts parts = morvish_private::SplitLine(line);
     if (!parts.valid) {
@@ -192,19 +219,35 @@ void Dictionary::Store(std::string_view key, std::u16string_view rawValue)
         binaryStore_->Insert(key, processor_.Process(rawValue));
         return;
     }
-    index_.ReserveOne();
-    DictionaryEntry* const entry = DictionaryEntry::Create(arena_, key, rawValue, processor_);
+    if (pendingCount_ == kPendingEntries)
+        LinkPending();
+    index_.ReserveNext(pendingCount_ + 1);
+    DictionaryEntry* const entry = DictionaryEntry::Create(*arena_, key, rawValue, processor_);
+    // The index is larger than the processor's caches and met at random: places are fetched some
+    // entries before they are used.
     const std::uint32_t hash = morvish_private::FullHash(key);
-    TextIndex::Slot* const known = index_.Find(
-        hash, [&](const DictionaryEntry* candidate) { return candidate->View() == key; });
-    if (known != nullptr) {
-        chains_.NoteFound(*known->Get());
-        chains_.Remove();
-        known->Set(entry);
-    } else {
-        index_.Insert(hash, entry);
+    index_.Prefetch(hash);
+    pending_[pendingCount_++] = {entry, hash};
+}
+
+void Dictionary::LinkPending() noexcept
+{
+    for (std::size_t i = 0; i < pendingCount_; ++i) {
+        const auto [entry, hash] = pending_[i];
+        TextIndex::Slot* const known =
+            index_.Find(hash, [&, key = entry->View()](const DictionaryEntry* candidate) {
+                return candidate->View() == key;
+            });
+        if (known != nullptr) {
+            chains_.NoteFound(*known->Get());
+            chains_.Remove();
+            known->Set(entry);
+        } else {
+            index_.InsertReserved(hash, entry);
+        }
+        chains_.Push(entry);
     }
-    chains_.Push(entry);
+    pendingCount_ = 0;
 }
 
 std::size_t Dictionary::EntryCount() const
@@ -217,38 +260,14 @@ const Dictionary* Dictionary::OtherFallback() const
     return fallbackDictionary != this ? fallbackDictionary : nullptr;
 }
 
-const DictionaryEntry* Dictionary::FindEntry(std::string_view key) const
+const ByteRunValue* Dictionary::FindValue(std::string_view key) const
 {
+    if (IsBinary())
+        return FindValue(binaryStore_->Find(key));
     const TextIndex::Slot* const found =
         index_.Find(morvish_private::FullHash(key),
                     [&](const DictionaryEntry* candidate) { return candidate->View() == key; });
-    return found != nullptr ? found->Get() : nullptr;
-}
-
-const ByteRunValue* Dictionary::FindValue(std::string_view key) const
-{
-    if (IsBinary()) {
-        const std::uint32_t index = binaryStore_->Find(key);
-        return FindValue(index);
-    }
-    const DictionaryEntry* const entry = FindEntry(key);
-    return entry != nullptr ? &entry->Value().Value() : nullptr;
-}
-
-bool Dictionary::FindString(std::string_view key, DictionaryString& result) const
-{
-    if (IsBinary()) {
-        const std::uint32_t index = binaryStore_->Find(key);
-        if (!binaryStore_->Exists(index))
-            return false;
-        result = FastArray::Value(binaryStore_, index);
-        return true;
-    }
-    const DictionaryEntry* const entry = FindEntry(key);
-    if (entry == nullptr)
-        return false;
-    result = entry->Value();
-    return true;
+    return found != nullptr ? &found->Get()->Value() : nullptr;
 }
 
 const ByteRunValue* Dictionary::FindValue(std::uint32_t index) const
@@ -256,33 +275,27 @@ const ByteRunValue* Dictionary::FindValue(std::uint32_t index) const
     return IsBinary() && binaryStore_->Exists(index) ? &binaryStore_->RawValue(index) : nullptr;
 }
 
+DictionaryString Dictionary::Share(const ByteRunValue& value) const
+{
+    // The string keeps the whole store, whose count lies at hand.
+    return IsBinary() ? DictionaryString(std::shared_ptr<const ByteRunValue>(binaryStore_, &value))
+                      : DictionaryString(std::shared_ptr<const ByteRunValue>(arena_, &value));
+}
+
 DictionaryString Dictionary::Lookup(const char* key, const ConversionContext* context) const
 {
-    DictionaryString result;
     SplitKey split;
-    if (!Split(key, split) || FindString(split.name, result))
-        return result;
+    if (!Split(key, split))
+        return {};
+    if (const ByteRunValue* const value = FindValue(split.name))
+        return Share(*value);
     const Dictionary* const fallback = OtherFallback();
-    if (fallback != nullptr && fallback->FindString(split.name, result))
-        return result;
-    if (split.defaultText.empty())
-        return result;
-
-    std::u16string text;
-    if (context != nullptr && context->selector != kSelectorNone) {
-        text = ConvertToWide(*context, split.defaultText);
-    } else {
-        // With sign: a byte from 0x80 up becomes U+FF80 to U+FFFF. This is no Latin-1 on purpose,
-        // for compatibility; a caller that has more than ASCII in its defaults gives a context.
-        // Dictionary.DefaultsAreWidenedWithSign holds it.
-        text.resize(split.defaultText.size());
-        std::transform(
-            split.defaultText.begin(), split.defaultText.end(), text.begin(),
-            [](char byte) { return static_cast<char16_t>(static_cast<signed char>(byte)); });
+    if (fallback != nullptr) {
+        if (const ByteRunValue* const value = fallback->FindValue(split.name))
+            return fallback->Share(*value);
     }
-    text = morvish_private::EscapeValue(text.data(), text.size());
-    result.Assign(text.data(), text.size());
-    return result;
+    return split.defaultText != nullptr ? ProcessedDefault(split.defaultText, context)
+                                        : DictionaryString();
 }
 
 bool Dictionary::RawLookup(const char* key, const char16_t*& units, std::size_t& lengthUnits) const
@@ -302,11 +315,13 @@ DictionaryString Dictionary::LookupIndex(std::uint32_t index) const
 {
     if (!IsBinary())
         return {};
-    if (binaryStore_->Exists(index))
-        return FastArray::Value(binaryStore_, index);
+    if (const ByteRunValue* const value = FindValue(index))
+        return Share(*value);
     const Dictionary* const fallback = OtherFallback();
-    if (fallback != nullptr && fallback->FindValue(index) != nullptr)
-        return FastArray::Value(fallback->binaryStore_, index);
+    if (fallback != nullptr) {
+        if (const ByteRunValue* const value = fallback->FindValue(index))
+            return fallback->Share(*value);
+    }
     return {};
 }
 
@@ -342,7 +357,7 @@ void Dictionary::VisitEntries(EntryVisitor& visitor) const
 
 std::size_t Dictionary::TextStoreBytes() const
 {
-    return index_.ReservedBytes() + arena_.ReservedBytes();
+    return index_.ReservedBytes() + arena_->ReservedBytes();
 }
 
 void Dictionary::SetFallback(Dictionary* dictionary)

@@ -17,6 +17,7 @@
 #include "dictionary/TextArena.h"
 #include "dictionary/ValuePasses.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <istream>
@@ -28,6 +29,7 @@
 
 namespace morvish_private {
 
+class DictionaryReader;
 class ImageSource;
 struct WrittenEntry;
 
@@ -172,13 +174,14 @@ private:
     bool IsBinary() const { return majorVersion_ >= 2; }
     const Dictionary* OtherFallback() const;
     void CopyBinaryPart(const Dictionary& other);
-    void ClearTextStore();
-    void ParseLine(std::u16string_view line);
+    enum class MarkLine { kSkip, kKeep };
+    void LoadLines(morvish_private::DictionaryReader& reader, MarkLine markLine);
+    void TakeLine(std::u16string_view line);
     void Store(std::string_view key, std::u16string_view rawValue);
-    const morvish_private::DictionaryEntry* FindEntry(std::string_view key) const;
+    void LinkPending() noexcept;
     const morvish_private::ByteRunValue* FindValue(std::string_view key) const;
-    bool FindString(std::string_view key, DictionaryString& result) const;
     const morvish_private::ByteRunValue* FindValue(std::uint32_t index) const;
+    DictionaryString Share(const morvish_private::ByteRunValue& value) const;
 
     morvish_private::BucketChains chains_;   // 1021 heads, and what the last search found
     [[maybe_unused]] std::uint8_t one_ = 1;  // set at construction, used by nothing
@@ -188,9 +191,19 @@ private:
     std::int8_t minorVersion_ = 0;
     std::unique_ptr<char[]> headerText_;  // ends in NUL; null without an image
 
-    // The text store's second index and its memory.
+    // The text store's second index and its memory, which strings share as a whole: a count for
+    // each entry or block would be one more place in memory that a lookup touches.
     TextIndex index_;
-    morvish_private::TextArena arena_;
+    std::shared_ptr<morvish_private::TextArena> arena_;
+
+    // Entries whose place in the index is being fetched. Room for them has been made there.
+    struct PendingEntry {
+        morvish_private::DictionaryEntry* entry;
+        std::uint32_t hash;
+    };
+    static constexpr std::size_t kPendingEntries = 16;
+    std::array<PendingEntry, kPendingEntries> pending_{};
+    std::size_t pendingCount_ = 0;
 
     // Buffers of ParseLine(), kept from line to line.
     std::string keyBuffer_;

@@ -15,9 +15,8 @@ namespace morvish_private {
 class DictionaryEntry : public ByteRunKey {
 public:
     /// Makes an entry in `arena`, with copies of the key and of the value, which goes through the
-    /// value passes. Entry, value and key lie in one run, so that an entry takes some 80 bytes
-    /// beside its two texts. `delete` ends the entry; its memory goes with the arena, which must
-    /// outlive it. The value's string may outlive both.
+    /// value passes. Entry, key and value lie in one run, so that an entry takes some 60 bytes
+    /// beside its two texts. Its memory goes with the arena; there is nothing to delete.
     static DictionaryEntry* Create(TextArena& arena, std::string_view key,
                                    std::u16string_view rawValue, ValueProcessor& processor);
 
@@ -27,19 +26,20 @@ public:
     /// The key, then the value's units.
     void Write(std::ostream& out, bool raw, ByteOrder order) const override;
 
-    const morvish::DictionaryString& Value() const { return value_; }
+    /// Stands as long as the arena.
+    const ByteRunValue& Value() const { return value_; }
 
     // Entries live in an arena only.
     static void* operator new(std::size_t) = delete;
     static void operator delete(void*) noexcept {}
 
 private:
-    DictionaryEntry(std::string_view key, morvish::DictionaryString value);
+    DictionaryEntry(std::string_view key, const ByteRunValue& value);
 
     static void* operator new(std::size_t, void* place) { return place; }
     static void operator delete(void*, void*) noexcept {}
 
-    morvish::DictionaryString value_;
+    ByteRunValue value_;
 };
 
 }  // namespace morvish_private

@@ -5,6 +5,7 @@
 #include "dictionary/Utf8.h"
 
 #include <algorithm>
+#include <new>
 #include <string_view>
 #include <utility>
 
@@ -24,6 +25,29 @@ std::streambuf* BufferOfOwnStream(std::istream& stream)
     const bool own = dynamic_cast<morvish::basic_ifstream<char>*>(&stream) != nullptr ||
                      dynamic_cast<morvish::basic_irstream<char>*>(&stream) != nullptr;
     return own ? stream.rdbuf() : nullptr;
+}
+
+// std::getline() up to a '\n'. By itself it turns a lack of memory into a failure of the stream, so
+// that a load would end as if the file did.
+bool GetLine(std::istream& stream, std::string& bytes)
+{
+    if (!stream.good())
+        return false;
+    const std::ios_base::iostate mask = stream.exceptions();
+    stream.exceptions(mask | std::ios_base::badbit);
+    try {
+        std::getline(stream, bytes, stream.widen('\n'));
+    } catch (const std::bad_alloc&) {
+        stream.clear(stream.rdstate() & ~std::ios_base::badbit);
+        stream.exceptions(mask);
+        throw;
+    } catch (...) {
+        // What else a stream's buffer throws is the stream's failure.
+        if ((mask & std::ios_base::badbit) != 0)
+            throw;
+    }
+    stream.exceptions(mask);
+    return !stream.fail();
 }
 
 }  // namespace
@@ -135,7 +159,7 @@ const char16_t* UTF8Reader::ReadLine()
     if (finished_)
         return nullptr;
     std::istream& source = memoryStream_ ? *memoryStream_ : *stream_;
-    if (!std::getline(source, bytes_, source.widen('\n'))) {
+    if (!GetLine(source, bytes_)) {
         finished_ = true;
         return nullptr;
     }

@@ -1,5 +1,5 @@
 // A text that a lookup returned: UTF-16 units that are shared by reference count. It outlives the
-// dictionary that it came from.
+// dictionary that it came from, and keeps its store.
 
 #pragma once
 

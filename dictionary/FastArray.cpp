@@ -37,13 +37,6 @@ std::uint32_t FastArray::Find(std::string_view key) const
     return found != nullptr ? found->Get() : kNoIndex;
 }
 
-morvish::DictionaryString FastArray::Value(const std::shared_ptr<FastArray>& store,
-                                           std::uint32_t index)
-{
-    return morvish::DictionaryString(
-        std::shared_ptr<const ByteRunValue>(store, &store->RawValue(index)));
-}
-
 void FastArray::Insert(std::string_view key, std::u16string_view value)
 {
     if (key.size() >= kReplaced)
@@ -54,13 +47,13 @@ void FastArray::Insert(std::string_view key, std::u16string_view value)
     if (known == kNoIndex) {
         RequireRoom(std::uint64_t{count_} + 1);
         ReserveRecords(1);
-        index_.ReserveOne();
+        index_.ReserveNext(1);
         BeginRun(/*fromImage=*/false);
     }
 
     // The extra byte gives the empty key of an empty value a place too.
     const std::size_t valueBytes = value.size() * sizeof(char16_t);
-    std::byte* const start = arena_.Allocate(valueBytes + key.size() + 1, alignof(char16_t)).start;
+    std::byte* const start = arena_.Allocate(valueBytes + key.size() + 1, alignof(char16_t));
     auto* const units = reinterpret_cast<char16_t*>(start);
     std::copy(value.begin(), value.end(), units);
     char* const keyStart = reinterpret_cast<char*>(start + valueBytes);
@@ -72,7 +65,7 @@ void FastArray::Insert(std::string_view key, std::u16string_view value)
         Replace(known, record);
         return;
     }
-    index_.Insert(FullHash(key), count_);
+    index_.InsertReserved(FullHash(key), count_);
     Append(record);
 }
 
@@ -140,7 +133,7 @@ void FastArray::Adopt(const StoreTables& tables, ByteOrder order)
                 Replace(known->Get(), record);
                 continue;
             }
-            index_.Insert(hashes[i], count_);
+            index_.InsertReserved(hashes[i], count_);
             Append(record);
         }
     }
@@ -154,7 +147,7 @@ void FastArray::ReserveRecords(std::size_t more)
     const std::size_t newChunks = wantedChunks - chunks_.size();
     chunks_.reserve(std::max(wantedChunks, chunks_.size() + chunks_.size() / 2));
     auto* const first = reinterpret_cast<Record*>(
-        arena_.Allocate(newChunks * kChunkRecords * sizeof(Record), alignof(Record)).start);
+        arena_.Allocate(newChunks * kChunkRecords * sizeof(Record), alignof(Record)));
     for (std::size_t i = 0; i < newChunks; ++i)
         chunks_.push_back(first + i * kChunkRecords);
 }
@@ -168,8 +161,7 @@ void FastArray::Append(const Record& record)
 void FastArray::Replace(std::uint32_t index, const Record& record)
 {
     const auto* const current =
-        new (static_cast<void*>(arena_.Allocate(sizeof(Record), alignof(Record)).start))
-            Record(record);
+        new (static_cast<void*>(arena_.Allocate(sizeof(Record), alignof(Record)))) Record(record);
     Record& old = At(index);
     old.key = reinterpret_cast<const char*>(current);
     old.value.keyLengthBytes = kReplaced;

@@ -47,12 +47,9 @@ public:
     /// The key of an entry that exists; empty for one without.
     std::string_view Key(std::uint32_t index) const { return KeyOf(Current(index)); }
 
-    /// The value of an entry that exists; it stands as long as this store.
+    /// The value of an entry that exists. It stands as long as this store, also when the entry is
+    /// replaced.
     const ByteRunValue& RawValue(std::uint32_t index) const { return Current(index).value; }
-
-    /// The same as a string that shares `store`.
-    static morvish::DictionaryString Value(const std::shared_ptr<FastArray>& store,
-                                           std::uint32_t index);
 
     /// Adds an entry under the next free number. An entry of the same key keeps its number and
     /// takes the new value; strings that were handed out keep the old one. Throws std::length_error

@@ -21,14 +21,14 @@ struct SearchCost {
 
 /// How full an index becomes before it grows, by how much it grows, and how full it is with as
 /// many entries as were announced.
-struct HalfFull {
-    static constexpr std::size_t kFillPercent = 50;
-    static constexpr std::size_t kGrowthPercent = 150;
+struct Roomy {
+    static constexpr std::size_t kFillPercent = 60;
+    static constexpr std::size_t kGrowthPercent = 200;
     static constexpr std::size_t kReservedFillPercent = 40;
 };
 
 /// Payload is small and trivially copied; `kNone` is a value that is never stored.
-template <typename Payload, Payload kNone, typename Density = HalfFull>
+template <typename Payload, Payload kNone, typename Density = Roomy>
 class FlatIndex {
 public:
     class Slot {
@@ -68,11 +68,15 @@ public:
         return nullptr;
     }
 
-    /// Makes room for one more entry, so that the next Insert() does not allocate.
-    void ReserveOne()
+    /// Makes room for the next entries of many that come one by one: the next `more` calls of
+    /// Insert() do not allocate.
+    void ReserveNext(std::size_t more)
     {
-        if ((count_ + 1) * 100 > slots_.size() * Density::kFillPercent)
-            Resize(slots_.empty() ? kFirstSlots : slots_.size() * Density::kGrowthPercent / 100);
+        std::size_t wanted = slots_.size();
+        while ((count_ + more) * 100 > wanted * Density::kFillPercent)
+            wanted = wanted == 0 ? kFirstSlots : wanted * Density::kGrowthPercent / 100;
+        if (wanted != slots_.size())
+            Resize(wanted);
     }
 
     /// Makes room for `more` entries at once.
@@ -86,7 +90,13 @@ public:
     /// Adds an entry that Find() did not find.
     void Insert(std::uint32_t hash, Payload payload)
     {
-        ReserveOne();
+        ReserveNext(1);
+        InsertReserved(hash, payload);
+    }
+
+    /// The same where room has been made for it.
+    void InsertReserved(std::uint32_t hash, Payload payload) noexcept
+    {
         Slot& slot = slots_[FreeSlot(slots_, hash)];
         slot.hash_ = hash;
         slot.Set(payload);

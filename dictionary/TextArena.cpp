@@ -27,7 +27,7 @@ static_assert(alignof(Word) >= alignof(void*));
 
 }  // namespace
 
-TextArena::Run TextArena::Allocate(std::size_t sizeBytes, std::size_t alignment)
+std::byte* TextArena::Allocate(std::size_t sizeBytes, std::size_t alignment)
 {
     const std::size_t gap = (alignment - offset_ % alignment) % alignment;
     if (gap <= freeBytes_ && sizeBytes <= freeBytes_ - gap) {
@@ -35,7 +35,7 @@ TextArena::Run TextArena::Allocate(std::size_t sizeBytes, std::size_t alignment)
         free_ = start + sizeBytes;
         freeBytes_ -= gap + sizeBytes;
         offset_ += gap + sizeBytes;
-        return {start, &blocks_[current_]};
+        return start;
     }
     if (sizeBytes > SIZE_MAX - sizeof(Word))
         throw std::bad_alloc();
@@ -46,27 +46,16 @@ TextArena::Run TextArena::Allocate(std::size_t sizeBytes, std::size_t alignment)
                    kSmallestBlockBytes, kLargestBlockBytes);
     const bool alone = StandsAlone(wantedBytes, nextBytes);
     const std::size_t blockBytes = alone ? wantedBytes : nextBytes;
-    auto words = std::make_shared_for_overwrite<Word[]>(blockBytes / sizeof(Word));
+    auto words = std::make_unique_for_overwrite<Word[]>(blockBytes / sizeof(Word));
     auto* const start = reinterpret_cast<std::byte*>(words.get());
     blocks_.emplace_back(std::move(words));
     reservedBytes_ += blockBytes;
     if (!alone) {
-        current_ = blocks_.size() - 1;
         free_ = start + sizeBytes;
         freeBytes_ = blockBytes - sizeBytes;
         offset_ = sizeBytes;
     }
-    return {start, &blocks_.back()};
-}
-
-void TextArena::Clear()
-{
-    blocks_.clear();
-    current_ = 0;
-    free_ = nullptr;
-    freeBytes_ = 0;
-    offset_ = 0;
-    reservedBytes_ = 0;
+    return start;
 }
 
 }  // namespace morvish_private

@@ -1,5 +1,5 @@
 // Memory for the many small records of a dictionary: cut from large blocks, never given back one by
-// one. A block lives as long as the arena or any string that shares it.
+// one.
 
 #pragma once
 
@@ -16,24 +16,16 @@ public:
     TextArena(const TextArena&) = delete;
     TextArena& operator=(const TextArena&) = delete;
 
-    struct Run {
-        std::byte* start;                    // aligned as asked for
-        const std::shared_ptr<void>* block;  // keeps `start` alive; valid until the next call
-    };
-
+    /// Bytes that stand as long as the arena.
     /// @param alignment  a power of two, at most that of pointers and 64-bit numbers
-    Run Allocate(std::size_t sizeBytes, std::size_t alignment = alignof(std::uint64_t));
-
-    /// Lets go of all blocks.
-    void Clear();
+    std::byte* Allocate(std::size_t sizeBytes, std::size_t alignment = alignof(std::uint64_t));
 
     /// What the blocks take together.
     std::size_t ReservedBytes() const { return reservedBytes_; }
 
 private:
-    std::vector<std::shared_ptr<void>> blocks_;
-    std::size_t current_ = 0;  // the index of the block that runs are cut from
-    std::byte* free_ = nullptr;
+    std::vector<std::unique_ptr<std::uint64_t[]>> blocks_;
+    std::byte* free_ = nullptr;  // in the block that runs are cut from
     std::size_t freeBytes_ = 0;
     std::size_t offset_ = 0;  // of free_ in its block, whose start is aligned for everything
     std::size_t reservedBytes_ = 0;

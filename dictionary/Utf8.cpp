@@ -1,5 +1,6 @@
 #include "dictionary/Utf8.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -30,19 +31,23 @@ constexpr SequenceRow kSequenceRows[] = {
     {0xF1, 0xF3, 0x80, 0xBF, 4, 0x07}, {0xF4, 0xF4, 0x80, 0x8F, 4, 0x07},
 };
 
+// For each byte from 0x80 up, the row that it begins a sequence of; null for none.
+constexpr auto kRowsByFirst = [] {
+    std::array<const SequenceRow*, 0x80> rows{};
+    for (const SequenceRow& row : kSequenceRows) {
+        for (unsigned first = row.firstLow; first <= row.firstHigh; ++first)
+            rows[first - 0x80] = &row;
+    }
+    return rows;
+}();
+
 // Reads one sequence that begins with a byte above 0x7F, and moves `current` past it.
 // On false it is past the maximal ill-formed part: at least one byte, and all those that could have
 // begun a sequence.
 bool DecodeSequence(const unsigned char*& current, const unsigned char* end, std::uint32_t& value)
 {
     const unsigned char first = *current++;
-    const SequenceRow* row = nullptr;
-    for (const SequenceRow& candidate : kSequenceRows) {
-        if (first >= candidate.firstLow && first <= candidate.firstHigh) {
-            row = &candidate;
-            break;
-        }
-    }
+    const SequenceRow* const row = kRowsByFirst[first - 0x80u];
     if (row == nullptr)
         return false;
 

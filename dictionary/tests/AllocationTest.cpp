@@ -3,6 +3,7 @@
 #include "dictionary/DictionaryHandles.h"
 
 #include <cstddef>
+#include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <memory>
@@ -16,6 +17,7 @@ namespace {
 
 std::size_t allocations = 0;
 std::size_t liveBytes = 0;
+std::size_t allocationsLeft = SIZE_MAX;  // then they fail
 
 // Stands before each block and keeps its size.
 constexpr std::size_t kPrefix = alignof(std::max_align_t);
@@ -24,6 +26,9 @@ constexpr std::size_t kPrefix = alignof(std::max_align_t);
 
 void* operator new(std::size_t size)
 {
+    if (allocationsLeft == 0)
+        throw std::bad_alloc();
+    --allocationsLeft;
     auto* const block = static_cast<unsigned char*>(std::malloc(kPrefix + size));
     if (block == nullptr)
         throw std::bad_alloc();
@@ -93,6 +98,60 @@ TEST(Allocations, OfLookupsThatHit)
         EXPECT_EQ(dictionary.Lookup("$$$/Missing").LengthUnits(), 0u);
         EXPECT_EQ(allocations - before, 0u);
     }
+}
+
+TEST(Allocations, StringsKeepTheStoreUntilTheLastOneGoes)
+{
+    for (const auto format : {Dictionary::Format::kText, Dictionary::Format::kBinary}) {
+        std::string text;
+        for (int i = 0; i < 1000; ++i)
+            text += "$$$/Key/" + std::to_string(i) + "=text\n";
+        const std::size_t before = liveBytes;
+        auto dictionary = std::make_unique<Dictionary>(format);
+        dictionary->LoadFromMemory(text.data(), text.size());
+        DictionaryString* const first = LookupString(*dictionary, "$$$/Key/1");
+        DictionaryString* const second = LookupString(*dictionary, "$$$/Key/999");
+        dictionary.reset();
+        ReleaseString(first);
+        EXPECT_EQ(second->View(), u"text");
+        ReleaseString(second);
+        EXPECT_EQ(liveBytes, before);
+    }
+}
+
+// Each allocation of a load fails once.
+TEST(Allocations, WhatWasReadBeforeMemoryRanOutCounts)
+{
+    std::string text;
+    for (int i = 0; i < 300; ++i)
+        text += "$$$/Key/" + std::to_string(i) + "=" + std::string(200, 'v') + "\n";
+    std::size_t most = 0;
+    bool complete = false;
+    for (std::size_t left = 0; !complete; ++left) {
+        ASSERT_LT(left, 1000u);
+        Dictionary dictionary;
+        dictionary.ParseLine(u"$$$/First=kept");
+        allocationsLeft = left;
+        try {
+            dictionary.LoadFromMemory(text.data(), text.size());
+            complete = true;
+        } catch (const std::bad_alloc&) {
+        }
+        allocationsLeft = SIZE_MAX;
+        EXPECT_EQ(dictionary.Lookup("$$$/First").View(), u"kept");
+        const std::size_t read = dictionary.EntryCount() - 1;
+        EXPECT_GE(read, most);
+        most = read;
+        const char16_t* units = nullptr;
+        std::size_t length = 0;
+        for (std::size_t i = 0; i < 300; ++i) {
+            const std::string key = "$$$/Key/" + std::to_string(i);
+            ASSERT_EQ(dictionary.RawLookup(key.c_str(), units, length), i < read) << left;
+        }
+        dictionary.ParseLine(u"$$$/Last=taken");
+        EXPECT_EQ(dictionary.Lookup("$$$/Last").View(), u"taken");
+    }
+    EXPECT_EQ(most, 300u);
 }
 
 TEST(Allocations, LoadingTakesAFewForManyEntries)

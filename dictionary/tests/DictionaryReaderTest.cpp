@@ -3,7 +3,10 @@
 #include "dictionary/InputStreams.h"
 #include "dictionary/tests/TestSupport.h"
 
+#include <new>
 #include <sstream>
+#include <stdexcept>
+#include <streambuf>
 #include <typeinfo>
 #include <vector>
 
@@ -209,6 +212,54 @@ TEST(DictionaryReader, FailedStreamGivesNoLines)
     ASSERT_NE(wideReader->ReadLine(), nullptr);
     wide.setstate(std::ios_base::badbit);
     EXPECT_EQ(wideReader->ReadLine(), nullptr);
+}
+
+// Gives "ab", a line end and "cd", then throws.
+class ThrowingBuffer : public std::streambuf {
+public:
+    explicit ThrowingBuffer(bool lackOfMemory) : lackOfMemory_(lackOfMemory)
+    {
+        setg(text_, text_, text_ + sizeof text_ - 1);
+    }
+
+private:
+    int_type underflow() override
+    {
+        if (lackOfMemory_)
+            throw std::bad_alloc();
+        throw std::runtime_error("no more");
+    }
+    pos_type seekpos(pos_type position, std::ios_base::openmode) override
+    {
+        setg(text_, text_ + std::streamoff(position), egptr());
+        return position;
+    }
+
+    char text_[6] = "ab\ncd";
+    bool lackOfMemory_;
+};
+
+TEST(DictionaryReader, AnExceptionOfTheStreamEndsTheInput)
+{
+    ThrowingBuffer buffer(/*lackOfMemory=*/false);
+    std::istream stream(&buffer);
+    const auto reader = CreateReader(stream);
+    ASSERT_NE(reader->ReadLine(), nullptr);
+    EXPECT_EQ(reader->Line(), u"ab");
+    EXPECT_EQ(reader->ReadLine(), nullptr);
+    EXPECT_TRUE(stream.bad());
+    EXPECT_EQ(stream.exceptions(), std::ios_base::goodbit);
+    EXPECT_EQ(reader->ReadLine(), nullptr);
+}
+
+TEST(DictionaryReader, ALackOfMemoryIsTold)
+{
+    ThrowingBuffer buffer(/*lackOfMemory=*/true);
+    std::istream stream(&buffer);
+    const auto reader = CreateReader(stream);
+    ASSERT_NE(reader->ReadLine(), nullptr);
+    EXPECT_THROW(reader->ReadLine(), std::bad_alloc);
+    EXPECT_EQ(stream.exceptions(), std::ios_base::goodbit);
 }
 
 TEST(DictionaryReader, ReadCharTellsTheEnd)

@@ -3,7 +3,6 @@
 #include "dictionary/DictionaryEntry.h"
 #include "dictionary/tests/TestSupport.h"
 
-#include <memory>
 #include <sstream>
 
 #include <gtest/gtest.h>
@@ -66,28 +65,15 @@ TEST(DictionaryEntry, HoldsProcessedValueAndOwnKey)
     TextArena arena;
     ValueProcessor processor;
     std::string key = "/Key";
-    const std::unique_ptr<DictionaryEntry> entry(
-        DictionaryEntry::Create(arena, key, u"a\\n#{copy}", processor));
+    const DictionaryEntry* const entry =
+        DictionaryEntry::Create(arena, key, u"a\\n#{copy}", processor);
     key = "gone";
     EXPECT_EQ(entry->View(), "/Key");
     EXPECT_EQ(entry->Value().View(), u"a\n\u00A9");
-    EXPECT_EQ(entry->Value().Units()[3], 0);
+    EXPECT_EQ(entry->Value().units[3], 0);
     EXPECT_EQ(Written(*entry, false, ByteOrder::kLittle), "\"\0/\0K\0e\0y\0=\0a\0\n\0\xA9\0"s);
     EXPECT_EQ(Written(*entry, false, ByteOrder::kBig), "\"\0/\0K\0e\0y\0=\0\0a\0\n\0\xA9"s);
     EXPECT_EQ(Written(*entry, true, ByteOrder::kLittle), "/Keya\0\n\0\xA9\0"s);
-}
-
-TEST(DictionaryEntry, ValueOutlivesEntryAndArena)
-{
-    morvish::DictionaryString value;
-    {
-        TextArena arena;
-        ValueProcessor processor;
-        const std::unique_ptr<DictionaryEntry> entry(
-            DictionaryEntry::Create(arena, "", std::u16string(40000, u'x'), processor));
-        value = entry->Value();
-    }
-    EXPECT_EQ(value.View(), std::u16string(40000, u'x'));
 }
 
 }  // namespace
