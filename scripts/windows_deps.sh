@@ -24,7 +24,7 @@ need_packages cmake ninja-build libagg-dev libboost-dev $packages_windows
 # build_NAME gets the folders $source (the unpacked source package), $work (its own, thrown away) and
 # $prefix (what is kept). With package_NAME, version_NAME is the version of that source package.
 
-readonly libraries="agg boost expat googletest wxwidgets"
+readonly libraries="agg boost expat googletest png wxwidgets"
 
 # The compiler must not see all of /usr/include: folders with a link to nothing but these headers.
 version_agg="$(dpkg-query -W -f '${Version}' libagg-dev)"
@@ -57,6 +57,15 @@ version_googletest="$(dpkg-query -W -f '${Version}' googletest)"
 time_googletest="15 seconds"
 build_googletest() {
     cmake_build /usr/src/googletest -DCMAKE_CXX_STANDARD=20
+}
+
+# Needs zlib, which Debian packages for Windows.
+package_png=libpng1.6
+version_png=1.6.39-2+deb12u5
+time_png="10 seconds"
+build_png() {
+    cmake_build "$source" -DPNG_SHARED=OFF -DPNG_EXECUTABLES=OFF -DPNG_TESTS=OFF
+    keep_licence "$source/LICENSE" libpng.txt
 }
 
 # Everything off but what the dialog uses and what that in turn needs.

@@ -70,6 +70,7 @@ FOREIGN = {
     r"(gtest|gmock)/.+": ("*tests",),
     r"benchmark/.+|unicode/.+|libintl\.h": ("bench",),
     r"gettext-po\.h": ("tools/pemtext",),
+    r"png\.h": ("tools/svgloom",),
 }
 
 STANDARD_C = set("""assert.h complex.h ctype.h errno.h fenv.h float.h inttypes.h iso646.h limits.h

@@ -7,9 +7,13 @@
 #include <kivcore/StringConversion.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
+#include <fstream>
 #include <streambuf>
+#include <system_error>
 #include <utility>
 
 namespace tools {
@@ -124,6 +128,23 @@ void WriteOutput(const std::string& name, const std::function<void(std::ostream&
     } catch (const kivcore::filesupport::FileError& error) {
         throw Failure(error.what());
     }
+}
+
+void WriteQuickly(const std::string& name, std::string_view content)
+{
+    const std::filesystem::path path(std::u8string(name.begin(), name.end()));
+    std::ofstream out(path, std::ios_base::binary);
+    const bool isOpen = out.is_open();
+    out.write(content.data(), static_cast<std::streamsize>(content.size()));
+    out.close();
+    if (out)
+        return;
+    const std::error_code reason(errno, std::generic_category());
+    if (isOpen) {
+        std::error_code ignored;
+        std::filesystem::remove(path, ignored);
+    }
+    throw Failure(name + ": cannot be written: " + reason.message());
 }
 
 std::vector<JsonLine> ReadJsonLines(const std::string& name)

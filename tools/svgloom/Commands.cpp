@@ -1,10 +1,14 @@
 #include "tools/svgloom/Commands.h"
 
+#include <limits>
+
 namespace svgloom {
 
 namespace {
 
 using tools::OptionRow;
+
+constexpr std::size_t kAnyNumber = std::numeric_limits<std::size_t>::max();
 
 constexpr OptionRow kCallsOptions[] = {{"--width", true},
                                        {"-w", true, "--width"},
@@ -16,6 +20,28 @@ constexpr OptionRow kCallsOptions[] = {{"--width", true},
                                        {"--css", true},
                                        {"--stylesheet", true, "--css"},
                                        {"--var", true}};
+constexpr OptionRow kRenderOptions[] = {{"-o", true},
+                                        {"--output", true, "-o"},
+                                        {"--out-dir", true},
+                                        {"--width", true},
+                                        {"-w", true, "--width"},
+                                        {"--height", true},
+                                        {"-h", true, "--height"},
+                                        {"--zoom", true},
+                                        {"-z", true, "--zoom"},
+                                        {"--scale", true, "--zoom"},
+                                        {"--background", true},
+                                        {"-b", true, "--background"},
+                                        {"--background-color", true, "--background"},
+                                        {"--id", true},
+                                        {"-i", true, "--id"},
+                                        {"--export-id", true, "--id"},
+                                        {"--css", true},
+                                        {"--stylesheet", true, "--css"},
+                                        {"--var", true},
+                                        {"--contact-sheet", true},
+                                        {"--brightness", true},
+                                        {"--scales", true}};
 constexpr OptionRow kLinesOptions[] = {{"--lines", true}};
 constexpr OptionRow kColorOptions[] = {{"--current-color", false}, {"--lines", true}};
 
@@ -30,6 +56,35 @@ constexpr tools::Command kCommands[] = {
      "                      a style sheet for this draw, as the user interface attaches it\n"
      "  --var NAME=R,G,B,A  the colour of var(--NAME), four numbers in 0..1; may come again\n",
      kCallsOptions, 1, 1, RunCalls},
+    {"render", "FILE... -o OUT.png | --out-dir DIR | --contact-sheet OUT.png [OPTION...]",
+     "Draws artwork into PNG files.\n"
+     "Where they go:\n"
+     "  -o, --output OUT.png\n"
+     "                      the picture of a single FILE; \"-\" is standard output\n"
+     "  --out-dir DIR       DIR/NAME.png for each FILE; DIR is made if need be\n"
+     "  --contact-sheet OUT.png\n"
+     "                      one picture of all, with their names, in colours of the user\n"
+     "                      interface's theme; goes together with the others\n"
+     "Size:\n"
+     "  -w, --width W       in pixels; if only one of the two is given, the other follows from\n"
+     "  -h, --height H      the viewBox; if none is, the viewBox gives both\n"
+     "  -z, --zoom, --scale ZOOM\n"
+     "                      multiplies both. Sizes are rounded up, and end at 32767 pixels.\n"
+     "What is drawn:\n"
+     "  -b, --background, --background-color COLOR\n"
+     "                      #rgb, #rrggbb, rgb(r,g,b), a name, or none (if not given)\n"
+     "  -i, --id, --export-id ID\n"
+     "                      this element and what is below it; with an id that is not there,\n"
+     "                      nothing\n"
+     "  --css, --stylesheet CSSFILE\n"
+     "                      a style sheet for this draw, as the user interface attaches it\n"
+     "  --var NAME=R,G,B,A  the colour of var(--NAME), four numbers in 0..1; may come again\n"
+     "The contact sheet:\n"
+     "  --brightness LIST   of the theme, in percent: a band for each, such as 0,50,100; if not\n"
+     "                      given, 100. Its colours stand behind the variables of icons.\n"
+     "  --scales LIST       each FILE at each of them, such as 1,1.5,2,3; if not given, 1\n"
+     "A file that cannot be drawn is told and left out; the exit status is 1 then.\n",
+     kRenderOptions, 1, kAnyNumber, RunRender},
     {"path", "'D' | --lines FILE",
      "Prints the segments of path data, as the renderer gets them.\n"
      "  --lines FILE        read JSON strings from FILE, one a line, a result for each\n",

@@ -13,6 +13,8 @@ std::span<const tools::Command> Commands();
 
 // CallsCommand.cpp
 int RunCalls(const tools::Arguments& arguments);
+// RenderCommand.cpp
+int RunRender(const tools::Arguments& arguments);
 // NamesCommand.cpp
 int RunNames(const tools::Arguments& arguments);
 // ValueCommands.cpp

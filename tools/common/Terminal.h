@@ -1,0 +1,9 @@
+// Whether somebody watches.
+
+#pragma once
+
+namespace tools {
+
+bool IsStandardErrorATerminal();
+
+}  // namespace tools
