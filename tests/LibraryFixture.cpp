@@ -9,6 +9,7 @@
 #include <kivmetadata/Definitions.h>
 #include <kivmetadataui/DialogDriver.h>
 #include <kivmetadataui/MetadataDialog.h>
+#include <kivui/IconCache.h>
 #include <kivui/NodeManager.h>
 #include <kivui/PrefManager.h>
 #include <kivui/Skins.h>
@@ -60,6 +61,7 @@ std::string WhatIsUp()
         {"preferences", kivui::ui::PrefManager::IsInitialized()},
         {"skins", kivui::skins::core::SkinManager::IsInitialized()},
         {"theme", kivui::ui::Theme::IsInitialized()},
+        {"pictures of icons", kivui::ui::IconCache::PictureCount() != 0},
         {"dialog", kivmetadataui::IsInitialized()},
         {"definitions", HasDefinitions()},
     };

@@ -133,12 +133,14 @@ TEST_F(LibraryHostTest, ItsNodeManagerIsUsedAndKept)
     api.terminate();
     EXPECT_EQ(WhatIsUp(), "node manager\n");
     EXPECT_EQ(UI_NodeManager::Get(false), manager.get());
+    EXPECT_NE(manager->GetSVGHandler(), nullptr) << "stays in it";
     // A second round enters the module no second time.
     ASSERT_TRUE(api.initialize(&record));
     EXPECT_EQ(manager->Modules().size(), 1U);
     api.terminate();
     // What the library left in it lies in the library, so it goes before the library does.
     manager->SetRecommendedScaleFactorFunction({});
+    manager->SetSVGHandler(nullptr);
 }
 
 TEST_F(LibraryHostTest, WhatTheLastTerminateEndsIsEndedForTheHostToo)
@@ -163,6 +165,7 @@ TEST_F(LibraryHostTest, WhatTheLastTerminateEndsIsEndedForTheHostToo)
     EXPECT_TRUE(ui::PrefManager::Preferences().GetBool("Kept", false));
     ui::PrefManager::Finalize();
     manager->SetRecommendedScaleFactorFunction({});
+    manager->SetSVGHandler(nullptr);
     config::Terminate(nullptr);
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <limits>
@@ -23,8 +24,10 @@
 #include <kivcore/Xml.h>
 #include <kivmetadata/Definitions.h>
 #include <kivmetadataui/MetadataDialog.h>
+#include <kivui/IconCache.h>
 #include <kivui/NodeManager.h>
 #include <kivui/PrefManager.h>
+#include <kivui/SVG.h>
 #include <kivui/Skins.h>
 #include <kivui/Theme.h>
 #include <kivxmp/kivxmp.h>
@@ -82,6 +85,52 @@ TEST_F(LibraryTest, BringsUpWithTheStatedValues)
     EXPECT_EQ(kivui::ui::Theme::Get().FontSize(3), 0) << "there are three font sizes";
     ASSERT_EQ(UI_NodeManager::Get(false)->Modules().size(), 1U);
     EXPECT_EQ(UI_NodeManager::Get(false)->Modules()[0].name, "kivmetadataui");
+    api.terminate();
+}
+
+constexpr char kArtwork[] =
+    "<svg viewBox='0 0 24 24'><rect width='12' height='24' fill='var(--text, red)'/></svg>";
+
+TEST_F(LibraryTest, DrawsArtworkWhileItIsUp)
+{
+    const MetadataAPIInitParams record = StartRecord();
+    kivui::svg::ISVGHandler* handler = nullptr;
+    for (int round = 0; round < 20; ++round) {
+        SCOPED_TRACE(round);
+        ASSERT_TRUE(api.initialize(&record));
+        ASSERT_NE(UI_NodeManager::Get(false)->GetSVGHandler(), nullptr);
+        if (round != 0) {
+            EXPECT_EQ(UI_NodeManager::Get(false)->GetSVGHandler(), handler) << "lives on";
+        }
+        handler = UI_NodeManager::Get(false)->GetSVGHandler();
+        const kivui::ui::Theme& theme = kivui::ui::Theme::Get();
+        const auto icon = kivui::ui::IconCache::DrawArtwork(
+            kArtwork, kivui::ui::IconMirroring::kNever, theme, {});
+        ASSERT_NE(icon, nullptr);
+        EXPECT_EQ(std::count(icon->argb.begin(), icon->argb.end(), 0U), 12 * 24);
+        EXPECT_EQ(icon->argb.front() >> 24, 0xFFU);
+        EXPECT_THAT(WhatIsUp(), ::testing::HasSubstr("pictures of icons\n"));
+        api.terminate();
+        EXPECT_EQ(WhatIsUp(), "");
+        EXPECT_EQ(kivui::ui::IconCache::PictureCount(), 0U);
+    }
+}
+
+// The numbers of documents begin anew in each round, so an old handle may meet a new document.
+TEST_F(LibraryTest, HandlesOfDocumentsOutliveARound)
+{
+    const MetadataAPIInitParams record = StartRecord();
+    ASSERT_TRUE(api.initialize(&record));
+    kivui::svg::ISVGHandler& handler = *UI_NodeManager::Get(false)->GetSVGHandler();
+    boost::intrusive_ptr<kivui::svg::ISVGDocument> old = handler.CreateDocument(kArtwork);
+    EXPECT_EQ(old->Width(), 24);
+    api.terminate();
+    EXPECT_EQ(old->Width(), 0);
+    ASSERT_TRUE(api.initialize(&record));
+    const auto fresh = handler.CreateDocument("<svg viewBox='0 0 7 7'/>");
+    EXPECT_EQ(old->Width(), 7);
+    old.reset();
+    EXPECT_EQ(fresh->Width(), 0);
     api.terminate();
 }
 
