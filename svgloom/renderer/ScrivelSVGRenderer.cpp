@@ -2,6 +2,7 @@
 
 #include <kivcore/Trace.h>
 
+#include <array>
 #include <charconv>
 #include <new>
 #include <string>
@@ -52,7 +53,7 @@ struct KindRow {
     int coordinates;
 };
 
-// By ScrivelSVGPath::Kind.
+// By ScrivelSVGPath::Kind, whose order is that of scrivel::SegmentKind.
 constexpr KindRow kKindRows[] = {
     {"BuildPath MoveTo: ", 2},
     {"BuildPath LineTo: ", 2},
@@ -76,6 +77,39 @@ void TraceSegment(ScrivelSVGPath::Kind kind, const float* coordinates)
     }
     traceDraw.Write(text);
 }
+
+// Hands segments on, many at a time.
+class SegmentBatch {
+public:
+    explicit SegmentBatch(scrivel::PathInterface& path) : path_(path) {}
+
+    void Add(ScrivelSVGPath::Kind kind, const float* coordinates)
+    {
+        if (kindCount_ == kMost) {
+            Flush();
+        }
+        kinds_[kindCount_++] = static_cast<scrivel::SegmentKind>(kind);
+        const int count = kKindRows[static_cast<std::size_t>(kind)].coordinates;
+        for (int i = 0; i < count; i += 2) {
+            points_[pointCount_++] = {coordinates[i], coordinates[i + 1]};
+        }
+    }
+    void Flush()
+    {
+        path_.AddSegments(kinds_.data(), kindCount_, points_.data(), pointCount_);
+        kindCount_ = 0;
+        pointCount_ = 0;
+    }
+
+private:
+    static constexpr std::size_t kMost = 32;
+
+    scrivel::PathInterface& path_;
+    std::array<scrivel::SegmentKind, kMost> kinds_;
+    std::array<scrivel::Point, 3 * kMost> points_;
+    std::size_t kindCount_ = 0;
+    std::size_t pointCount_ = 0;
+};
 
 struct JoinRow {
     LineJoin join;
@@ -237,31 +271,19 @@ void ScrivelSVGRenderer::DrawImage(const ImageData&, const GraphicStyle&, const 
 
 scrivel::PathP ScrivelSVGRenderer::BuildPath(const ScrivelSVGPath* path, bool isTraced) const
 {
-    using Kind = ScrivelSVGPath::Kind;
     scrivel::PathP built = Require(target_->Factory().CreatePath());
     if (path == nullptr) {
         return built;
     }
     const bool traces = isTraced && traceDraw.Enabled();
-    path->ForEach([&](Kind kind, const float* n) {
+    SegmentBatch batch(*built);
+    path->ForEach([&](ScrivelSVGPath::Kind kind, const float* coordinates) {
         if (traces) {
-            TraceSegment(kind, n);
+            TraceSegment(kind, coordinates);
         }
-        switch (kind) {
-            case Kind::kMove:
-                built->MoveTo(n[0], n[1]);
-                break;
-            case Kind::kLine:
-                built->LineTo(n[0], n[1]);
-                break;
-            case Kind::kCurve:
-                built->CurveTo(n[0], n[1], n[2], n[3], n[4], n[5]);
-                break;
-            case Kind::kClose:
-                built->Close();
-                break;
-        }
+        batch.Add(kind, coordinates);
     });
+    batch.Flush();
     return built;
 }
 

@@ -60,6 +60,9 @@ public:
     virtual void Release() const noexcept = 0;
 };
 
+/// A move or line has one point, a curve three, a close none.
+enum class SegmentKind : std::uint8_t { kMove, kLine, kCurve, kClose };
+
 /// A list of segments. A line or curve without a current point begins where it would lead first;
 /// one behind a close begins at the closed part's start. Appending throws std::bad_alloc.
 class KIVUI_API PathInterface : public SharedInterface {
@@ -69,6 +72,9 @@ public:
     /// A cubic curve to (x, y).
     virtual void CurveTo(float x1, float y1, float x2, float y2, float x, float y) = 0;
     virtual void Close() = 0;
+    /// Many at once, or none where memory runs out: `kinds` and the points that belong to them.
+    virtual void AddSegments(const SegmentKind* kinds, std::size_t kindCount, const Point* points,
+                             std::size_t pointCount) = 0;
 };
 
 /// Begins with miter joins of limit 4, butt caps and a solid line.

@@ -15,22 +15,34 @@ inline std::uint32_t MultiplyBytes(std::uint32_t a, std::uint32_t b)
     return (product + (product >> 8)) >> 8;
 }
 
+/// The four channels of a pixel, 16 bits each, so that one product or sum is that of all.
+using WidePixel = std::uint64_t;
+inline constexpr WidePixel kWideChannels = 0x00FF00FF00FF00FF;
+
+inline WidePixel Widen(std::uint32_t pixel)
+{
+    return (pixel | static_cast<WidePixel>(pixel) << 24) & kWideChannels;
+}
+
+/// Sums of products of bytes, each at most 255 * 255 + 127, over 255 and rounded.
+inline std::uint32_t DivideAndNarrow(WidePixel sums)
+{
+    sums += 0x0080008000800080;
+    sums = ((sums + ((sums >> 8) & kWideChannels)) >> 8) & kWideChannels;
+    return static_cast<std::uint32_t>(sums | sums >> 24);
+}
+
 /// All four channels times `level` over 255, rounded.
 inline std::uint32_t ScalePixel(std::uint32_t pixel, std::uint32_t level)
 {
-    constexpr std::uint32_t kPairs = 0x00FF00FF;
-    constexpr std::uint32_t kHalves = 0x00800080;
-    std::uint32_t even = (pixel & kPairs) * level + kHalves;
-    even = ((even + ((even >> 8) & kPairs)) >> 8) & kPairs;
-    std::uint32_t odd = ((pixel >> 8) & kPairs) * level + kHalves;
-    odd = (odd + ((odd >> 8) & kPairs)) & ~kPairs;
-    return even | odd;
+    return DivideAndNarrow(Widen(pixel) * level);
 }
 
-/// `source`, already scaled by its coverage, over `below`.
-inline std::uint32_t Over(std::uint32_t source, std::uint32_t below)
+/// `source` times `level` over 255, over `below`; rounded once.
+inline std::uint32_t Over(std::uint32_t source, std::uint32_t level, std::uint32_t below)
 {
-    return source + ScalePixel(below, 255 - (source >> 24));
+    const std::uint32_t left = 255 - MultiplyBytes(source >> 24, level);
+    return DivideAndNarrow(Widen(source) * level + Widen(below) * left);
 }
 
 /// Premultiplies and rounds once. Channels are clamped to 0..1; what is no number counts as 0.

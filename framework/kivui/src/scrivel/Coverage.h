@@ -1,12 +1,13 @@
-// How much of each pixel an area covers: lines in, spans of equal coverage out. Exact areas, by
-// AGG's cells; what lies outside the box is clipped before it becomes AGG's integers.
+// How much of each pixel an area covers: lines in, runs of equal coverage out, exact areas in whole
+// numbers. What lies outside the box is clipped.
 
 #pragma once
 
-#include <agg2/agg_rasterizer_cells_aa.h>
-
+#include <bit>
+#include <cmath>
+#include <cstddef>
 #include <cstdint>
-#include <memory>
+#include <vector>
 
 #include "framework/kivui/src/scrivel/Geometry.h"
 
@@ -22,69 +23,102 @@ struct Box {
     bool IsEmpty() const { return x0 >= x1 || y0 >= y1; }
 };
 
+/// Each line leaves in every pixel that it passes how much it changes the coverage there and from
+/// the next pixel on, so a pixel's coverage is the sum along its row. The changes stand in a table
+/// of the box, or of a few rows of it at a time where it is large; marks tell which are not 0.
+/// After an exception Start begins anew.
 class Coverage {
 public:
-    /// Begins an area; what an earlier one left is dropped. Only coverage inside `box` counts.
+    /// Begins an area; what an earlier one left is dropped. Only coverage inside `box` counts. The
+    /// box is not empty, and no side is above 32,767.
     void Start(const Box& box);
     /// Begins a part; the one before is closed.
-    void MoveTo(const DPoint& p);
+    void MoveTo(const DPoint& p)
+    {
+        Close();
+        start_ = {ToSubpixels(p.x), ToSubpixels(p.y)};
+        current_ = start_;
+        isInside_ = IsInside(current_);
+    }
     /// Any numbers; those beyond reach are clamped.
-    void LineTo(const DPoint& p);
+    void LineTo(const DPoint& p)
+    {
+        const DPoint to = {ToSubpixels(p.x), ToSubpixels(p.y)};
+        const bool inside = IsInside(to);
+        if (isInside_ && inside) {
+            Emit(current_, to);
+        } else {
+            Clip(current_, to);
+        }
+        current_ = to;
+        isInside_ = inside;
+    }
     void Close();
 
-    /// Calls span(x, y, length, coverage) for all runs of pixels with a coverage above 0 (at most
-    /// 255), rows from the top, each from the left.
-    template <class Span>
-    void Sweep(bool nonZero, Span&& span);
+    /// Calls sink.Row(y) and then sink.Run(x, length, level) for the runs of pixels in it that are
+    /// covered, from the left; the level is 1 to 255. Rows come from the top, some without runs.
+    template <class Sink>
+    void Sweep(bool nonZero, Sink& sink);
 
 private:
-    struct Cell {
-        int x;
-        int y;
-        int cover;
-        int area;
+    static constexpr int kSubpixelBits = 8;
+    static constexpr int kSubpixels = 1 << kSubpixelBits;
+    static constexpr int kNone = -1;
+    using Mark = std::uint64_t;
+    static constexpr std::size_t kMarkBits = 64;
 
-        void initial()
-        {
-            x = 0x7FFFFFFF;
-            y = 0x7FFFFFFF;
-            cover = 0;
-            area = 0;
-        }
-        void style(const Cell&) {}
-        bool not_equal(int otherX, int otherY, const Cell&) const
-        {
-            return otherX != x || otherY != y;
-        }
+    // A line in 256ths of a pixel from the box's corner, inside of it.
+    struct Line {
+        int x0;
+        int y0;
+        int x1;
+        int y1;
     };
-    using Cells = agg::rasterizer_cells_aa<Cell>;
-
-    // AGG frees its tables before it asks for larger ones, and would free them again after a
-    // failure; cells that a failure interrupts are left behind instead.
-    class Use {
-    public:
-        explicit Use(Coverage& coverage) : coverage_(coverage) {}
-        Use(const Use&) = delete;
-        Use& operator=(const Use&) = delete;
-        ~Use()
-        {
-            if (!isDone_) {
-                static_cast<void>(coverage_.cells_.release());
-            }
-        }
-        void Done() { isDone_ = true; }
-
-    private:
-        Coverage& coverage_;
-        bool isDone_ = false;
+    // A line inside one band, from its first row.
+    struct Piece {
+        Line line;
+        int next;  // of the same band; or kNone
     };
 
-    static int CoverageOf(std::int64_t area, bool nonZero);
-    void Line(double x0, double y0, double x1, double y1);
-    void Emit(double x0, double y0, double x1, double y1);
-    void Sort();
+    static double Round(double value);
+    static double ToSubpixels(double pixels);
+    template <bool kNonZero>
+    static int LevelOf(std::int64_t area);
 
-    std::unique_ptr<Cells> cells_;
+    bool IsInside(const DPoint& p) const
+    {
+        return p.x >= left_ && p.x <= right_ && p.y >= top_ && p.y <= bottom_;
+    }
+    void Clip(const DPoint& from, const DPoint& to);
+    /// Both points inside the box.
+    void Emit(const DPoint& from, const DPoint& to)
+    {
+        if (from.y != to.y) {  // level lines cover nothing by themselves
+            Add({static_cast<int>(from.x - left_), static_cast<int>(from.y - top_),
+                 static_cast<int>(to.x - left_), static_cast<int>(to.y - top_)});
+        }
+    }
+    void Add(const Line& line)
+    {
+        if (bandHeads_.empty()) {
+            Draw(line);
+        } else {
+            Keep(line);
+        }
+    }
+    void Keep(const Line& line);
+    void KeepPiece(std::size_t band, const Line& line);
+    /// Puts the line's changes into the table.
+    void Draw(const Line& line);
+    void DrawInRow(int row, int x0, int x1, int height, int sign);
+    void DrawUpright(int x, int y0, int y1, int sign);
+    template <bool kNonZero, class Sink>
+    void SweepBands(Sink& sink);
+    template <bool kNonZero, class Sink>
+    void SweepRows(int y, Sink& sink);
+    template <bool kNonZero, class Sink>
+    void SweepRow(std::int64_t* changes, Mark* marks, Sink& sink);
+
     Box box_;
     // The box and points in 256ths of a pixel, whole numbers.
     double left_ = 0;
@@ -93,66 +127,123 @@ private:
     double bottom_ = 0;
     DPoint start_;
     DPoint current_;
+    bool isInside_ = true;
+
+    // The table: width + 2 changes a row, in units of 2^-17 of a pixel. All are 0 between areas.
+    std::vector<std::int64_t> changes_;
+    std::vector<Mark> marks_;  // a bit for each: it, and maybe the next one, is not 0
+    std::size_t rowLength_ = 0;
+    std::size_t rowMarks_ = 0;
+    int firstRow_ = 0;  // of those that changed
+    int lastRow_ = kNone;
+    bool isInUse_ = false;  // the table may hold changes
+
+    // Where the table does not hold all of the box: its lines by bands of rows.
+    int bandRows_ = 0;
+    std::vector<int> bandHeads_;
+    std::vector<Piece> pieces_;
 };
 
-inline int Coverage::CoverageOf(std::int64_t area, bool nonZero)
+inline double Coverage::Round(double value)
 {
-    constexpr int kShift = 17;  // a whole pixel is 2 * 256 * 256
+    // Of doubles this large the fraction has no digits; halves go to the even number.
+    constexpr double kNoFraction = 6755399441055744.0;  // 1.5 * 2^52
+    constexpr double kReach = 1125899906842624.0;       // 2^50
+    return std::fabs(value) < kReach ? (value + kNoFraction) - kNoFraction : value;
+}
+
+inline double Coverage::ToSubpixels(double pixels)
+{
+    // Products of two of these stay finite.
+    constexpr double kReach = 1e60;
+    const double value = Round(pixels * kSubpixels);
+    return value > -kReach ? (value < kReach ? value : kReach) : -kReach;
+}
+
+template <bool kNonZero>
+int Coverage::LevelOf(std::int64_t area)
+{
+    constexpr int kShift = 2 * kSubpixelBits + 1;
     constexpr std::int64_t kWhole = std::int64_t{1} << kShift;
     std::int64_t covered = area < 0 ? -area : area;
-    if (!nonZero) {
+    if constexpr (!kNonZero) {
         covered &= 2 * kWhole - 1;
-        if (covered > kWhole) {
-            covered = 2 * kWhole - covered;
-        }
-    } else if (covered > kWhole) {
-        covered = kWhole;
+        covered = covered > kWhole ? 2 * kWhole - covered : covered;
     }
+    covered = covered < kWhole ? covered : kWhole;
     return static_cast<int>((covered * 255 + kWhole / 2) >> kShift);
 }
 
-template <class Span>
-void Coverage::Sweep(bool nonZero, Span&& span)
+template <class Sink>
+void Coverage::Sweep(bool nonZero, Sink& sink)
 {
     Close();
-    if (cells_ == nullptr) {
+    if (nonZero) {
+        SweepBands<true>(sink);
+    } else {
+        SweepBands<false>(sink);
+    }
+    isInUse_ = false;
+}
+
+template <bool kNonZero, class Sink>
+void Coverage::SweepBands(Sink& sink)
+{
+    if (bandHeads_.empty()) {
+        SweepRows<kNonZero>(box_.y0, sink);
         return;
     }
-    Sort();
-    if (cells_->total_cells() == 0) {
-        return;
-    }
-    const int last = cells_->max_y() < box_.y1 ? cells_->max_y() : box_.y1 - 1;
-    for (int y = cells_->min_y(); y <= last; ++y) {
-        unsigned left = cells_->scanline_num_cells(static_cast<unsigned>(y));
-        const Cell* const* cell = cells_->scanline_cells(static_cast<unsigned>(y));
-        std::int64_t cover = 0;
-        while (left != 0) {
-            int x = (*cell)->x;
-            std::int64_t area = 0;
-            for (; left != 0 && (*cell)->x == x; ++cell, --left) {
-                area += (*cell)->area;
-                cover += (*cell)->cover;
-            }
-            if (x >= box_.x1) {
-                break;
-            }
-            if (area != 0) {
-                const int level = CoverageOf(cover * 512 - area, nonZero);
-                if (level != 0) {
-                    span(x, y, 1, level);
-                }
-                ++x;
-            }
-            // Lines right of the box were dropped, so what the last cell leaves goes on to its end.
-            const int end = left != 0 && (*cell)->x < box_.x1 ? (*cell)->x : box_.x1;
-            if (end > x) {
-                const int level = CoverageOf(cover * 512, nonZero);
-                if (level != 0) {
-                    span(x, y, end - x, level);
-                }
-            }
+    int y = box_.y0;
+    for (const int head : bandHeads_) {
+        for (int i = head; i != kNone; i = pieces_[static_cast<std::size_t>(i)].next) {
+            Draw(pieces_[static_cast<std::size_t>(i)].line);
         }
+        SweepRows<kNonZero>(y, sink);
+        y += bandRows_;
+    }
+}
+
+template <bool kNonZero, class Sink>
+void Coverage::SweepRows(int y, Sink& sink)
+{
+    for (int row = firstRow_; row <= lastRow_; ++row) {
+        sink.Row(y + row);
+        SweepRow<kNonZero>(changes_.data() + static_cast<std::size_t>(row) * rowLength_,
+                           marks_.data() + static_cast<std::size_t>(row) * rowMarks_, sink);
+    }
+    firstRow_ = bandRows_;
+    lastRow_ = kNone;
+}
+
+template <bool kNonZero, class Sink>
+void Coverage::SweepRow(std::int64_t* changes, Mark* marks, Sink& sink)
+{
+    const int left = box_.x0;
+    const int width = box_.x1 - box_.x0;
+    const std::size_t words = rowMarks_;
+    int from = 0;
+    int level = 0;
+    std::int64_t area = 0;
+    Mark carry = 0;
+    for (std::size_t i = 0; i < words; ++i) {
+        const Mark own = marks[i];
+        Mark changed = own | own << 1 | carry;
+        carry = own >> (kMarkBits - 1);
+        marks[i] = 0;
+        for (; changed != 0; changed &= changed - 1) {
+            const auto x = static_cast<int>(i * kMarkBits) + std::countr_zero(changed);
+            if (level != 0 && from < width) {
+                sink.Run(left + from, (x < width ? x : width) - from, level);
+            }
+            from = x;
+            area += changes[x];
+            changes[x] = 0;
+            level = LevelOf<kNonZero>(area);
+        }
+    }
+    // Lines right of the box were dropped, so what the last one leaves goes on to its end.
+    if (level != 0 && from < width) {
+        sink.Run(left + from, width - from, level);
     }
 }
 

@@ -26,27 +26,36 @@ private:
     mutable std::atomic<std::uint32_t> count_{1};
 };
 
-enum class SegmentKind : std::uint8_t { kMove, kLine, kCurve, kClose };
-
 class PathObject final : public Counted<PathInterface> {
 public:
-    void MoveTo(float x, float y) override { Append(SegmentKind::kMove, {{x, y}}); }
-    void LineTo(float x, float y) override { Append(SegmentKind::kLine, {{x, y}}); }
+    void MoveTo(float x, float y) override { Add(SegmentKind::kMove, {{x, y}}); }
+    void LineTo(float x, float y) override { Add(SegmentKind::kLine, {{x, y}}); }
     void CurveTo(float x1, float y1, float x2, float y2, float x, float y) override
     {
-        Append(SegmentKind::kCurve, {{x1, y1}, {x2, y2}, {x, y}});
+        Add(SegmentKind::kCurve, {{x1, y1}, {x2, y2}, {x, y}});
     }
-    void Close() override { Append(SegmentKind::kClose, {}); }
+    void Close() override { Add(SegmentKind::kClose, {}); }
+    void AddSegments(const SegmentKind* kinds, std::size_t kindCount, const Point* points,
+                     std::size_t pointCount) override
+    {
+        const std::size_t before = points_.size();
+        points_.insert(points_.end(), points, points + pointCount);
+        try {
+            kinds_.insert(kinds_.end(), kinds, kinds + kindCount);
+        } catch (...) {
+            points_.resize(before);
+            throw;
+        }
+    }
 
     const std::vector<SegmentKind>& Kinds() const { return kinds_; }
     /// One for a move or line, three for a curve, none for a close.
     const std::vector<Point>& Points() const { return points_; }
 
 private:
-    void Append(SegmentKind kind, std::initializer_list<Point> points)
+    void Add(SegmentKind kind, std::initializer_list<Point> points)
     {
-        points_.insert(points_.end(), points);
-        kinds_.push_back(kind);
+        AddSegments(&kind, 1, points.begin(), points.size());
     }
 
     std::vector<SegmentKind> kinds_;

@@ -54,9 +54,13 @@ public:
     void Line(const DPoint& p) { coverage_.LineTo(p); }
     void Curve(const DPoint& p0, const DPoint& p1, const DPoint& p2, const DPoint& p3)
     {
-        const int pieces = CurvePieces(p0, p1, p2, p3, DMatrix(), /*halfWidth=*/0);
-        for (int i = 1; i < pieces; ++i) {
-            coverage_.LineTo(CurvePoint(p0, p1, p2, p3, static_cast<double>(i) / pieces));
+        const int pieces = CurvePieces(p0, p1, p2, p3);
+        if (pieces > 1) {
+            const Cubic cubic(p0, p1, p2, p3);
+            const double step = 1.0 / pieces;
+            for (int i = 1; i < pieces; ++i) {
+                coverage_.LineTo(cubic.At(i * step));
+            }
         }
         coverage_.LineTo(p3);
     }
@@ -64,19 +68,6 @@ public:
 
 private:
     Coverage& coverage_;
-};
-
-class SolidPaint {
-public:
-    explicit SolidPaint(const Color& color) : pixel_(ToPixel(color)) {}
-
-    static constexpr bool kIsSolid = true;
-
-    void Row(int) {}
-    std::uint32_t At(int) const { return pixel_; }
-
-private:
-    const std::uint32_t pixel_;
 };
 
 class LinearPaint {
@@ -98,8 +89,6 @@ public:
         const DPoint corner = toUser.Map({0.5, 0.5});
         origin_ = ((corner.x - start.x) * dx + (corner.y - start.y) * dy) / square;
     }
-
-    static constexpr bool kIsSolid = false;
 
     void Row(int y) { row_ = origin_ + perY_ * y; }
     std::uint32_t At(int x) { return ramp_.At(row_ + perX_ * x); }
@@ -126,8 +115,6 @@ public:
         radius_ = std::sqrt(dx * dx + dy * dy);
     }
 
-    static constexpr bool kIsSolid = false;
-
     void Row(int y) { y_ = y + 0.5; }
     std::uint32_t At(int x)
     {
@@ -147,6 +134,137 @@ private:
     double y_ = 0;
 };
 
+// One colour over the pixels of runs.
+class SolidSink {
+public:
+    SolidSink(const PixelBuffer& buffer, std::uint32_t color)
+        : pixels_(buffer.pixels), stride_(buffer.stride), color_(color)
+    {
+    }
+
+    void Row(int y) { row_ = pixels_ + stride_ * y; }
+    void Run(int x, int length, int level)
+    {
+        std::uint32_t* pixel = row_ + x;
+        const auto share = static_cast<std::uint32_t>(level);
+        if (length == 1) {
+            *pixel = Over(color_, share, *pixel);
+            return;
+        }
+        std::uint32_t* const end = pixel + length;
+        const std::uint32_t left = 255 - MultiplyBytes(color_ >> 24, share);
+        if (left == 0) {
+            std::fill(pixel, end, color_);
+            return;
+        }
+        const WidePixel own = Widen(color_) * share;
+        for (; pixel != end; ++pixel) {
+            *pixel = DivideAndNarrow(own + Widen(*pixel) * left);
+        }
+    }
+
+private:
+    std::uint32_t* const pixels_;
+    const std::ptrdiff_t stride_;
+    const std::uint32_t color_;
+    std::uint32_t* row_ = nullptr;
+};
+
+// The same through the coverage of a clip.
+class MaskedSolidSink {
+public:
+    MaskedSolidSink(const PixelBuffer& buffer, const Mask& mask, std::uint32_t color)
+        : pixels_(buffer.pixels), stride_(buffer.stride), mask_(mask), color_(color)
+    {
+    }
+
+    void Row(int y)
+    {
+        row_ = pixels_ + stride_ * y;
+        y_ = y;
+    }
+    void Run(int x, int length, int level)
+    {
+        std::uint32_t* const pixel = row_ + x;
+        const std::uint8_t* const mask = mask_.At(x, y_);
+        const auto share = static_cast<std::uint32_t>(level);
+        for (int i = 0; i < length; ++i) {
+            if (mask[i] != 0) {
+                pixel[i] = Over(color_, MultiplyBytes(share, mask[i]), pixel[i]);
+            }
+        }
+    }
+
+private:
+    std::uint32_t* const pixels_;
+    const std::ptrdiff_t stride_;
+    const Mask& mask_;
+    const std::uint32_t color_;
+    std::uint32_t* row_ = nullptr;
+    int y_ = 0;
+};
+
+// A shader's colours over the pixels of runs, through the coverage of a clip if there is one.
+template <class Paint>
+class ShaderSink {
+public:
+    ShaderSink(const PixelBuffer& buffer, const Mask* mask, Paint& paint)
+        : pixels_(buffer.pixels), stride_(buffer.stride), mask_(mask), paint_(paint)
+    {
+    }
+
+    void Row(int y)
+    {
+        row_ = pixels_ + stride_ * y;
+        y_ = y;
+        paint_.Row(y);
+    }
+    void Run(int x, int length, int level)
+    {
+        std::uint32_t* const pixel = row_ + x;
+        const std::uint8_t* const mask = mask_ != nullptr ? mask_->At(x, y_) : nullptr;
+        const auto all = static_cast<std::uint32_t>(level);
+        for (int i = 0; i < length; ++i) {
+            const std::uint32_t share = mask != nullptr ? MultiplyBytes(all, mask[i]) : all;
+            if (share != 0) {
+                pixel[i] = Over(paint_.At(x + i), share, pixel[i]);
+            }
+        }
+    }
+
+private:
+    std::uint32_t* const pixels_;
+    const std::ptrdiff_t stride_;
+    const Mask* const mask_;
+    Paint& paint_;
+    std::uint32_t* row_ = nullptr;
+    int y_ = 0;
+};
+
+// The runs of a clip.
+struct RunSink {
+    struct Entry {
+        int x;
+        int y;
+        int length;
+        int level;
+    };
+
+    void Row(int rowY) { y = rowY; }
+    void Run(int x, int length, int level)
+    {
+        entries.push_back({x, y, length, level});
+        box = {std::min(box.x0, x), std::min(box.y0, y), std::max(box.x1, x + length),
+               std::max(box.y1, y + 1)};
+        fullPixels += level == 255 ? length : 0;
+    }
+
+    std::vector<Entry>& entries;
+    Box box;  // around them
+    std::int64_t fullPixels = 0;
+    int y = 0;
+};
+
 bool IsFinite(const Point& p)
 {
     return std::isfinite(p.x) && std::isfinite(p.y);
@@ -161,8 +279,9 @@ public:
 
     void FillPath(const PathInterface& path, const BrushInterface& brush, bool nonZero) override
     {
-        SolidPaint paint(ObjectOf(brush).color);
-        Fill(ObjectOf(path), nonZero, paint);
+        if (Cover(ObjectOf(path), state_.matrix)) {
+            PaintSolid(nonZero, ObjectOf(brush).color);
+        }
     }
 
     void FillPathLinear(const PathInterface& path, const LinearShaderInterface& shader,
@@ -172,7 +291,9 @@ public:
         const std::optional<DMatrix> toUser = Inverse(state_.matrix);
         if (toUser && !object.colors.empty() && IsFinite(object.start) && IsFinite(object.end)) {
             LinearPaint paint(object, *toUser);
-            Fill(ObjectOf(path), nonZero, paint);
+            if (Cover(ObjectOf(path), state_.matrix)) {
+                PaintShader(nonZero, paint);
+            }
         }
     }
 
@@ -183,7 +304,9 @@ public:
         const std::optional<DMatrix> toUser = Inverse(state_.matrix);
         if (toUser && IsFinite(object.center) && IsFinite(object.edge)) {
             RadialPaint paint(object, *toUser);
-            Fill(ObjectOf(path), nonZero, paint);
+            if (Cover(ObjectOf(path), state_.matrix)) {
+                PaintShader(nonZero, paint);
+            }
         }
     }
 
@@ -197,8 +320,7 @@ public:
         }
         coverage_.Start(state_.clip);
         AddStroke(pathObject, penObject, state_.matrix, coverage_);
-        SolidPaint paint(penObject.color);
-        Paint(/*nonZero=*/true, paint);
+        PaintSolid(/*nonZero=*/true, penObject.color);
     }
 
     void ClipPath(const PathInterface& path, bool nonZero, const Matrix* transform) override;
@@ -231,53 +353,33 @@ private:
         return true;
     }
 
-    template <class PaintType>
-    void Fill(const PathObject& path, bool nonZero, PaintType& paint)
-    {
-        if (Cover(path, state_.matrix)) {
-            Paint(nonZero, paint);
-        }
-    }
-
-    template <class PaintType>
-    void Paint(bool nonZero, PaintType& paint);
+    void PaintSolid(bool nonZero, const Color& color);
+    template <class Paint>
+    void PaintShader(bool nonZero, Paint& paint);
 
     const PixelBuffer buffer_;
     State state_;
     std::vector<State> saved_;
     Coverage coverage_;
+    std::vector<RunSink::Entry> runs_;
 };
 
-template <class PaintType>
-void PixelSurface::Paint(bool nonZero, PaintType& paint)
+void PixelSurface::PaintSolid(bool nonZero, const Color& color)
 {
-    const Mask* const mask = state_.mask.get();
-    coverage_.Sweep(nonZero, [&](int x, int y, int length, int level) {
-        std::uint32_t* pixel = buffer_.pixels + buffer_.stride * y + x;
-        const std::uint8_t* mine = mask != nullptr ? mask->At(x, y) : nullptr;
-        const auto all = static_cast<std::uint32_t>(level);
-        if constexpr (PaintType::kIsSolid) {
-            if (mine == nullptr) {
-                const std::uint32_t color = ScalePixel(paint.At(x), all);
-                if (color >> 24 == 255) {
-                    std::fill(pixel, pixel + length, color);
-                    return;
-                }
-                for (int i = 0; i < length; ++i) {
-                    pixel[i] = Over(color, pixel[i]);
-                }
-                return;
-            }
-        }
-        paint.Row(y);
-        for (int i = 0; i < length; ++i) {
-            const std::uint32_t own = mine != nullptr ? MultiplyBytes(all, mine[i]) : all;
-            if (own != 0) {
-                const std::uint32_t color = paint.At(x + i);
-                pixel[i] = Over(own == 255 ? color : ScalePixel(color, own), pixel[i]);
-            }
-        }
-    });
+    if (state_.mask == nullptr) {
+        SolidSink sink(buffer_, ToPixel(color));
+        coverage_.Sweep(nonZero, sink);
+    } else {
+        MaskedSolidSink sink(buffer_, *state_.mask, ToPixel(color));
+        coverage_.Sweep(nonZero, sink);
+    }
+}
+
+template <class Paint>
+void PixelSurface::PaintShader(bool nonZero, Paint& paint)
+{
+    ShaderSink<Paint> sink(buffer_, state_.mask.get(), paint);
+    coverage_.Sweep(nonZero, sink);
 }
 
 void PixelSurface::ClipPath(const PathInterface& path, bool nonZero, const Matrix* transform)
@@ -289,21 +391,10 @@ void PixelSurface::ClipPath(const PathInterface& path, bool nonZero, const Matri
         state_.mask.reset();
         return;
     }
-    struct Span {
-        int x;
-        int y;
-        int length;
-        int level;
-    };
-    std::vector<Span> spans;
-    Box box = {state_.clip.x1, state_.clip.y1, state_.clip.x0, state_.clip.y0};
-    std::int64_t fullPixels = 0;
-    coverage_.Sweep(nonZero, [&](int x, int y, int length, int level) {
-        spans.push_back({x, y, length, level});
-        box = {std::min(box.x0, x), std::min(box.y0, y), std::max(box.x1, x + length),
-               std::max(box.y1, y + 1)};
-        fullPixels += level == 255 ? length : 0;
-    });
+    runs_.clear();
+    RunSink sink{runs_, {state_.clip.x1, state_.clip.y1, state_.clip.x0, state_.clip.y0}};
+    coverage_.Sweep(nonZero, sink);
+    const Box& box = sink.box;
     if (box.IsEmpty()) {
         state_.clip = {};
         state_.mask.reset();
@@ -311,15 +402,15 @@ void PixelSurface::ClipPath(const PathInterface& path, bool nonZero, const Matri
     }
     const std::int64_t pixels =
         static_cast<std::int64_t>(box.x1 - box.x0) * static_cast<std::int64_t>(box.y1 - box.y0);
-    if (fullPixels == pixels) {
+    if (sink.fullPixels == pixels) {
         state_.clip = box;  // a rectangle of whole pixels; a mask that there is goes on
         return;
     }
     auto mask = std::make_shared<Mask>();
     mask->box = box;
     mask->levels.resize(static_cast<std::size_t>(pixels));
-    for (const Span& span : spans) {
-        std::memset(mask->At(span.x, span.y), span.level, static_cast<std::size_t>(span.length));
+    for (const RunSink::Entry& run : runs_) {
+        std::memset(mask->At(run.x, run.y), run.level, static_cast<std::size_t>(run.length));
     }
     if (state_.mask != nullptr) {
         for (int y = box.y0; y < box.y1; ++y) {

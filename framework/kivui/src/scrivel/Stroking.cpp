@@ -195,9 +195,10 @@ public:
     }
     void Curve(const DPoint& p0, const DPoint& p1, const DPoint& p2, const DPoint& p3)
     {
-        const int pieces = CurvePieces(p0, p1, p2, p3, matrix_, halfWidth_);
+        const int pieces = StrokePieces(p0, p1, p2, p3, matrix_, halfWidth_);
+        const Cubic cubic(p0, p1, p2, p3);
         for (int i = 1; i < pieces; ++i) {
-            Line(CurvePoint(p0, p1, p2, p3, static_cast<double>(i) / pieces));
+            Line(cubic.At(static_cast<double>(i) / pieces));
         }
         Line(p3);
     }

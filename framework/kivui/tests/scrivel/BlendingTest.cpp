@@ -30,9 +30,9 @@ TEST(Blending, ScalePixelScalesEachChannel)
 
 TEST(Blending, Over)
 {
-    EXPECT_EQ(Over(0, 0x80402010), 0x80402010u);
-    EXPECT_EQ(Over(0xFF112233, 0x80402010), 0xFF112233u);
-    EXPECT_EQ(Over(0x80800000, 0xFF0000FF), 0xFF80007Fu);
+    EXPECT_EQ(Over(0, 255, 0x80402010), 0x80402010u);
+    EXPECT_EQ(Over(0xFF112233, 255, 0x80402010), 0xFF112233u);
+    EXPECT_EQ(Over(0x80800000, 255, 0xFF0000FF), 0xFF80007Fu);
 }
 
 }  // namespace

@@ -31,7 +31,7 @@ constexpr FillCase kFillCases[] = {
     {"M -9 -9 L 2 -9 L 2 9 L -9 9 Z", true, "##..\n##..\n##..\n##..\n"},
     {"M 2 -9 L 99 -9 L 99 2 L 2 2 Z", true, "..##\n..##\n....\n....\n"},
     {"M -big -big L big -big L big big L -big big Z", true, "####\n####\n####\n####\n"},
-    {"M -8 0 L 4 0 L 4 4 Z", true, "####\n####\n8###\n.148\n"},
+    {"M -8 0 L 4 0 L 4 4 Z", true, "####\n####\n8###\n.158\n"},
     // Without a current point a line begins where it leads to.
     {"L 1 1 L 3 1 L 3 3 L 1 3", true, "....\n.##.\n.##.\n....\n"},
     // Behind a close the part's start is current.

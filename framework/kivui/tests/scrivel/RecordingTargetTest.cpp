@@ -21,6 +21,7 @@ TEST(Scrivel, SlotOrder)
     EXPECT_EQ(VirtualSlot(&PathInterface::LineTo), 4);
     EXPECT_EQ(VirtualSlot(&PathInterface::CurveTo), 5);
     EXPECT_EQ(VirtualSlot(&PathInterface::Close), 6);
+    EXPECT_EQ(VirtualSlot(&PathInterface::AddSegments), 7);
     EXPECT_EQ(VirtualSlot(&PenInterface::SetMiterLimit), 3);
     EXPECT_EQ(VirtualSlot(&PenInterface::SetDashPattern), 4);
     EXPECT_EQ(VirtualSlot(&PenInterface::SetLineJoin), 5);
