@@ -67,6 +67,12 @@ COUNTERS = [
      lambda c: c["SvgParse/LongPath"]["times_librsvg"], ">=", 8),
     ("SVG heap of a material icon, bytes", lambda c: c["SvgHeap/material"]["bytes"], "<=", 1433),
     ("SVG heap of a twemoji icon, bytes", lambda c: c["SvgHeap/twemoji"]["bytes"], "<=", 7168),
+    ("SVG drawing at 32 by 32, times librsvg over the icons",
+     lambda c: of_icons(c, "SvgDraw32", "times_librsvg"), ">=", 3.4),
+    ("SVG drawing at 256 by 256, times librsvg over the icons",
+     lambda c: of_icons(c, "SvgDraw256", "times_librsvg"), ">=", 2.2),
+    ("SVG parsing and drawing at 32 by 32, times librsvg over the icons",
+     lambda c: of_icons(c, "SvgParseAndDraw32", "times_librsvg"), ">=", 4.5),
     *[(f"SVG heap after a draw of {n}, times before",
        lambda c, n=n: c[f"SvgHeap/{n}"]["bytes_after_draw"] / c[f"SvgHeap/{n}"]["bytes"], "<=", 1)
       for n in ICONS],
