@@ -47,7 +47,7 @@ LAYERS = {
              "framework/kivxmp/src", "framework/kivmetadata/src", "kivcore", "kivui", "kivxmp",
              "kivmetadata"),
     "tests": ("include", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
-              "svgloom", "tools/common", "tools/svgloom"),
+              "svgbridge", "svgloom", "tools/common", "tools/svgloom"),
 }
 
 # Single headers beyond the layer: a host drives the dialog and asks why something failed; the SVG

@@ -73,8 +73,7 @@ TEST(Artwork, WhatShowsADirectionIsMirrored)
             mirrored.emplace(file.name);
         }
     }
-    EXPECT_EQ(mirrored,
-              (Names{"caption", "document", "list", "newspaper", "revert", "search", "tag"}));
+    EXPECT_EQ(mirrored, (Names{"caption", "document", "list", "newspaper", "revert", "tag"}));
 }
 
 TEST(Artwork, IsNamedInTheIconCache)
