@@ -24,6 +24,7 @@
 
 #include "tools/svgloom/Artwork.h"
 #include "tools/svgloom/JsonValues.h"
+#include "tools/svgloom/Picture.h"
 
 namespace {
 
@@ -115,15 +116,25 @@ std::vector<Sample> Samples()
     return {files.begin(), files.end()};
 }
 
-/// Holds `outcome` against the file of that ending.
-void ExpectGolden(const Sample& sample, std::string_view ending, const std::string& outcome)
+/// Holds `outcome` against the file of that ending; tells whether that was rewritten.
+bool ExpectGolden(const Sample& sample, std::string_view ending, const std::string& outcome)
 {
     const std::filesystem::path file = sample.Beside(ending);
     const std::optional<std::string> want = ReadFile(file);
-    if (want != outcome && std::getenv("KIV_UPDATE_GOLDEN") != nullptr) {
-        std::ofstream(file, std::ios::binary) << outcome;
-    }
     EXPECT_EQ(want.value_or("(no file)"), outcome) << sample.Name() << ": " << sample.Point();
+    if (want == outcome || std::getenv("KIV_UPDATE_GOLDEN") == nullptr) {
+        return false;
+    }
+    std::ofstream(file, std::ios::binary) << outcome;
+    return true;
+}
+
+/// For people; nothing compares it.
+void WritePicture(const Sample& sample)
+{
+    svgloom::Picture picture(static_cast<int>(sample.Width()), static_cast<int>(sample.Height()));
+    sample.Draw(*picture.Target(picture.Area()));
+    std::ofstream(sample.Beside(".png"), std::ios::binary) << picture.Png();
 }
 
 std::string Calls(const Sample& sample)
@@ -171,8 +182,8 @@ TEST(Artwork, Calls)
 TEST(Artwork, Pixels)
 {
     for (const Sample& sample : Samples()) {
-        if (sample.IsPicture()) {
-            ExpectGolden(sample, ".hash", HashOfPixels(sample));
+        if (sample.IsPicture() && ExpectGolden(sample, ".hash", HashOfPixels(sample))) {
+            WritePicture(sample);
         }
     }
 }
