@@ -59,8 +59,33 @@ def growth(counters, name, counter, sizes):
     return counters[f"{name}/{sizes[1]}"][counter] / counters[f"{name}/{sizes[0]}"][counter]
 
 
+def of_dictionaries(text, name, counter, direction, limits, scale=1):
+    """One row for each size of catalog."""
+    return [(f"{text}, {size} texts",
+             lambda c, n=f"{name}/{size}": c[n][counter] / scale, direction, limit)
+            for size, limit in zip(SIZES, limits)]
+
+
 # Text, the value of all counters, and the least or largest one.
 COUNTERS = [
+    *of_dictionaries("handle of a full lookup in an image, ns", "WaitingHandle/Image", "handle_ns",
+                     "<=", (25, 25, 25, 25)),
+    *of_dictionaries("handle of a full lookup in a text, ns", "WaitingHandle/Text", "handle_ns",
+                     "<=", (25, 25, 25, 25)),
+    *of_dictionaries("loading an image, GB/s", "Load/Image", "bytes_per_second", ">=",
+                     (1, 1, 1, 1), 1e9),
+    *of_dictionaries("loading a text, MB/s", "Load/Text", "bytes_per_second", ">=",
+                     (150, 150, 150, 150), 1e6),
+    *of_dictionaries("bytes of an image's entry beside its texts", "Footprint",
+                     "image_bytes_of_entry", "<=", (40, 40, 40, 40)),
+    *of_dictionaries("bytes of a text's entry beside its texts", "Footprint",
+                     "text_bytes_of_entry", "<=", (128, 128, 128, 128)),
+    *of_dictionaries("image size, times ICU's bundle", "Footprint", "image_size_of_icu", "<=",
+                     (1.15, 1.05, 1.05, 1.05)),
+    *of_dictionaries("allocations of a raw lookup", "Footprint", "allocations_of_raw", "<=",
+                     (0, 0, 0, 0)),
+    *of_dictionaries("allocations of a full lookup", "Footprint", "allocations_of_full", "<=",
+                     (1, 1, 1, 1)),
     ("SVG parsing, times librsvg over the icons",
      lambda c: of_icons(c, "SvgParse", "times_librsvg"), ">=", 12),
     ("SVG parsing, times librsvg on a path of 10 MB",
@@ -92,9 +117,11 @@ def main():
     counters = {}
     for path in pathlib.Path(sys.argv[1]).glob("*.json"):
         for row in json.loads(path.read_text())["benchmarks"]:
-            if not row.get("error_occurred"):
-                times[row["name"]] = row["real_time"] * UNITS[row["time_unit"]]
-                counters[row["name"].replace("/iterations:1", "")] = row
+            # Of repeated rows the median counts.
+            if not row.get("error_occurred") and row.get("aggregate_name", "median") == "median":
+                name = row["run_name"]
+                times[name] = row["real_time"] * UNITS[row["time_unit"]]
+                counters[name.replace("/iterations:1", "")] = row
     bad = 0
 
     def tell(holds, text):
