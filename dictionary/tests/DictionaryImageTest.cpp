@@ -222,9 +222,7 @@ TEST(DictionaryImage, SmallBlocksAreNoImages)
 
 TEST(DictionaryImage, CutAnywhereLoadsNothing)
 {
-    for (const ByteOrder order : kBothOrders) {
-        Image image;
-        image.order = order;
+    const auto cutAnywhere = [](const Image& image) {
         const std::string whole = image.Text();
         for (std::size_t size = 21; size < whole.size(); ++size) {
             for (const From from : kAllSources) {
@@ -234,6 +232,18 @@ TEST(DictionaryImage, CutAnywhereLoadsNothing)
                 EXPECT_TRUE(loaded.KeepsOld());
             }
         }
+    };
+    Image image;
+    for (const char layout : {'Y', 'N'}) {
+        image.layout = layout;
+        for (const ByteOrder order : kBothOrders) {
+            image.order = order;
+            image.minor = 7;
+            cutAnywhere(image);
+        }
+        image.order = ByteOrder::kLittle;
+        image.minor = 0;
+        cutAnywhere(image);
     }
 }
 
