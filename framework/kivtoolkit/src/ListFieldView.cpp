@@ -3,6 +3,7 @@
 
 #include "framework/kivtoolkit/src/ListFieldView.h"
 
+#include "framework/kivtoolkit/src/Artwork.h"
 #include "framework/kivtoolkit/src/Texts.h"
 
 #include <kivcore/StringConversion.h>
@@ -151,7 +152,7 @@ ListFieldView::Flow ListFieldView::FlowFor(int width)
         ++row;
         const ui::Size more =
             ui::MeasureButton(look_.Measuring(), MoreText(flow.hidden), ui::ButtonKind::kQuiet);
-        flow.more = put(static_cast<int>(more.width));
+        flow.more = put(static_cast<int>(more.width) + look_.Px(ui::metrics::kSign));
     }
     if (!edited_) {
         flow.entry = put(look_.Px(kEntryWidth));
@@ -191,6 +192,7 @@ void ListFieldView::CreateBody()
         Unfold(chips_.size() + kUnfoldStep);
         entry_->SetFocus();
     }));
+    more_->SetIcon(icons::kChevronDown);
 }
 
 void ListFieldView::Unfold(std::size_t count)
