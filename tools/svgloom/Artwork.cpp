@@ -2,6 +2,10 @@
 
 #include "svgloom/src/DocumentCreator.h"
 #include "tools/common/Files.h"
+#include "tools/common/Program.h"
+#include "tools/svgloom/JsonValues.h"
+
+#include <exception>
 
 namespace svgloom {
 
@@ -69,6 +73,25 @@ void Artwork::Draw(const DrawSettings& settings, const SVGLoom::ColorMap& colors
         throw;
     }
     renderer_->Unbind();
+}
+
+int PrintOfArtwork(const std::string& file, const std::function<void(Artwork& artwork)>& print)
+{
+    const std::string text = tools::ReadInput(file);
+    const auto tell = [&](const std::string& what) {
+        tools::Tell("svgloom: " + tools::NameOf(file) + ": " + what + "\n");
+    };
+    try {
+        Artwork artwork(text);
+        if (!artwork.XmlError().empty())
+            tell("malformed XML: " + artwork.XmlError());
+        print(artwork);
+        return tools::kDone;
+    } catch (const std::exception& error) {
+        tools::Print(JsonError(error.what()) + "\n");
+        tell(error.what());
+        return tools::kBad;
+    }
 }
 
 }  // namespace svgloom

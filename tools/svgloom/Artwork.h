@@ -9,9 +9,11 @@
 
 #include <kivui/Scrivel.h>
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
 namespace svgloom {
 
@@ -57,5 +59,12 @@ private:
     std::shared_ptr<SVGLoom::ScrivelSVGRenderer> renderer_;
     std::unique_ptr<SVGLoom::SVGDocumentImpl> document_;
 };
+
+/// For commands that print what the engine does with a file: parses it and calls `print`. Malformed
+/// XML is told and goes on as the engine does; what the engine or `print` throws is told and
+/// printed as the last line. Throws tools::Failure for a file that cannot be read.
+///
+/// @return the exit status
+int PrintOfArtwork(const std::string& file, const std::function<void(Artwork& artwork)>& print);
 
 }  // namespace svgloom

@@ -106,6 +106,15 @@ constexpr tools::Command kCommands[] = {
      "name, each with its declarations by name.\n"
      "  --lines FILE        read JSON strings from FILE, one a line, a result for each\n",
      kLinesOptions, 0, 1, RunCss},
+    {"tree",
+     "FILE",
+     "Prints the parsed document as one JSON value: its viewBox and its elements with their kind,\n"
+     "id, style and path. What only an id leads to, such as the contents of defs, follows under\n"
+     "\"byId\". It is for looking at, and may change from version to version.\n",
+     {},
+     1,
+     1,
+     RunTree},
     {"names",
      "",
      "Prints the named colours in the order in which they are looked up.\n",

@@ -17,6 +17,8 @@ int RunCalls(const tools::Arguments& arguments);
 int RunRender(const tools::Arguments& arguments);
 // NamesCommand.cpp
 int RunNames(const tools::Arguments& arguments);
+// TreeCommand.cpp
+int RunTree(const tools::Arguments& arguments);
 // ValueCommands.cpp
 int RunPath(const tools::Arguments& arguments);
 int RunTransform(const tools::Arguments& arguments);

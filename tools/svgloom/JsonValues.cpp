@@ -2,6 +2,8 @@
 
 #include "tools/common/Json.h"
 
+#include <variant>
+
 namespace svgloom {
 
 namespace {
@@ -13,6 +15,22 @@ struct KindRow {
 
 // By ScrivelSVGPath::Kind.
 constexpr KindRow kKindRows[] = {{"M", 2}, {"L", 2}, {"C", 6}, {"Z", 0}};
+
+std::string MembersOf(const SVGLoom::Color& color)
+{
+    return "\"kind\":\"color\",\"color\":" + JsonColor(color);
+}
+
+std::string MembersOf(const SVGLoom::ColorVariable& variable)
+{
+    return "\"kind\":\"variable\",\"name\":" + tools::JsonUtf8String(variable.name) +
+           ",\"fallback\":" + JsonColor(variable.fallback);
+}
+
+std::string MembersOf(const SVGLoom::CurrentColor&)
+{
+    return "\"kind\":\"currentColor\"";
+}
 
 }  // namespace
 
@@ -28,6 +46,11 @@ std::string JsonColor(const SVGLoom::Color& color)
 {
     const float values[] = {color.red, color.green, color.blue, color.alpha};
     return JsonNumbers(values);
+}
+
+std::string JsonColorMembers(const SVGLoom::ColorValue& value)
+{
+    return std::visit([](const auto& each) { return MembersOf(each); }, value);
 }
 
 std::string JsonMatrix(const SVGLoom::ScrivelSVGTransform& transform)

@@ -5,9 +5,11 @@
 #include "svgloom/renderer/Records.h"
 #include "svgloom/renderer/ScrivelSVGPath.h"
 #include "svgloom/renderer/ScrivelSVGTransform.h"
+#include "svgloom/src/ColorValue.h"
 
 #include <span>
 #include <string>
+#include <string_view>
 
 namespace svgloom {
 
@@ -16,6 +18,9 @@ std::string JsonNumbers(std::span<const float> values);
 
 /// [r,g,b,a]
 std::string JsonColor(const SVGLoom::Color& color);
+
+/// "kind":"color" or another kind, and what belongs to it, without braces.
+std::string JsonColorMembers(const SVGLoom::ColorValue& value);
 
 /// [a,b,c,d,e,f]
 std::string JsonMatrix(const SVGLoom::ScrivelSVGTransform& transform);

@@ -84,22 +84,6 @@ std::string ReadTransform(std::string_view text)
            ",\"m\":" + JsonMatrix(transform) + "}";
 }
 
-std::string ValueOf(const SVGLoom::Color& color)
-{
-    return "\"kind\":\"color\",\"color\":" + JsonColor(color);
-}
-
-std::string ValueOf(const SVGLoom::ColorVariable& variable)
-{
-    return "\"kind\":\"variable\",\"name\":" + JsonUtf8String(variable.name) +
-           ",\"fallback\":" + JsonColor(variable.fallback);
-}
-
-std::string ValueOf(const SVGLoom::CurrentColor&)
-{
-    return "\"kind\":\"currentColor\"";
-}
-
 std::string ReadColor(std::string_view text, bool allowsCurrentColor)
 {
     SVGLoom::ColorValue value;
@@ -110,7 +94,7 @@ std::string ReadColor(std::string_view text, bool allowsCurrentColor)
         SVGStringParser::ParseColor(current, end, value, allowsCurrentColor, result);
     std::string line = "{\"result\":" + std::to_string(static_cast<unsigned>(result)) + ",";
     if (isRead)
-        line += std::visit([](const auto& each) { return ValueOf(each); }, value) + ",";
+        line += JsonColorMembers(value) + ",";
     return line + "\"rest\":" + JsonUtf8String({current, static_cast<std::size_t>(end - current)}) +
            "}";
 }
