@@ -236,7 +236,7 @@ void Keep(State& state, std::string key, const std::shared_ptr<const Pixels>& pi
         throw;
     }
     state.pictureBytes += bytes;
-    while (state.pictures.size() > kMaxPictures || state.pictureBytes > IconCache::kMaxBytes) {
+    while (state.pictures.size() > kMaxPictures || state.pictureBytes > kMaxIconBytes) {
         const Picture& last = state.pictures.back();
         state.pictureBytes -= last.bytes;
         state.places.erase(last.key);
@@ -255,7 +255,7 @@ svg::ISVGHandler* HandlerInForce()
 int SideOf(const IconRequest& request)
 {
     const double side = request.sizeUnits * request.scale;
-    if (!(side > 0) || !(side <= IconCache::kMaxSide)) {
+    if (!(side > 0) || !(side <= kMaxIconSide)) {
         return 0;
     }
     return static_cast<int>(SnapUnits(request.sizeUnits, request.scale));
@@ -288,8 +288,7 @@ Artwork& EnsureUnnamed(State& state, std::string_view text)
     if (found != state.unnamed.end()) {
         return found->second;
     }
-    if (state.unnamed.size() >= IconCache::kMaxTexts ||
-        state.unnamedBytes + text.size() > kMaxTextBytes) {
+    if (state.unnamed.size() >= kMaxIconTexts || state.unnamedBytes + text.size() > kMaxTextBytes) {
         state.unnamed.clear();
         state.unnamedBytes = 0;
     }

@@ -368,7 +368,7 @@ TEST_F(IconCacheTest, PicturesAreBounded)
         colors[0] = {"icon", {0, 0, static_cast<float>(i + 1) / 20, 1}};
         request.colors = colors;
         ASSERT_NE(IconCache::Draw("icon", theme, request), nullptr);
-        EXPECT_LE(IconCache::PictureBytes(), IconCache::kMaxBytes);
+        EXPECT_LE(IconCache::PictureBytes(), kMaxIconBytes);
         // The one asked for in between stays.
         EXPECT_EQ(Draw("arrow"), Draw("arrow"));
     }
@@ -399,7 +399,7 @@ TEST_F(IconCacheTest, ArtworkWithoutANameIsBounded)
 {
     for (int i = 0; i < 1000; ++i) {
         DrawArtwork("variable-" + std::to_string(i));
-        EXPECT_LE(handler.documents, static_cast<int>(IconCache::kMaxTexts));
+        EXPECT_LE(handler.documents, static_cast<int>(kMaxIconTexts));
     }
     handler.parses = 0;
     const std::string megabytes(3U << 20, 'x');

@@ -46,15 +46,15 @@ struct IconRequest {
     std::span<const IconColor> colors = {};  ///< go before the theme's
 };
 
+inline constexpr int kMaxIconSide = 1024;               ///< of a picture, in pixels
+inline constexpr std::size_t kMaxIconBytes = 8U << 20;  ///< of all pictures that are kept
+inline constexpr std::size_t kMaxIconTexts = 256;  ///< artwork kept that was drawn without a name
+
 /// One for the process. What is kept is bounded; it goes with the node manager, with another SVG
 /// handler, with Theme::Terminate, and, the pictures only, when a colour of the theme changes.
 class KIVUI_API IconCache {
 public:
     IconCache() = delete;
-
-    static constexpr int kMaxSide = 1024;               ///< of a picture, in pixels
-    static constexpr std::size_t kMaxBytes = 8U << 20;  ///< of all pictures that are kept
-    static constexpr std::size_t kMaxTexts = 256;  ///< artwork kept that was drawn without a name
 
     /// Names an icon, until Theme::Terminate; `svg` is copied. A name that is taken gets the new
     /// artwork.
@@ -67,7 +67,7 @@ public:
     ///
     /// Null, and the caller draws something else, without an SVG handler, for a name that is not
     /// registered, for artwork that is broken or shows nothing, and for a size that is not within
-    /// 1..kMaxSide pixels. Throws std::bad_alloc, nothing else.
+    /// 1..kMaxIconSide pixels. Throws std::bad_alloc, nothing else.
     static std::shared_ptr<const Pixels> Draw(std::string_view name, const Theme& theme,
                                               const IconRequest& request);
     /// The same with artwork at hand.
