@@ -12,6 +12,11 @@
 
 namespace pemtext {
 
+bool IsUntranslated(const CatalogEntry& entry)
+{
+    return entry.rawValue.ends_with(kUntranslatedMark);
+}
+
 Catalog::Catalog(const std::string& file) : file_(file)
 {
     const std::string content = ReadInput(file);

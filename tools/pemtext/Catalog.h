@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <map>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace pemtext {
@@ -16,6 +17,12 @@ struct CatalogEntry {
     std::u16string value;     // as it is shown
     std::size_t line;         // 1 for an image
 };
+
+/// Stands behind a reference's text that waits for its translation. No program shows it.
+inline constexpr std::u16string_view kUntranslatedMark = u"#{comment} untranslated";
+
+/// True for a text that is marked so. An image has lost its marks.
+bool IsUntranslated(const CatalogEntry& entry);
 
 /// The entries that count, in the order of their lines: of a key that comes again the last one.
 class Catalog {

@@ -71,8 +71,8 @@ constexpr Command kCommands[] = {
      "  --format FORMAT     text (if not given) or json, one object a line\n",
      kCheckOptions, 1, kAnyNumber, RunCheck},
     {"stats", "[--format text|json] BASE FILE...",
-     "Tells how much of BASE each file covers: texts that are missing, extra, and equal to those\n"
-     "of BASE.\n"
+     "Tells how much of BASE each file covers: texts that are missing, marked as untranslated,\n"
+     "extra, and equal to those of BASE.\n"
      "  --format FORMAT     text (if not given) or json, one object a line\n",
      kStatsOptions, 2, kAnyNumber, RunStats},
     {"extract", "SOURCE... [-o OUT]",
@@ -82,7 +82,9 @@ constexpr Command kCommands[] = {
      kOutputOptions, 1, kAnyNumber, RunExtract},
     {"merge", "REFERENCE TRANSLATION -o OUT [--keep-obsolete]",
      "Brings a translation up to a new reference, in the reference's order. New texts are taken\n"
-     "from the reference and marked with #{comment}; texts that it lacks are dropped.\n"
+     "from the reference and marked with \"#{comment} untranslated\", until that is removed; "
+     "texts\n"
+     "that it lacks are dropped.\n"
      "  -o OUT              the new translation\n"
      "  --keep-obsolete     put texts that the reference lacks at the end\n",
      kMergeOptions, 2, 2, RunMerge},

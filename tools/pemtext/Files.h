@@ -15,7 +15,8 @@ enum class Loader { kStream, kMemory };
 void LoadInto(morvish::Dictionary& dictionary, const std::string& name,
               Loader loader = Loader::kStream);
 
-/// The same; throws Failure as well if the dictionary is not valid afterwards.
+/// The same; throws Failure, which names file and line, if the dictionary is not valid afterwards.
+/// What ends the reading of a text without making it invalid is told on standard error.
 void LoadCleanly(morvish::Dictionary& dictionary, const std::string& name);
 
 }  // namespace pemtext

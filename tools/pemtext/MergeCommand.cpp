@@ -3,17 +3,9 @@
 #include "tools/pemtext/Files.h"
 #include "tools/pemtext/TextForm.h"
 
-#include <cstdio>
 #include <string>
 
 namespace pemtext {
-
-namespace {
-
-// Marks what is new: no program shows what stands behind "#{comment}".
-constexpr std::u16string_view kUntranslated = u"#{comment} untranslated";
-
-}  // namespace
 
 int RunMerge(const Arguments& arguments)
 {
@@ -22,13 +14,14 @@ int RunMerge(const Arguments& arguments)
     const Catalog translation(arguments.Files()[1]);
     const bool keepsObsolete = arguments.Has("--keep-obsolete");
     std::size_t added = 0;
+    std::size_t waiting = 0;
     std::size_t obsolete = 0;
     WriteOutput(output, [&](std::ostream& out) {
         for (const CatalogEntry& entry : reference.Entries()) {
             const CatalogEntry* const translated = translation.Find(entry.key);
-            if (translated == nullptr) {
-                ++added;
-                out << RawTextLine(entry.key, entry.rawValue + std::u16string(kUntranslated));
+            if (translated == nullptr || IsUntranslated(*translated)) {
+                ++(translated == nullptr ? added : waiting);
+                out << RawTextLine(entry.key, entry.rawValue + std::u16string(kUntranslatedMark));
             } else {
                 out << RawTextLine(entry.key, translated->rawValue);
             }
@@ -43,8 +36,9 @@ int RunMerge(const Arguments& arguments)
     });
     const std::string summary = translation.File() + ": " + std::to_string(added) + " new, " +
                                 std::to_string(obsolete) + " obsolete texts " +
-                                (keepsObsolete ? "kept" : "dropped") + "\n";
-    std::fwrite(summary.data(), 1, summary.size(), stderr);
+                                (keepsObsolete ? "kept" : "dropped") + ", " +
+                                std::to_string(waiting) + " still untranslated\n";
+    Tell(summary);
     return kDone;
 }
 

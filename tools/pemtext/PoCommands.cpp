@@ -50,7 +50,7 @@ int RunToPo(const Arguments& arguments)
     for (const CatalogEntry& entry : base.Entries()) {
         PoMessage message = {ToContext(base, entry), ToUtf8(base, entry), {}};
         const CatalogEntry* const translated = translation ? translation->Find(entry.key) : nullptr;
-        if (translated != nullptr)
+        if (translated != nullptr && !IsUntranslated(*translated))
             message.translation = ToUtf8(*translation, *translated);
         messages.push_back(std::move(message));
     }

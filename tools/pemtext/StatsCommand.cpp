@@ -10,8 +10,9 @@ namespace pemtext {
 namespace {
 
 struct Coverage {
-    std::size_t texts = 0;  // of the base that are there
+    std::size_t texts = 0;  // of the base that are there and not marked
     std::size_t missing = 0;
+    std::size_t untranslated = 0;
     std::size_t extra = 0;
     std::size_t equal = 0;  // to the base, and so perhaps not translated
 };
@@ -23,6 +24,10 @@ Coverage Compare(const Catalog& base, const Catalog& catalog)
         const CatalogEntry* const found = catalog.Find(entry.key);
         if (found == nullptr) {
             ++coverage.missing;
+            continue;
+        }
+        if (IsUntranslated(*found)) {
+            ++coverage.untranslated;
             continue;
         }
         ++coverage.texts;
@@ -57,15 +62,18 @@ int RunStats(const Arguments& arguments)
         const std::string texts = std::to_string(coverage.texts);
         const std::string whole = std::to_string(base.Entries().size());
         const std::string missing = std::to_string(coverage.missing);
+        const std::string untranslated = std::to_string(coverage.untranslated);
         const std::string extra = std::to_string(coverage.extra);
         const std::string equal = std::to_string(coverage.equal);
         if (asJson)
             Print("{\"file\":" + JsonUtf8String(catalog.File()) + ",\"base\":" + whole +
                   ",\"texts\":" + texts + ",\"percent\":" + percent + ",\"missing\":" + missing +
-                  ",\"extra\":" + extra + ",\"equal\":" + equal + "}\n");
+                  ",\"untranslated\":" + untranslated + ",\"extra\":" + extra +
+                  ",\"equal\":" + equal + "}\n");
         else
             Print(catalog.File() + ": " + texts + " of " + whole + " texts (" + percent + " %), " +
-                  missing + " missing, " + extra + " extra, " + equal + " equal to the base\n");
+                  missing + " missing, " + untranslated + " untranslated, " + extra + " extra, " +
+                  equal + " equal to the base\n");
     }
     return kDone;
 }

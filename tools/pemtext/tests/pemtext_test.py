@@ -253,15 +253,29 @@ class Write(PemtextTest):
 
     def test_what_does_not_load_is_not_written(self):
         out = self.write("out", "old")
-        bad = self.write("bad.dict", '"$$/A=1"\n')
+        bad = self.write("bad.dict", '\n"$$/A=1"\n')
         for command in ("compile", "export", "text"):
-            self.assertIn("bad.dict", self.expect(BAD, command, bad, "-o", out).error)
+            self.assertIn("bad.dict:2: the line begins with '$'",
+                          self.expect(BAD, command, bad, "-o", out).error)
+            self.assertIn("standard input:2: ", self.expect(
+                BAD, command, "-", "-o", out, stdin=bad.read_bytes()).error)
+        self.assertIn("broken_image.dict: the binary image is broken",
+                      self.expect(BAD, "compile", WRONG / "broken_image.dict", "-o", out).error)
         long = self.write("long.dict", '"$$$/A=' + 65536 * "x" + '"\n')
         error = self.expect(BAD, "compile", long, "-o", out).error
         self.assertIn('the value of "/A" is longer than 65535', error)
         self.assertEqual(out.read_text(), "old")
         self.assertEqual(sorted(path.name for path in self.folder.iterdir()),
                          ["bad.dict", "long.dict", "out"])
+
+    def test_what_is_left_out_is_told(self):
+        out = self.folder / "out"
+        for content, message in ((b'"$$$/A=1"\n\n\xc0\n"$$$/B=2"\n', "a.dict:3: the line is not"),
+                                 ('\ufeff"$$$/A=1"\n\0"$$$/B=2"\n'.encode("utf-16-le"),
+                                  "a.dict:2: a NUL")):
+            error = self.expect(DONE, "text", self.write("a.dict", content), "-o", out).error
+            self.assertIn(message, error)
+            self.assertEqual(out.read_text(), '"$$$/A=1"\n')
 
     def test_full_disk(self):
         file = self.write("a.dict", '"$$$/A=1"\n')
@@ -403,13 +417,15 @@ class Translators(PemtextTest):
         self.assertEqual(
             self.expect(DONE, "stats", "base.dict", "de.dict", "base.dict",
                         folder=self.folder).lines,
-            ["de.dict: 2 of 3 texts (66.6 %), 1 missing, 1 extra, 1 equal to the base",
-             "base.dict: 3 of 3 texts (100.0 %), 0 missing, 0 extra, 3 equal to the base"])
+            ["de.dict: 2 of 3 texts (66.6 %), 1 missing, 0 untranslated, 1 extra,"
+             " 1 equal to the base",
+             "base.dict: 3 of 3 texts (100.0 %), 0 missing, 0 untranslated, 0 extra,"
+             " 3 equal to the base"])
         self.assertEqual(
             json.loads(self.expect(DONE, "stats", "--format=json", "base.dict", "de.dict",
                                    folder=self.folder).lines[0]),
-            {"file": "de.dict", "base": 3, "texts": 2, "percent": 66.6, "missing": 1, "extra": 1,
-             "equal": 1})
+            {"file": "de.dict", "base": 3, "texts": 2, "percent": 66.6, "missing": 1, "untranslated": 0,
+             "extra": 1, "equal": 1})
 
     def test_merge(self):
         result = self.expect(DONE, "merge", self.base, self.german, "-o", self.out)
@@ -418,6 +434,17 @@ class Translators(PemtextTest):
             '"$$$/A=\\"^1\\" \u00f6ffnen"', '"$$$/B=Caf\u00e9^C#{comment} untranslated"', '"$$$/C=OK"'])
         self.expect(DONE, "merge", self.base, self.german, "-o", self.out, "--keep-obsolete")
         self.assertEqual(self.written()[-1], '"$$$/X=Alt"')
+        # A mark waits: for stats, for the next merge, whose reference has another text, for PO.
+        self.assertIn("2 of 3 texts (66.6 %), 0 missing, 1 untranslated",
+                      self.expect(DONE, "stats", self.base, self.out).out.decode())
+        newer = self.write("newer.dict", '"$$$/B=Bar"\n"$$$/C=OK"\n')
+        result = self.expect(DONE, "merge", newer, self.out, "-o", self.folder / "next")
+        self.assertIn("0 new, 2 obsolete texts dropped, 1 still untranslated", result.error)
+        self.assertEqual((self.folder / "next").read_text(),
+                         '"$$$/B=Bar#{comment} untranslated"\n"$$$/C=OK"\n')
+        if self.has_po(self.folder / "po"):
+            self.expect(DONE, "to-po", newer, self.folder / "next", "-o", self.folder / "po")
+            self.assertIn('msgid "Bar"\nmsgstr ""\n', (self.folder / "po").read_text())
         # The mark is not shown.
         self.assertIn('"value":"Caf\\u00e9\\u00a9"', self.expect(DONE, "dump", self.out).lines[1])
 
@@ -464,9 +491,9 @@ class Translators(PemtextTest):
         for wrong in ([], ["--longer", "x"], ["--longer", "-1%"], ["--longer", "5000%"]):
             self.expect(WRONG_USAGE, "pseudo", self.base, "-o", self.out, *wrong)
 
-    def has_po(self):
+    def has_po(self, out=None):
         """Builds for Windows, and those without gettext's library, say that they lack it."""
-        result = pemtext("to-po", self.base, "-o", self.out)
+        result = pemtext("to-po", self.base, "-o", out or self.out)
         if result.status == BAD:
             self.assertIn("made without libgettextpo", result.error)
         return result.status == DONE
