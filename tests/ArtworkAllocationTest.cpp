@@ -1,6 +1,5 @@
 // Lets every single allocation fail: of creating a renderer's objects, of a parse, of a draw. What
-// leaves is std::bad_alloc or a stated result, and nothing stays behind. A program of its own,
-// because it replaces the global operator new.
+// leaves is std::bad_alloc or a stated result, and nothing stays behind.
 
 #include <gtest/gtest.h>
 
@@ -8,107 +7,21 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
 #include <new>
 #include <string_view>
 
+#include "framework/kivcore/tests/FailingAllocations.h"
 #include "svgloom/renderer/ScrivelSVGRenderer.h"
 #include "svgloom/src/DocumentCreator.h"
-
-namespace {
-
-std::ptrdiff_t liveBlocks = 0;
-std::size_t allocationsToGo = 0;  // 0: none fails
-bool hasFailed = false;
-
-void* Allocate(std::size_t size) noexcept
-{
-    if (allocationsToGo > 0 && --allocationsToGo == 0) {
-        hasFailed = true;
-        return nullptr;
-    }
-    void* const block = std::malloc(size != 0 ? size : 1);
-    liveBlocks += block != nullptr ? 1 : 0;
-    return block;
-}
-
-void* AllocateOrThrow(std::size_t size)
-{
-    void* const block = Allocate(size);
-    if (block == nullptr) {
-        throw std::bad_alloc();
-    }
-    return block;
-}
-
-void Free(void* block) noexcept
-{
-    liveBlocks -= block != nullptr ? 1 : 0;
-    std::free(block);
-}
-
-}  // namespace
-
-void* operator new(std::size_t size)
-{
-    return AllocateOrThrow(size);
-}
-
-void* operator new[](std::size_t size)
-{
-    return AllocateOrThrow(size);
-}
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return Allocate(size);
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
-{
-    return Allocate(size);
-}
-
-void operator delete(void* block) noexcept
-{
-    Free(block);
-}
-
-void operator delete[](void* block) noexcept
-{
-    Free(block);
-}
-
-void operator delete(void* block, std::size_t) noexcept
-{
-    Free(block);
-}
-
-void operator delete[](void* block, std::size_t) noexcept
-{
-    Free(block);
-}
 
 namespace SVGLoom {
 namespace {
 
-/// Runs `work` with its n-th allocation failing, for n from 1 until it makes fewer.
-///
-/// @return how many failed
-template <class Work>
-std::size_t WithEachAllocationFailing(const Work& work)
-{
-    for (std::size_t n = 1;; ++n) {
-        allocationsToGo = n;
-        hasFailed = false;
-        work();
-        allocationsToGo = 0;
-        if (!hasFailed) {
-            return n - 1;
-        }
-    }
-}
+using kivcore::testing_support::allocationsToGo;
+using kivcore::testing_support::hasFailed;
+using kivcore::testing_support::liveBlocks;
+using kivcore::testing_support::WithEachAllocationFailing;
 
 // Everything that allocates: all elements, classes, gradients, clip paths, references, dashes.
 constexpr std::string_view kArtwork =

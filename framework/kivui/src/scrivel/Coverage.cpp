@@ -1,6 +1,8 @@
 #include "framework/kivui/src/scrivel/Coverage.h"
 
 #include <algorithm>
+#include <limits>
+#include <new>
 #include <utility>
 
 namespace kivui::scrivel {
@@ -42,6 +44,10 @@ void Coverage::Start(const Box& box)
     }
     firstRow_ = bandRows_;
     lastRow_ = kNone;
+    constexpr std::size_t kKeptPieces = std::size_t{1} << 16;
+    if (pieces_.capacity() > kKeptPieces) {
+        std::vector<Piece>().swap(pieces_);
+    }
     pieces_.clear();
     bandHeads_.clear();
     if (bandRows_ < rows) {
@@ -144,6 +150,9 @@ void Coverage::Keep(const Line& line)
 
 void Coverage::KeepPiece(std::size_t band, const Line& line)
 {
+    if (pieces_.size() == static_cast<std::size_t>(std::numeric_limits<int>::max())) {
+        throw std::bad_alloc();
+    }
     pieces_.push_back({line, bandHeads_[band]});
     bandHeads_[band] = static_cast<int>(pieces_.size() - 1);
 }

@@ -1,6 +1,9 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
 #include <limits>
+#include <string>
 
 #include <kivui/ScrivelTargets.h>
 
@@ -8,6 +11,31 @@
 
 namespace kivui::scrivel {
 namespace {
+
+constexpr const char* kEverywhere = "M -99 -99 L 99 -99 L 99 99 L -99 99 Z";
+
+/// Calls visit(column, row, x, y) for the middles of all pixels of a square canvas.
+template <class Visit>
+void ForEachPixelInUserSpace(const Matrix& m, int size, Visit visit)
+{
+    const auto value = [](float number) { return static_cast<double>(number); };
+    const double determinant = value(m.a) * value(m.d) - value(m.b) * value(m.c);
+    for (int row = 0; row < size; ++row) {
+        for (int column = 0; column < size; ++column) {
+            const double x = column + 0.5 - value(m.e);
+            const double y = row + 0.5 - value(m.f);
+            visit(column, row, (x * value(m.d) - y * value(m.c)) / determinant,
+                  (y * value(m.a) - x * value(m.b)) / determinant);
+        }
+    }
+}
+
+constexpr Matrix kTransforms[] = {
+    {1, 0, 0, 1, 0.3f, 0.7f},
+    {1.5f, 0, 0, 0.5f, 0, 1},
+    {0.7f, 0.4f, -0.3f, 1.1f, 2, 0},
+    {-1, 0, 0, 1, 11, 0},
+};
 
 struct FillCase {
     const char* path;
@@ -279,6 +307,179 @@ TEST(PixelTarget, ShadersThatAreNotFiniteDrawNothing)
     canvas.Surface().FillPathLinear(*path, *empty, true);
     canvas.Surface().FillPathRadial(*path, *circle, true);
     EXPECT_TRUE(canvas.IsEmpty());
+}
+
+// What a channel of an opaque ramp from 0 to 1 is at `t`.
+double ByteAt(double t)
+{
+    return 255 * std::min(std::max(t, 0.0), 1.0);
+}
+
+struct ShaderCase {
+    Matrix matrix;
+    Point start;
+    Point end;
+};
+
+constexpr ShaderCase kShaderCases[] = {
+    {{1, 0, 0, 1, 0, 0}, {0, 0}, {20, 0}},      {{1, 0, 0, 1, 0, 0}, {3, 17}, {15, 2}},
+    {{2, 0, 0, 0.5f, 1, 2}, {1, 3}, {8, 20}},   {{0.8f, 0.6f, -0.6f, 0.8f, 9, -1}, {2, 2}, {14, 9}},
+    {{-1, 0, 0.5f, 1, 15, 0}, {0, 0}, {9, 12}},
+};
+
+TEST(PixelTarget, LinearShadersAreWhatTheyAreComputedToBe)
+{
+    const Color colors[] = {{0, 0, 0, 1}, {1, 1, 1, 1}};
+    const float offsets[] = {0, 1};
+    for (const ShaderCase& row : kShaderCases) {
+        PixelCanvas canvas(20, 20);
+        canvas.Surface().Concat(row.matrix);
+        const LinearShaderP shader(
+            canvas.Factory().CreateLinearShader(row.start, row.end, colors, offsets, 2));
+        canvas.Surface().FillPathLinear(*canvas.Path(kEverywhere), *shader, true);
+        ForEachPixelInUserSpace(row.matrix, 20, [&](int px, int py, double x, double y) {
+            const double dx = static_cast<double>(row.end.x - row.start.x);
+            const double dy = static_cast<double>(row.end.y - row.start.y);
+            const double t = ((x - static_cast<double>(row.start.x)) * dx +
+                              (y - static_cast<double>(row.start.y)) * dy) /
+                             (dx * dx + dy * dy);
+            ASSERT_NEAR(static_cast<double>(canvas.At(px, py) & 255), ByteAt(t), 1);
+            ASSERT_EQ(canvas.AlphaAt(px, py), 255);
+        });
+    }
+}
+
+TEST(PixelTarget, RadialShadersAreWhatTheyAreComputedToBe)
+{
+    for (const ShaderCase& row : kShaderCases) {
+        PixelCanvas canvas(20, 20);
+        canvas.Surface().Concat(row.matrix);
+        const RadialShaderP shader(
+            canvas.Factory().CreateRadialShader(row.start, row.end, {0, 0, 0, 1}, {1, 1, 1, 1}));
+        canvas.Surface().FillPathRadial(*canvas.Path(kEverywhere), *shader, true);
+        ForEachPixelInUserSpace(row.matrix, 20, [&](int px, int py, double x, double y) {
+            const auto distance = [&](double toX, double toY) {
+                return std::hypot(toX - static_cast<double>(row.start.x),
+                                  toY - static_cast<double>(row.start.y));
+            };
+            const double radius =
+                distance(static_cast<double>(row.end.x), static_cast<double>(row.end.y));
+            ASSERT_NEAR(static_cast<double>(canvas.At(px, py) & 255),
+                        ByteAt(distance(x, y) / radius), 1);
+        });
+    }
+}
+
+TEST(PixelTarget, ShadersGoThroughCoverageAndClip)
+{
+    PixelCanvas canvas(4, 1);
+    canvas.Clip("M 0 0 L 4 0 L 4 0.5 L 0 0.5 Z");
+    const RadialShaderP shader(
+        canvas.Factory().CreateRadialShader({0, 0}, {1, 0}, {1, 0, 0, 1}, {1, 0, 0, 1}));
+    canvas.Surface().FillPathRadial(*canvas.Path("M 0.5 0 L 3 0 L 3 1 L 0.5 1 Z"), *shader, true);
+    EXPECT_EQ(canvas.Picture(), "255.\n");
+    EXPECT_EQ(canvas.At(0, 0), 0x40400000u);
+    EXPECT_EQ(canvas.At(1, 0), 0x80800000u);
+}
+
+TEST(PixelTarget, ClipsLieInTheCurrentTransform)
+{
+    // A triangle of user space, as a clip and as what is filled: the same picture.
+    for (const Matrix& matrix : kTransforms) {
+        PixelCanvas filled(12, 12);
+        filled.Surface().Concat(matrix);
+        filled.Fill("M 1 1 L 9 2 L 3 8 Z");
+        PixelCanvas clipped(12, 12);
+        clipped.Surface().Concat(matrix);
+        clipped.Clip("M 1 1 L 9 2 L 3 8 Z");
+        clipped.Fill(kEverywhere);
+        EXPECT_EQ(clipped.Pixels(), filled.Pixels());
+        EXPECT_FALSE(filled.IsEmpty());
+        // And so as the clip's own transform.
+        PixelCanvas own(12, 12);
+        own.Surface().ClipPath(*own.Path("M 1 1 L 9 2 L 3 8 Z"), true, &matrix);
+        own.Fill(kEverywhere);
+        EXPECT_EQ(own.Pixels(), filled.Pixels());
+    }
+}
+
+TEST(PixelTarget, NestedClipsComeBackOneByOne)
+{
+    PixelCanvas canvas(4, 4);
+    const auto shown = [&canvas] {
+        std::fill(canvas.Pixels().begin(), canvas.Pixels().end(), 0);
+        canvas.Fill(kEverywhere);
+        return canvas.Picture();
+    };
+    const std::string all = shown();
+    canvas.Surface().Save();
+    canvas.Clip("M 0 0 L 4 0 L 0 4 Z");
+    const std::string first = shown();
+    canvas.Surface().Save();
+    canvas.Clip("M 0 0 L 4 0 L 4 2 L 0 2 Z");
+    const std::string second = shown();
+    canvas.Surface().Save();
+    canvas.Clip("");
+    EXPECT_EQ(shown(), "....\n....\n....\n....\n");
+    EXPECT_EQ(second, "###5\n##5.\n....\n....\n");
+    canvas.Surface().Restore();
+    EXPECT_EQ(shown(), second);
+    canvas.Surface().Restore();
+    EXPECT_EQ(shown(), first);
+    canvas.Surface().Restore();
+    EXPECT_EQ(shown(), all);
+}
+
+TEST(PixelTarget, MirroredIsTheMirrorImage)
+{
+    constexpr int kSize = 24;
+    constexpr const char* kShape = "M 2 3 C 20 -4 30 20 9 21 L 5.3 11.7 Z";
+    const auto draw = [&](PixelCanvas& canvas) {
+        canvas.Fill(kShape, {0, 0, 0, 0.5f}, false);
+        canvas.Stroke(kShape, 1.7f);
+    };
+    PixelCanvas plain(kSize, kSize);
+    draw(plain);
+    PixelCanvas across(kSize, kSize);
+    across.Surface().Concat({-1, 0, 0, 1, kSize, 0});
+    draw(across);
+    PixelCanvas down(kSize, kSize);
+    down.Surface().Concat({1, 0, 0, -1, 0, kSize});
+    draw(down);
+    for (int y = 0; y < kSize; ++y) {
+        for (int x = 0; x < kSize; ++x) {
+            // But for halves of a level, which go the other way.
+            ASSERT_NEAR(plain.AlphaAt(x, y), across.AlphaAt(kSize - 1 - x, y), 1);
+            ASSERT_NEAR(plain.AlphaAt(x, y), down.AlphaAt(x, kSize - 1 - y), 1);
+        }
+    }
+}
+
+TEST(PixelTarget, OnePixel)
+{
+    PixelCanvas canvas(1, 1);
+    canvas.Fill("M -5 -5 L 5 -5 L 5 0.5 L -5 0.5 Z");
+    EXPECT_EQ(canvas.AlphaAt(0, 0), 128);
+    canvas.Stroke("M 0 0.75 L 1 0.75", 0.5f);
+    EXPECT_EQ(canvas.AlphaAt(0, 0), 192);
+    canvas.Clip("M 0 0 L 1 0 L 0 1 Z");
+    canvas.Fill(kEverywhere, {0, 0, 0, 1});
+    EXPECT_EQ(canvas.AlphaAt(0, 0), 192 + 32);
+}
+
+TEST(PixelTarget, OneRowOfManyPixels)
+{
+    PixelCanvas canvas(kMaxPixels, 1);
+    canvas.Clip("M 0 0 L 32767 0 L 32767 0.5 L 0 0.5 Z");
+    canvas.Stroke("M 0.5 0 L 32766.5 0", 4,
+                  [](PenInterface& pen) { pen.SetLineCap(LineCap::kTEPSquareCap); });
+    for (const int x : {0, 1, 12345, 32765, 32766}) {
+        EXPECT_EQ(canvas.AlphaAt(x, 0), 128) << x;
+    }
+    PixelCanvas column(1, kMaxPixels);
+    column.Fill("M 0 32766 L 1 32766 L 1 32767 L 0 32767 Z");
+    EXPECT_EQ(column.Area(), 1);
+    EXPECT_EQ(column.AlphaAt(0, 32766), 255);
 }
 
 TEST(PixelTarget, ObjectsMayOutliveTheTarget)
