@@ -5,66 +5,20 @@ import json
 import os
 import pathlib
 import re
-import resource
-import shutil
-import signal
-import subprocess
 import sys
-import tempfile
 import unittest
 
 HERE = pathlib.Path(__file__).resolve().parent
 TOP = HERE.parent.parent.parent
 sys.path.insert(0, str(TOP / "tests"))
 from programs import Program  # noqa: E402
+from tool_tests import BAD, DONE, WRONG_USAGE, ToolTest  # noqa: E402
 
-PEMTEXT = None  # set from the command line
 SHIPPED = sorted((TOP / "resources" / "dict").glob("*.dict"))
 WRONG = HERE / "wrong"
 
-DONE, BAD, WRONG_USAGE = 0, 1, 2
 
-
-class Result:
-    def __init__(self, run):
-        self.status = run.returncode
-        self.out = run.stdout
-        self.error = run.stderr.decode()
-
-    @property
-    def lines(self):
-        return self.out.decode("ascii").splitlines()
-
-
-def pemtext(*arguments, stdin=b"", folder=None, stdout=subprocess.PIPE, largest_file=None):
-    """`largest_file` is the size in bytes that no file of the program may exceed."""
-    def limit():
-        signal.signal(signal.SIGXFSZ, signal.SIG_IGN)
-        resource.setrlimit(resource.RLIMIT_FSIZE, (largest_file, largest_file))
-
-    run = subprocess.run(PEMTEXT.command(*arguments), input=stdin, stdout=stdout,
-                         stderr=subprocess.PIPE, cwd=folder, check=False,
-                         preexec_fn=limit if largest_file is not None else None)
-    return Result(run)
-
-
-class PemtextTest(unittest.TestCase):
-    def setUp(self):
-        self.folder = pathlib.Path(tempfile.mkdtemp())
-        self.addCleanup(shutil.rmtree, self.folder)
-
-    def write(self, name, content):
-        path = self.folder / name
-        path.write_bytes(content if isinstance(content, bytes) else content.encode())
-        return path
-
-    def expect(self, status, *arguments, **options):
-        result = pemtext(*arguments, **options)
-        self.assertEqual(result.status, status, (arguments, result.error, result.out))
-        return result
-
-
-class Dump(PemtextTest):
+class Dump(ToolTest):
     def test_text(self):
         file = self.write("a.dict", '"$$$/Menu/File=File\u2026"\n"$$$/A=\\"#{D83D}"\n\u00ff=x\n')
         self.assertEqual(self.expect(DONE, "dump", file).lines, [
@@ -112,7 +66,7 @@ class Dump(PemtextTest):
         self.assertEqual((self.folder / "out").read_bytes(), image)
 
 
-class LookUp(PemtextTest):
+class LookUp(ToolTest):
     def setUp(self):
         super().setUp()
         self.file = self.write("a.dict", '"$$$/A=a^D"\n"$$$/Empty="\n')
@@ -175,7 +129,7 @@ class LookUp(PemtextTest):
                          ['"say ^Qhi^Q\\n\\u00a9"', '"a\\\\n"', '"\\ud83d"'])
 
 
-class Write(PemtextTest):
+class Write(ToolTest):
     def entries(self, file):
         return self.expect(DONE, "dump", file).lines[:-1]
 
@@ -294,7 +248,7 @@ class Write(PemtextTest):
 
     def test_files_that_may_not_grow(self):
         """As on a full disk, wherever it becomes full."""
-        if PEMTEXT.is_windows:
+        if self.tool.is_windows:
             return
         file = self.write("a.dict", "".join(f'"$$$/A{i}=Text {i}"\n' for i in range(3000)))
         for command in ("compile", "export", "text"):
@@ -305,27 +259,27 @@ class Write(PemtextTest):
             out = self.write("out", "old")
             for limit in (0, 1, 24, 4096, size // 2, size - 1):
                 for target in (out, self.folder / "new"):
-                    result = pemtext(command, file, "-o", target, largest_file=limit)
+                    result = self.run_tool(command, file, "-o", target, largest_file=limit)
                     self.assertEqual(result.status, BAD, (command, limit))
                     self.assertIn(target.name, result.error)
                     self.assertEqual(out.read_text(), "old")
                     self.assertEqual(sorted(path.name for path in self.folder.iterdir()),
                                      ["a.dict", "out"])
             self.assertEqual(
-                pemtext(command, file, "-o", out, largest_file=size).status, DONE)
+                self.run_tool(command, file, "-o", out, largest_file=size).status, DONE)
             self.assertEqual(out.stat().st_size, size)
 
     def test_full_standard_output(self):
-        if PEMTEXT.is_windows:
+        if self.tool.is_windows:
             return
         file = self.write("a.dict", '"$$$/A=1"\n')
         with open("/dev/full", "wb") as full:
-            result = pemtext("dump", file, stdout=full)
+            result = self.run_tool("dump", file, stdout=full)
         self.assertEqual(result.status, BAD)
         self.assertIn("standard output", result.error)
 
 
-class Check(PemtextTest):
+class Check(ToolTest):
     def findings(self, *arguments, status):
         result = self.expect(status, "check", *arguments, folder=WRONG)
         return result.out.decode().splitlines()
@@ -403,7 +357,7 @@ class Check(PemtextTest):
         self.assertEqual(found[1], {"errors": 0, "warnings": 1})
 
 
-class Translators(PemtextTest):
+class Translators(ToolTest):
     def setUp(self):
         super().setUp()
         self.base = self.write("base.dict", '"$$$/A=Open ^1"\n"$$$/B=Caf\u00e9^C"\n"$$$/C=OK"\n')
@@ -493,7 +447,7 @@ class Translators(PemtextTest):
 
     def has_po(self, out=None):
         """Builds for Windows, and those without gettext's library, say that they lack it."""
-        result = pemtext("to-po", self.base, "-o", out or self.out)
+        result = self.run_tool("to-po", self.base, "-o", out or self.out)
         if result.status == BAD:
             self.assertIn("made without libgettextpo", result.error)
         return result.status == DONE
@@ -547,7 +501,7 @@ def hex_bytes(text):
     return bytes.fromhex(text) if re.fullmatch(r"[0-9A-F]{2}( [0-9A-F]{2})*", text) else None
 
 
-class Documentation(PemtextTest):
+class Documentation(ToolTest):
     """What docs/dictionaries.md says is what the tool does."""
 
     PAGE = TOP / "docs" / "dictionaries.md"
@@ -655,7 +609,7 @@ class Documentation(PemtextTest):
         self.assertEqual(documented, found - {None})
 
 
-class CommandLine(PemtextTest):
+class CommandLine(ToolTest):
     def test_help_and_version(self):
         overview = self.expect(DONE, "--help").lines
         for line in overview[:-1]:
@@ -697,5 +651,5 @@ class CommandLine(PemtextTest):
 
 
 if __name__ == "__main__":
-    PEMTEXT = Program(pathlib.Path(sys.argv.pop(1)).resolve(), "pemtext")
+    ToolTest.tool = Program(pathlib.Path(sys.argv.pop(1)).resolve(), "pemtext")
     unittest.main()
