@@ -13,6 +13,17 @@ namespace SVGLoom {
 /// Without space, tab, line feed, carriage return, form feed and vertical tab at both ends.
 std::string_view TrimStyleText(std::string_view text);
 
+/// Calls take(piece) for each piece of the block that ends with ";", and returns what is left.
+template <class Take>
+std::string_view ForEachPiece(std::string_view block, const Take& take)
+{
+    for (std::size_t end = block.find(';'); end != std::string_view::npos; end = block.find(';')) {
+        take(block.substr(0, end));
+        block.remove_prefix(end + 1);
+    }
+    return block;
+}
+
 /// Calls take(name, value) for each declaration that has a value, trimmed, in the order of the
 /// text.
 ///
@@ -23,8 +34,7 @@ std::string_view TrimStyleText(std::string_view text);
 template <class Take>
 void ForEachDeclaration(std::string_view block, const Take& take)
 {
-    for (std::size_t end = block.find(';'); end != std::string_view::npos; end = block.find(';')) {
-        const std::string_view piece = block.substr(0, end);
+    ForEachPiece(block, [&take](std::string_view piece) {
         const std::size_t colon = piece.find(':');
         if (colon == std::string_view::npos) {
             throw std::invalid_argument("value not found");
@@ -33,8 +43,7 @@ void ForEachDeclaration(std::string_view block, const Take& take)
         if (!value.empty()) {
             take(TrimStyleText(piece.substr(0, colon)), value);
         }
-        block.remove_prefix(end + 1);
-    }
+    });
 }
 
 /// The properties that `block` declares. The first declaration of a property wins.

@@ -42,6 +42,7 @@ constexpr OptionRow kRenderOptions[] = {{"-o", true},
                                         {"--contact-sheet", true},
                                         {"--brightness", true},
                                         {"--scales", true}};
+constexpr OptionRow kCheckOptions[] = {{"--strict", false}, {"--format", true}, {"--ignore", true}};
 constexpr OptionRow kLinesOptions[] = {{"--lines", true}};
 constexpr OptionRow kColorOptions[] = {{"--current-color", false}, {"--lines", true}};
 
@@ -85,6 +86,16 @@ constexpr tools::Command kCommands[] = {
      "  --scales LIST       each FILE at each of them, such as 1,1.5,2,3; if not given, 1\n"
      "A file that cannot be drawn is told and left out; the exit status is 1 then.\n",
      kRenderOptions, 1, kAnyNumber, RunRender},
+    {"check", "[--strict] [--format text|json] [--ignore ID]... FILE...",
+     "Finds what of artwork is not drawn, or drawn differently from other programs, with the\n"
+     "place, and says what to do instead: FILE:LINE:COLUMN: severity: message [id]\n"
+     "  error               something is never drawn; the exit status is 1\n"
+     "  warning             something is drawn differently\n"
+     "  --strict            the exit status is 1 for warnings too\n"
+     "  --format text|json  lines to read, or a JSON object for each finding\n"
+     "  --ignore ID         do not tell findings of this id; may come again\n"
+     "docs/artwork-check.md lists all ids. FILE \"-\" is standard input.\n",
+     kCheckOptions, 1, kAnyNumber, RunCheck},
     {"path", "'D' | --lines FILE",
      "Prints the segments of path data, as the renderer gets them.\n"
      "  --lines FILE        read JSON strings from FILE, one a line, a result for each\n",

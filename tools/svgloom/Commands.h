@@ -15,6 +15,8 @@ std::span<const tools::Command> Commands();
 int RunCalls(const tools::Arguments& arguments);
 // RenderCommand.cpp
 int RunRender(const tools::Arguments& arguments);
+// check/CheckCommand.cpp
+int RunCheck(const tools::Arguments& arguments);
 // NamesCommand.cpp
 int RunNames(const tools::Arguments& arguments);
 // TreeCommand.cpp

@@ -1,0 +1,28 @@
+// Declarations, in `style` attributes and in rules, and style sheets.
+
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "svgloom/src/NameMap.h"
+#include "tools/svgloom/check/Reporter.h"
+#include "tools/svgloom/check/SourceText.h"
+
+namespace svgloom {
+
+/// A `style` attribute. Whether what is never drawn by itself is hidden does not matter.
+///
+/// @return false if an error ends the reading
+bool CheckStyleAttribute(const SourceValue& value, bool isDrawn, Reporter& reporter);
+
+/// The text of a `style` element.
+///
+/// @param usedClasses the classes of the elements in front
+/// @return false if an error ends the reading
+bool CheckStyleSheet(const SourceValue& value, const SVGLoom::NameMap<bool>& usedClasses,
+                     Reporter& reporter);
+
+}  // namespace svgloom
