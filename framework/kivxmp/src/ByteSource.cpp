@@ -25,6 +25,13 @@ std::size_t MemorySource::ReadAt(std::uint64_t offset, void* buffer, std::size_t
     return count;
 }
 
+void SortRanges(std::vector<ByteRange>& ranges)
+{
+    std::sort(ranges.begin(), ranges.end(), [](const ByteRange& left, const ByteRange& right) {
+        return left.offset < right.offset;
+    });
+}
+
 std::string ReadRange(ByteSource& source, ByteRange range)
 {
     const std::uint64_t size = source.SizeBytes();

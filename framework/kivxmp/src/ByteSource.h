@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kivxmp::photo {
 
@@ -19,6 +20,9 @@ struct ByteRange {
     std::uint64_t End() const { return offset + bytes; }
     bool operator==(const ByteRange&) const = default;
 };
+
+/// Into file order.
+void SortRanges(std::vector<ByteRange>& ranges);
 
 class ByteSource {
 public:

@@ -1,10 +1,15 @@
 #include "framework/kivxmp/src/JpegFile.h"
 
 #include <algorithm>
-#include <array>
+#include <initializer_list>
+#include <iterator>
 #include <optional>
+#include <utility>
 
+#include "framework/kivxmp/src/ByteNumbers.h"
+#include "framework/kivxmp/src/HeaderReader.h"
 #include "framework/kivxmp/src/MultiPictureIndex.h"
+#include "framework/kivxmp/src/PacketDigest.h"
 
 namespace kivxmp::photo {
 
@@ -34,59 +39,13 @@ constexpr std::size_t kLengthBytes = 2;
 // The segment's own length counts its two bytes, but not the marker.
 static_assert(kLengthBytes + kPacketSignature.size() + kJpegPacketLimitBytes <= 65535);
 
+constexpr std::size_t kExtendedHeadBytes = kExtensionSignature.size() + kDigestCharacters + 4 + 4;
+constexpr std::size_t kExtendedPieceLimitBytes = 65535 - kLengthBytes - kExtendedHeadBytes;
+
 // More of either than any writer leaves; the rest is not remembered, and the file not saved.
 constexpr std::size_t kMaxPackets = 64;
+constexpr std::size_t kMaxExtendedPieces = 4096;
 constexpr std::size_t kMaxIndexes = 4;
-
-/// Reads a file's beginning through one small window.
-class HeaderReader {
-public:
-    explicit HeaderReader(ByteSource& source) : source_(source), size_(source.SizeBytes()) {}
-
-    std::uint64_t SizeBytes() const { return size_; }
-    std::uint64_t BytesFrom(std::uint64_t position) const
-    {
-        return position < size_ ? size_ - position : 0;
-    }
-
-    /// The byte at `position`, or nothing behind the end.
-    std::optional<unsigned char> Byte(std::uint64_t position)
-    {
-        if (position < windowBegin_ || position - windowBegin_ >= windowBytes_) {
-            if (position >= size_) {
-                return std::nullopt;
-            }
-            windowBegin_ = position;
-            windowBytes_ = source_.ReadAt(position, window_.data(), window_.size());
-            if (windowBytes_ == 0) {
-                return std::nullopt;
-            }
-        }
-        return static_cast<unsigned char>(
-            window_[static_cast<std::size_t>(position - windowBegin_)]);
-    }
-
-    /// Up to `bytes` bytes at `position`; fewer at the end.
-    std::string Bytes(std::uint64_t position, std::uint64_t bytes)
-    {
-        std::string result;
-        for (std::uint64_t i = 0; i < bytes; ++i) {
-            const std::optional<unsigned char> byte = Byte(position + i);
-            if (!byte) {
-                break;
-            }
-            result.push_back(static_cast<char>(*byte));
-        }
-        return result;
-    }
-
-private:
-    ByteSource& source_;
-    std::uint64_t size_;
-    std::array<char, 2048> window_{};
-    std::uint64_t windowBegin_ = 0;
-    std::size_t windowBytes_ = 0;
-};
 
 struct Segment {
     unsigned char marker = 0;
@@ -97,9 +56,31 @@ struct Segment {
     std::uint64_t PayloadBytes() const { return end - payload; }
 };
 
-std::string AtByte(std::uint64_t position)
+/// A piece of an extended part: signature, digest, length of the whole, place in it, bytes.
+struct ExtendedPiece {
+    std::string digest;
+    std::uint64_t wholeBytes = 0;
+    std::uint64_t at = 0;
+    ByteRange content;
+    ByteRange segment;
+    bool isTaken = false;
+};
+
+std::string SegmentBytes(unsigned char marker, std::initializer_list<std::string_view> parts)
 {
-    return " at byte " + std::to_string(position);
+    std::size_t length = kLengthBytes;
+    for (const std::string_view part : parts) {
+        length += part.size();
+    }
+    std::string bytes;
+    bytes.reserve(kMarkerBytes + length);
+    bytes.push_back(static_cast<char>(kMarkerPrefix));
+    bytes.push_back(static_cast<char>(marker));
+    bytes += NumberBytes(length, kLengthBytes, ByteOrder::kBig);
+    for (const std::string_view part : parts) {
+        bytes += part;
+    }
+    return bytes;
 }
 
 class JpegFile final : public PhotoFormat {
@@ -109,7 +90,9 @@ public:
     const std::vector<ByteRange>& Packets() const noexcept override { return packets_; }
     const std::optional<PhotoError>& Refusal() const noexcept override { return refusal_; }
     std::size_t PacketLimitBytes() const noexcept override { return kJpegPacketLimitBytes; }
-    SavePlan Plan(std::string_view packet) const override;
+    bool TakesExtended() const noexcept override { return true; }
+    std::optional<std::string> TakeExtended(std::string_view digest, ByteSource& source) override;
+    SavePlan Plan(const PacketParts& packet) const override;
     std::vector<ByteRange> Changeable() const override;
     std::vector<std::uint64_t> PointerTargets() const override;
 
@@ -119,6 +102,7 @@ private:
     /// Moves `position` behind the segment it reads.
     Next ReadSegment(HeaderReader& reader, std::uint64_t& position, Segment& segment);
     void NoteSegment(HeaderReader& reader, const Segment& segment);
+    void NoteExtendedPiece(HeaderReader& reader, const Segment& segment);
     void NoteCutSegment(HeaderReader& reader, const Segment& segment);
     void Refuse(PhotoError::Kind kind, const std::string& reason);
     ByteRange PacketSegment(const ByteRange& packet) const;
@@ -127,7 +111,7 @@ private:
     std::vector<MultiPictureIndex> indexes_;
     std::uint64_t app0End_ = 0;
     std::uint64_t exifEnd_ = 0;
-    bool hasExtension_ = false;
+    std::vector<ExtendedPiece> pieces_;
     bool cutInPacket_ = false;
     std::optional<PhotoError> refusal_;
 };
@@ -150,14 +134,6 @@ JpegFile::JpegFile(ByteSource& source)
                                                   ? "the file is cut off within its metadata packet"
                                                   : "the file is cut off before its image data");
         }
-    }
-    if (hasExtension_) {
-        Refuse(PhotoError::Kind::kRefused,
-               "its metadata is spread over extended segments, which cannot be written yet");
-    }
-    if (packets_.size() > 1) {
-        Refuse(PhotoError::Kind::kRefused,
-               "it holds several metadata packets, which cannot be put together yet");
     }
 }
 
@@ -244,9 +220,11 @@ void JpegFile::NoteSegment(HeaderReader& reader, const Segment& segment)
             if (packets_.size() < kMaxPackets) {
                 const std::uint64_t packet = segment.payload + kPacketSignature.size();
                 packets_.push_back({packet, segment.end - packet});
+            } else {
+                Refuse(PhotoError::Kind::kRefused, "it holds more metadata packets than any photo");
             }
         } else if (head.starts_with(kExtensionSignature)) {
-            hasExtension_ = true;
+            NoteExtendedPiece(reader, segment);
         } else if (head.starts_with(kExifSignature) && exifEnd_ == 0) {
             exifEnd_ = segment.end;
         }
@@ -279,10 +257,61 @@ void JpegFile::NoteCutSegment(HeaderReader& reader, const Segment& segment)
                    "it holds several metadata packets, and is cut off within one of them");
         }
     } else if (segment.marker == kApp1 && head.starts_with(kExtensionSignature)) {
-        hasExtension_ = true;
+        Refuse(PhotoError::Kind::kRefused, "it is cut off within an extended part of its metadata");
     } else if (segment.marker == kApp2 && head.starts_with(kIndexSignature)) {
         Refuse(PhotoError::Kind::kRefused, "it is cut off within its index of further pictures");
     }
+}
+
+void JpegFile::NoteExtendedPiece(HeaderReader& reader, const Segment& segment)
+{
+    if (pieces_.size() == kMaxExtendedPieces) {
+        Refuse(PhotoError::Kind::kRefused,
+               "its metadata has more extended segments than any photo");
+        return;
+    }
+    const std::string head = reader.Bytes(
+        segment.payload, std::min<std::uint64_t>(segment.PayloadBytes(), kExtendedHeadBytes));
+    if (head.size() < kExtendedHeadBytes) {
+        return;  // no reader takes it for a part of anything
+    }
+    const std::size_t numbers = kExtensionSignature.size() + kDigestCharacters;
+    pieces_.push_back(
+        {head.substr(kExtensionSignature.size(), kDigestCharacters),
+         GetNumber(head, numbers, 4, ByteOrder::kBig),
+         GetNumber(head, numbers + 4, 4, ByteOrder::kBig),
+         {segment.payload + kExtendedHeadBytes, segment.PayloadBytes() - kExtendedHeadBytes},
+         {segment.begin, segment.end - segment.begin}});
+}
+
+std::optional<std::string> JpegFile::TakeExtended(std::string_view digest, ByteSource& source)
+{
+    std::vector<ExtendedPiece*> own;
+    for (ExtendedPiece& piece : pieces_) {
+        if (piece.digest == digest) {
+            piece.isTaken = true;
+            own.push_back(&piece);
+        }
+    }
+    std::stable_sort(
+        own.begin(), own.end(),
+        [](const ExtendedPiece* left, const ExtendedPiece* right) { return left->at < right->at; });
+    std::uint64_t joined = 0;
+    for (const ExtendedPiece* const piece : own) {
+        if (piece->wholeBytes != own.front()->wholeBytes || piece->at != joined) {
+            return std::nullopt;
+        }
+        joined += piece->content.bytes;
+    }
+    if (own.empty() || joined != own.front()->wholeBytes || joined > kPacketBytesLimit) {
+        return std::nullopt;
+    }
+    std::string text;
+    text.reserve(static_cast<std::size_t>(joined));
+    for (const ExtendedPiece* const piece : own) {
+        text += ReadRange(source, piece->content);
+    }
+    return text;
 }
 
 ByteRange JpegFile::PacketSegment(const ByteRange& packet) const
@@ -291,51 +320,67 @@ ByteRange JpegFile::PacketSegment(const ByteRange& packet) const
     return {packet.offset - kBefore, packet.bytes + kBefore};
 }
 
-SavePlan JpegFile::Plan(std::string_view packet) const
+SavePlan JpegFile::Plan(const PacketParts& packet) const
 {
     if (refusal_) {
         throw PhotoError(*refusal_);
     }
-    if (packet.size() > kJpegPacketLimitBytes) {
+    if (packet.main.size() > kJpegPacketLimitBytes) {
         throw PhotoError(PhotoError::Kind::kRefused,
-                         "the metadata takes " + std::to_string(packet.size()) +
+                         "the metadata takes " + std::to_string(packet.main.size()) +
                              " bytes; one segment of a JPEG file holds " +
                              std::to_string(kJpegPacketLimitBytes));
     }
-    const std::size_t length = kLengthBytes + kPacketSignature.size() + packet.size();
-    Patch segment;
-    segment.fresh.reserve(kMarkerBytes + length);
-    segment.fresh.push_back(static_cast<char>(kMarkerPrefix));
-    segment.fresh.push_back(static_cast<char>(kApp1));
-    segment.fresh.push_back(static_cast<char>(length >> 8));
-    segment.fresh.push_back(static_cast<char>(length & 0xFF));
-    segment.fresh += kPacketSignature;
-    segment.fresh += packet;
-    if (!packets_.empty()) {
-        segment.replaced = PacketSegment(packets_.front());
-    } else {
-        segment.replaced.offset = exifEnd_ != 0   ? exifEnd_
-                                  : app0End_ != 0 ? app0End_
-                                                  : kMarkerBytes;
-    }
-
     SavePlan plan;
-    const LengthChange change{segment.replaced, segment.fresh.size()};
+    for (const ByteRange& old : packets_) {
+        plan.push_back({PacketSegment(old), {}});
+    }
+    if (packets_.empty()) {
+        const std::uint64_t place = exifEnd_ != 0   ? exifEnd_
+                                    : app0End_ != 0 ? app0End_
+                                                    : kMarkerBytes;
+        plan.push_back({{place, 0}, {}});
+    }
+    std::string& fresh = plan.front().fresh;
+    fresh = SegmentBytes(kApp1, {kPacketSignature, packet.main});
+    const std::string digest = packet.extended.empty() ? "" : PacketDigest(packet.extended);
+    for (std::size_t at = 0; at < packet.extended.size(); at += kExtendedPieceLimitBytes) {
+        const std::string_view piece =
+            std::string_view(packet.extended).substr(at, kExtendedPieceLimitBytes);
+        fresh += SegmentBytes(kApp1, {kExtensionSignature, digest,
+                                      NumberBytes(packet.extended.size(), 4, ByteOrder::kBig),
+                                      NumberBytes(at, 4, ByteOrder::kBig), piece});
+    }
+    for (const ExtendedPiece& piece : pieces_) {
+        if (piece.isTaken) {
+            plan.push_back({piece.segment, {}});
+        }
+    }
+    SortPlan(plan);
+
+    // A pointer into a pointer would not lead to the same bytes afterwards.
+    SavePlan fields;
     for (const MultiPictureIndex& index : indexes_) {
-        const std::optional<std::vector<std::string>> values = index.Corrected(change);
+        for (const ByteRange& field : index.Fields()) {
+            fields.push_back({field, std::string(static_cast<std::size_t>(field.bytes), '\0')});
+        }
+    }
+    SavePlan all = plan;
+    all.insert(all.end(), fields.begin(), fields.end());
+    SortPlan(all);
+    std::size_t next = 0;
+    for (const MultiPictureIndex& index : indexes_) {
+        std::optional<std::vector<std::string>> values = index.Corrected(all);
         if (!values) {
             throw PhotoError(PhotoError::Kind::kRefused,
                              "its index of further pictures cannot be corrected");
         }
-        const std::vector<ByteRange> fields = index.Fields();
-        for (std::size_t i = 0; i < fields.size(); ++i) {
-            plan.push_back({fields[i], (*values)[i]});
+        for (std::string& value : *values) {
+            fields[next++].fresh = std::move(value);
         }
     }
-    plan.push_back(std::move(segment));
-    std::sort(plan.begin(), plan.end(), [](const Patch& left, const Patch& right) {
-        return left.replaced.offset < right.replaced.offset;
-    });
+    std::move(fields.begin(), fields.end(), std::back_inserter(plan));
+    SortPlan(plan);
     return plan;
 }
 
@@ -345,13 +390,16 @@ std::vector<ByteRange> JpegFile::Changeable() const
     for (const ByteRange& packet : packets_) {
         ranges.push_back(PacketSegment(packet));
     }
+    for (const ExtendedPiece& piece : pieces_) {
+        if (piece.isTaken) {
+            ranges.push_back(piece.segment);
+        }
+    }
     for (const MultiPictureIndex& index : indexes_) {
         const std::vector<ByteRange> fields = index.Fields();
         ranges.insert(ranges.end(), fields.begin(), fields.end());
     }
-    std::sort(ranges.begin(), ranges.end(), [](const ByteRange& left, const ByteRange& right) {
-        return left.offset < right.offset;
-    });
+    SortRanges(ranges);
     return ranges;
 }
 

@@ -19,66 +19,6 @@ constexpr std::size_t kPictureEntryBytes = 4 + 4 + 4 + 2 + 2;
 constexpr std::size_t kLengthInEntry = 4;
 constexpr std::size_t kOffsetInEntry = 8;
 
-class Numbers {
-public:
-    Numbers(std::string_view bytes, bool bigEndian) : bytes_(bytes), bigEndian_(bigEndian) {}
-
-    bool Has(std::uint64_t at, std::uint64_t count) const
-    {
-        return at <= bytes_.size() && bytes_.size() - at >= count;
-    }
-    std::uint16_t Get16(std::uint64_t at) const { return static_cast<std::uint16_t>(Get(at, 2)); }
-    std::uint32_t Get32(std::uint64_t at) const { return Get(at, 4); }
-
-private:
-    std::uint32_t Get(std::uint64_t at, std::size_t count) const
-    {
-        std::uint32_t value = 0;
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::size_t place = bigEndian_ ? i : count - 1 - i;
-            value = value << 8 | static_cast<unsigned char>(bytes_[at + place]);
-        }
-        return value;
-    }
-
-    std::string_view bytes_;
-    bool bigEndian_;
-};
-
-std::string Put32(std::uint32_t value, bool bigEndian)
-{
-    std::string bytes(4, '\0');
-    for (std::size_t i = 0; i < 4; ++i) {
-        bytes[bigEndian ? 3 - i : i] = static_cast<char>(value >> (8 * i) & 0xFF);
-    }
-    return bytes;
-}
-
-/// Where the byte at `position` stands after the change; nothing if it is replaced itself. What
-/// begins where something is inserted moves behind it.
-std::optional<std::uint64_t> MovedStart(std::uint64_t position, const LengthChange& change)
-{
-    if (position < change.replaced.offset) {
-        return position;
-    }
-    if (position >= change.replaced.End()) {
-        return position - change.replaced.bytes + change.freshBytes;
-    }
-    return std::nullopt;
-}
-
-/// The same for the end of a range.
-std::optional<std::uint64_t> MovedEnd(std::uint64_t position, const LengthChange& change)
-{
-    if (position <= change.replaced.offset) {
-        return position;
-    }
-    if (position >= change.replaced.End()) {
-        return position - change.replaced.bytes + change.freshBytes;
-    }
-    return std::nullopt;
-}
-
 }  // namespace
 
 std::optional<MultiPictureIndex> MultiPictureIndex::Read(std::string_view bytes, std::uint64_t base)
@@ -92,14 +32,16 @@ std::optional<MultiPictureIndex> MultiPictureIndex::Read(std::string_view bytes,
     if (order != "MM" && order != "II") {
         return std::nullopt;
     }
-    index.bigEndian_ = order == "MM";
-    const Numbers numbers(bytes, index.bigEndian_);
-    const std::uint32_t directory = numbers.Get32(4);
-    if (numbers.Get16(2) != kTiffVersion || !numbers.Has(directory, 2)) {
+    index.order_ = order == "MM" ? ByteOrder::kBig : ByteOrder::kLittle;
+    const auto get = [bytes, &index](std::uint64_t at, std::size_t count) {
+        return static_cast<std::uint32_t>(GetNumber(bytes, at, count, index.order_));
+    };
+    const std::uint32_t directory = get(4, 4);
+    if (get(2, 2) != kTiffVersion || !HasBytes(bytes, directory, 2)) {
         return std::nullopt;
     }
-    const std::uint64_t entries = numbers.Get16(directory);
-    if (!numbers.Has(std::uint64_t{directory} + 2, entries * kDirectoryEntryBytes)) {
+    const std::uint64_t entries = get(directory, 2);
+    if (!HasBytes(bytes, std::uint64_t{directory} + 2, entries * kDirectoryEntryBytes)) {
         return std::nullopt;
     }
     const std::uint64_t directoryEnd =
@@ -107,27 +49,27 @@ std::optional<MultiPictureIndex> MultiPictureIndex::Read(std::string_view bytes,
     bool found = false;
     for (std::uint64_t i = 0; i < entries; ++i) {
         const std::uint64_t entry = std::uint64_t{directory} + 2 + i * kDirectoryEntryBytes;
-        if (numbers.Get16(entry) != kTagPictureList) {
+        if (get(entry, 2) != kTagPictureList) {
             continue;
         }
-        const std::uint64_t listBytes = numbers.Get32(entry + 4);
-        const std::uint64_t list = numbers.Get32(entry + 8);
+        const std::uint64_t listBytes = get(entry + 4, 4);
+        const std::uint64_t list = get(entry + 8, 4);
         // A list that overlaps the directory would change it when it is corrected.
         const bool apart =
             list >= directoryEnd || (list >= kHeaderBytes && list + listBytes <= directory);
-        if (found || !apart || numbers.Get16(entry + 2) != kTypeUndefined || listBytes == 0 ||
-            listBytes % kPictureEntryBytes != 0 || !numbers.Has(list, listBytes)) {
+        if (found || !apart || get(entry + 2, 2) != kTypeUndefined || listBytes == 0 ||
+            listBytes % kPictureEntryBytes != 0 || !HasBytes(bytes, list, listBytes)) {
             return std::nullopt;
         }
         found = true;
         for (std::uint64_t picture = list; picture < list + listBytes;
              picture += kPictureEntryBytes) {
-            const std::uint32_t offset = numbers.Get32(picture + kOffsetInEntry);
+            const std::uint32_t offset = get(picture + kOffsetInEntry, 4);
             // An offset of 0 is not a place: it stands for the picture that begins the file.
             if (offset == 0) {
                 index.fields_.push_back({Meaning::kFirstPictureLength,
                                          base + picture + kLengthInEntry,
-                                         numbers.Get32(picture + kLengthInEntry)});
+                                         get(picture + kLengthInEntry, 4)});
             } else {
                 index.fields_.push_back(
                     {Meaning::kPictureOffset, base + picture + kOffsetInEntry, offset});
@@ -161,10 +103,9 @@ std::vector<std::uint64_t> MultiPictureIndex::Targets() const
     return targets;
 }
 
-std::optional<std::vector<std::string>> MultiPictureIndex::Corrected(
-    const LengthChange& change) const
+std::optional<std::vector<std::string>> MultiPictureIndex::Corrected(const SavePlan& plan) const
 {
-    const std::optional<std::uint64_t> newBase = MovedStart(base_, change);
+    const std::optional<std::uint64_t> newBase = MovedStart(plan, base_);
     if (!newBase) {
         return std::nullopt;
     }
@@ -173,19 +114,19 @@ std::optional<std::vector<std::string>> MultiPictureIndex::Corrected(
     for (const Field& field : fields_) {
         std::optional<std::uint64_t> value;
         if (field.meaning == Meaning::kPictureOffset) {
-            value = MovedStart(base_ + field.value, change);
+            value = MovedStart(plan, base_ + field.value);
             if (!value || *value < *newBase) {
                 return std::nullopt;
             }
             *value -= *newBase;
         } else {
-            value = MovedEnd(field.value, change);
+            value = MovedEnd(plan, field.value);
         }
         if (!value || *value > std::numeric_limits<std::uint32_t>::max() ||
             (*value == 0 && field.value != 0)) {
             return std::nullopt;
         }
-        values.push_back(Put32(static_cast<std::uint32_t>(*value), bigEndian_));
+        values.push_back(NumberBytes(*value, 4, order_));
     }
     return values;
 }

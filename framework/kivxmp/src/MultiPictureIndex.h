@@ -4,7 +4,9 @@
 
 #pragma once
 
+#include "framework/kivxmp/src/ByteNumbers.h"
 #include "framework/kivxmp/src/ByteSource.h"
+#include "framework/kivxmp/src/SavePlan.h"
 
 #include <cstdint>
 #include <optional>
@@ -13,12 +15,6 @@
 #include <vector>
 
 namespace kivxmp::photo {
-
-/// A range of the file that is replaced by one of another length.
-struct LengthChange {
-    ByteRange replaced;
-    std::uint64_t freshBytes = 0;
-};
 
 class MultiPictureIndex {
 public:
@@ -31,9 +27,9 @@ public:
     /// Where they point: the beginning of each picture that has an offset, the end of the first.
     std::vector<std::uint64_t> Targets() const;
 
-    /// The fields (as Fields() lists them) as they must be after `change`; nothing where a picture
+    /// The fields (as Fields() lists them) as they must be after `plan`; nothing where a picture
     /// would lose its place, or would not fit into 32 bits.
-    std::optional<std::vector<std::string>> Corrected(const LengthChange& change) const;
+    std::optional<std::vector<std::string>> Corrected(const SavePlan& plan) const;
 
 private:
     enum class Meaning { kPictureOffset, kFirstPictureLength };
@@ -44,7 +40,7 @@ private:
     };
 
     std::uint64_t base_ = 0;
-    bool bigEndian_ = false;
+    ByteOrder order_ = ByteOrder::kLittle;
     std::vector<Field> fields_;  // in file order
 };
 

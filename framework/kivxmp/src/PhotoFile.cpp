@@ -8,7 +8,9 @@
 #include <exception>
 #include <utility>
 
+#include "framework/kivxmp/src/PacketDigest.h"
 #include "framework/kivxmp/src/PhotoOrigin.h"
+#include "framework/kivxmp/src/PhotoPackets.h"
 #include "framework/kivxmp/src/SidecarFile.h"
 
 namespace kivxmp {
@@ -32,8 +34,6 @@ using photo::PhotoError;
 using photo::PhotoFormat;
 
 namespace {
-
-constexpr std::string_view kNoteUri = "http://ns.adobe.com/xmp/note/";
 
 KivXmpCode CodeOf(FileError::Kind kind, FileUse use)
 {
@@ -66,18 +66,6 @@ std::unique_ptr<PhotoFormat> ReadSidecar(ByteSource& source)
     return photo::MakeSidecarFormat(source.SizeBytes());
 }
 
-/// The object that the file's packet makes. A packet of no bytes is none.
-std::unique_ptr<__XMPMeta__> ReadPacket(ByteSource& source, const PhotoFormat& format)
-{
-    if (format.Packets().empty() || format.Packets().front().bytes == 0) {
-        return __XMPMeta__::Create();
-    }
-    if (format.Packets().front().bytes > kMaxPacketBytes) {
-        throw XMP_Error(kKivXmpTooBig, "it is larger than any metadata packet");
-    }
-    return __XMPMeta__::Parse(ReadRange(source, format.Packets().front()));
-}
-
 /// The place that is meant for the packet of one photo.
 struct Place {
     PacketPlace kind = PacketPlace::kEmbedded;
@@ -107,10 +95,10 @@ Place FindPlace(const UString& path, ByteSource& source, const OpenOptions& opti
 {
     const UString sidecar = SidecarOf(path, options.sidecar);
     const bool sidecarExists = File(sidecar).Exists();
+    const std::string extension = kivcore::string::UTF16to8(photo::LowerExtension(path));
     const FormatRow* row = photo::RecogniseFormat(source);
     if (row == nullptr && options.place != PacketPlace::kSidecar) {
-        const FormatRow* promised =
-            photo::FormatOfExtension(kivcore::string::UTF16to8(photo::LowerExtension(path)));
+        const FormatRow* promised = photo::FormatOfExtension(extension);
         if (promised != nullptr) {
             throw PhotoError(
                 PhotoError::Kind::kBroken,
@@ -124,11 +112,16 @@ Place FindPlace(const UString& path, ByteSource& source, const OpenOptions& opti
                                                      : "the file is no photo of a known format");
         }
     }
-    const bool embeds = row != nullptr && row->read != nullptr;
-    const std::string name = row != nullptr ? row->name : "unknown";
+    const char* name = row != nullptr ? row->name : "unknown";
+    bool embeds = row != nullptr && row->read != nullptr;
+    if (embeds && row->nameOf != nullptr) {
+        const char* const own = row->nameOf(source, extension);
+        embeds = own != nullptr;
+        name = embeds ? own : name;
+    }
     if (options.place == PacketPlace::kEmbedded && !embeds) {
         throw PhotoError(PhotoError::Kind::kRefused,
-                         "metadata embedded in " + name + " files cannot be read yet");
+                         std::string("metadata embedded in ") + name + " files cannot be read yet");
     }
     if (embeds && options.place != PacketPlace::kSidecar) {
         return {PacketPlace::kEmbedded, path, name, row->read,
@@ -140,7 +133,7 @@ Place FindPlace(const UString& path, ByteSource& source, const OpenOptions& opti
     Place place =
         SidecarPlace(sidecar, row == nullptr ? ""
                               : embeds ? "metadata embedded in the photo is left out of account"
-                                       : "metadata embedded in " + name +
+                                       : std::string("metadata embedded in ") + name +
                                              " files is not read yet; the sidecar counts");
     place.format = name;
     return place;
@@ -165,18 +158,15 @@ std::unique_ptr<__XMPMeta__> OpenPlace(const Place& place, InputFile* file)
     } else {
         FileSource source(*file);
         origin->Note(place.read(source), file->Identity());
-        const PhotoFormat& format = *origin->format;
-        if (origin->refusal && format.Packets().empty() &&
+        if (origin->refusal && origin->format->Packets().empty() &&
             origin->refusal->GetKind() == PhotoError::Kind::kBroken) {
             throw PhotoError(*origin->refusal);
         }
-        meta = ReadPacket(source, format);
-    }
-    if (place.kind == PacketPlace::kEmbedded &&
-        meta->FindProperty(kNoteUri, "HasExtendedXMP") != nullptr && !origin->refusal) {
-        origin->refusal.emplace(
-            PhotoError::Kind::kRefused,
-            "a part of its metadata, which an extended segment held, is missing");
+        PhotoObject object = ReadPackets(source, *origin->format);
+        meta = std::move(object.meta);
+        if (!origin->refusal) {
+            origin->refusal = object.refusal;
+        }
     }
     if (origin->refusal) {
         origin->info.canSave = false;
@@ -302,10 +292,10 @@ public:
             source_ = std::make_unique<MemorySource>(std::string_view());
         }
         const std::size_t limit = origin.format->PacketLimitBytes();
-        packet_ = meta.Serialize({.maxBytes = limit});
-        if (packet_.size() > limit) {
+        packet_ = SplitPacket(meta, *origin.format);
+        if (packet_.main.size() > limit) {
             throw XMP_Error(kKivXmpFileNoPlace, origin.packetPathUTF8 + ": the metadata takes " +
-                                                    std::to_string(packet_.size()) +
+                                                    std::to_string(packet_.main.size()) +
                                                     " bytes, and a " + origin.info.format +
                                                     " file has room for " + std::to_string(limit) +
                                                     "; nothing was written");
@@ -338,14 +328,17 @@ private:
     {
         FileSource copy(written);
         writtenFormat_ = origin_.read(copy);
-        photo::CheckKeptBytes(*source_, *origin_.format, copy, *writtenFormat_);
-        const std::vector<ByteRange>& packets = writtenFormat_->Packets();
-        if (writtenFormat_->Refusal() || packets.size() != 1 ||
-            ReadRange(copy, packets.front()) != packet_) {
+        if (!packet_.extended.empty()) {
+            writtenFormat_->TakeExtended(photo::PacketDigest(packet_.extended), copy);
+        }
+        photo::CheckCopy(*source_, *origin_.format, plan_, copy, *writtenFormat_);
+        PhotoObject object = ReadPackets(copy, *writtenFormat_);
+        if (writtenFormat_->Refusal() || object.refusal || writtenFormat_->Packets().size() != 1 ||
+            writtenFormat_->ReadPacket(0, copy) != packet_.main) {
             throw PhotoError(PhotoError::Kind::kFailed,
                              "the copy was not put in place: its packet is not where it should be");
         }
-        writtenObject_ = ReadPacket(copy, *writtenFormat_);
+        writtenObject_ = std::move(object.meta);
         if (!SameTree(meta_, *writtenObject_)) {
             throw PhotoError(PhotoError::Kind::kFailed,
                              "the copy was not put in place: its packet does not read back as it "
@@ -363,7 +356,7 @@ private:
     const PhotoOrigin& origin_;
     std::optional<InputFile> file_;
     std::unique_ptr<ByteSource> source_;
-    std::string packet_;
+    photo::PacketParts packet_;
     photo::SavePlan plan_;
     std::unique_ptr<PhotoFormat> writtenFormat_;
     std::unique_ptr<__XMPMeta__> writtenObject_;

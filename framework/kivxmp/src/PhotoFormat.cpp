@@ -8,129 +8,135 @@ namespace {
 
 constexpr std::size_t kChunkBytes = 64 * 1024;
 
-/// Reads the bytes of a file that no save may change, as one run.
-class KeptBytes {
-public:
-    KeptBytes(ByteSource& source, std::vector<ByteRange> changeable)
-        : source_(source), changeable_(std::move(changeable)), size_(source.SizeBytes())
-    {
-        std::uint64_t sum = 0;
-        changeableBefore_.reserve(changeable_.size());
-        for (const ByteRange& range : changeable_) {
-            changeableBefore_.push_back(sum);
-            sum += range.bytes;
-        }
-    }
-
-    /// Fills `buffer` as far as kept bytes are left, and returns how many there are.
-    std::size_t Read(std::string& buffer)
-    {
-        std::size_t filled = 0;
-        while (filled < buffer.size()) {
-            while (next_ < changeable_.size() && changeable_[next_].offset <= position_) {
-                position_ = std::max(position_, changeable_[next_].End());
-                ++next_;
-            }
-            const std::uint64_t end =
-                next_ < changeable_.size() ? std::min(changeable_[next_].offset, size_) : size_;
-            if (position_ >= end) {
-                if (position_ >= size_) {
-                    break;
-                }
-                continue;
-            }
-            const std::size_t wanted = static_cast<std::size_t>(
-                std::min<std::uint64_t>(end - position_, buffer.size() - filled));
-            const std::size_t got = source_.ReadAt(position_, buffer.data() + filled, wanted);
-            if (got == 0) {
-                break;
-            }
-            filled += got;
-            position_ += got;
-        }
-        return filled;
-    }
-
-    /// How many kept bytes stand before `position`.
-    std::uint64_t CountBefore(std::uint64_t position) const
-    {
-        const auto next = std::lower_bound(
-            changeable_.begin(), changeable_.end(), position,
-            [](const ByteRange& range, std::uint64_t value) { return range.offset < value; });
-        if (next == changeable_.begin()) {
-            return position;
-        }
-        const ByteRange& last = *(next - 1);
-        const std::uint64_t inLast = std::min(last.bytes, position - last.offset);
-        return position -
-               changeableBefore_[static_cast<std::size_t>(next - 1 - changeable_.begin())] - inLast;
-    }
-
-private:
-    ByteSource& source_;
-    std::vector<ByteRange> changeable_;
-    std::vector<std::uint64_t> changeableBefore_;  // sums of the lengths
-    std::uint64_t size_;
-    std::uint64_t position_ = 0;
-    std::size_t next_ = 0;
-};
-
-[[noreturn]] void ThrowDifferent(const char* what)
+[[noreturn]] void ThrowFailed(const char* what)
 {
     throw PhotoError(PhotoError::Kind::kFailed,
                      std::string("the copy was not put in place: ") + what);
 }
 
+[[noreturn]] void ThrowDifferent()
+{
+    ThrowFailed("bytes outside of the metadata packet differ from the original's");
+}
+
+/// Compares the copy with what it should be, in order.
+class Comparison {
+public:
+    Comparison(ByteSource& original, ByteSource& written) : original_(original), written_(written)
+    {
+    }
+
+    void Copied(ByteRange range)
+    {
+        std::uint64_t position = range.offset;
+        while (position < range.End()) {
+            const std::size_t wanted = static_cast<std::size_t>(
+                std::min<std::uint64_t>(range.End() - position, kChunkBytes));
+            if (original_.ReadAt(position, left_.data(), wanted) != wanted) {
+                ThrowDifferent();
+            }
+            Expect(std::string_view(left_).substr(0, wanted));
+            position += wanted;
+        }
+    }
+
+    void Expect(std::string_view bytes)
+    {
+        while (!bytes.empty()) {
+            const std::string_view part = bytes.substr(0, kChunkBytes);
+            if (written_.ReadAt(position_, right_.data(), part.size()) != part.size() ||
+                !std::equal(part.begin(), part.end(), right_.begin())) {
+                ThrowDifferent();
+            }
+            position_ += part.size();
+            bytes.remove_prefix(part.size());
+        }
+    }
+
+    std::uint64_t Position() const { return position_; }
+
+private:
+    ByteSource& original_;
+    ByteSource& written_;
+    std::uint64_t position_ = 0;
+    std::string left_ = std::string(kChunkBytes, '\0');
+    std::string right_ = std::string(kChunkBytes, '\0');
+};
+
+/// Ranges in file order, those that touch joined.
+class Cover {
+public:
+    explicit Cover(const std::vector<ByteRange>& ranges)
+    {
+        for (const ByteRange& range : ranges) {
+            if (!ranges_.empty() && ranges_.back().End() >= range.offset) {
+                ranges_.back().bytes =
+                    std::max(ranges_.back().End(), range.End()) - ranges_.back().offset;
+            } else {
+                ranges_.push_back(range);
+            }
+        }
+    }
+
+    bool Holds(const ByteRange& range) const
+    {
+        return range.bytes == 0 ||
+               std::any_of(ranges_.begin(), ranges_.end(), [&range](const ByteRange& own) {
+                   return own.offset <= range.offset && range.End() <= own.End();
+               });
+    }
+
+private:
+    std::vector<ByteRange> ranges_;
+};
+
 }  // namespace
 
 PhotoFormat::~PhotoFormat() = default;
 
-void ApplyPlan(const SavePlan& plan, std::uint64_t originalBytes,
-               const std::function<void(ByteRange range)>& copy,
-               const std::function<void(std::string_view bytes)>& write)
+std::string PhotoFormat::ReadPacket(std::size_t number, ByteSource& source) const
 {
-    std::uint64_t position = 0;
-    for (const Patch& patch : plan) {
-        if (patch.replaced.offset > position) {
-            copy({position, patch.replaced.offset - position});
-        }
-        write(patch.fresh);
-        position = patch.replaced.End();
-    }
-    if (position < originalBytes) {
-        copy({position, originalBytes - position});
-    }
+    return ReadRange(source, Packets().at(number));
 }
 
-void CheckKeptBytes(ByteSource& original, const PhotoFormat& originalFormat, ByteSource& written,
-                    const PhotoFormat& writtenFormat)
+std::optional<std::string> PhotoFormat::TakeExtended(std::string_view, ByteSource&)
 {
-    KeptBytes before(original, originalFormat.Changeable());
-    KeptBytes after(written, writtenFormat.Changeable());
+    return std::nullopt;
+}
 
-    const std::vector<std::uint64_t> targetsBefore = originalFormat.PointerTargets();
-    const std::vector<std::uint64_t> targetsAfter = writtenFormat.PointerTargets();
-    const bool samePlaces =
-        std::equal(targetsBefore.begin(), targetsBefore.end(), targetsAfter.begin(),
-                   targetsAfter.end(), [&](std::uint64_t left, std::uint64_t right) {
-                       return before.CountBefore(left) == after.CountBefore(right);
-                   });
-    if (!samePlaces) {
-        ThrowDifferent("a pointer in it leads elsewhere");
+void CheckCopy(ByteSource& original, const PhotoFormat& originalFormat, const SavePlan& plan,
+               ByteSource& written, const PhotoFormat& writtenFormat)
+{
+    Comparison comparison(original, written);
+    ApplyPlan(
+        plan, original.SizeBytes(), [&](ByteRange range) { comparison.Copied(range); },
+        [&](std::string_view fresh) { comparison.Expect(fresh); });
+    if (comparison.Position() != written.SizeBytes()) {
+        ThrowDifferent();
     }
 
-    std::string left(kChunkBytes, '\0');
-    std::string right(kChunkBytes, '\0');
-    for (;;) {
-        const std::size_t leftBytes = before.Read(left);
-        const std::size_t rightBytes = after.Read(right);
-        if (leftBytes != rightBytes ||
-            !std::equal(left.data(), left.data() + leftBytes, right.data())) {
-            ThrowDifferent("bytes outside of the metadata packet differ from the original's");
+    const Cover replaceable(originalFormat.Changeable());
+    const Cover fresh(writtenFormat.Changeable());
+    std::uint64_t moved = 0;  // sum of what was put in before, less what was taken out
+    for (const Patch& patch : plan) {
+        const bool isAppended = patch.replaced.offset == original.SizeBytes();
+        if (!replaceable.Holds(patch.replaced) ||
+            !(isAppended || fresh.Holds({patch.replaced.offset + moved, patch.fresh.size()}))) {
+            ThrowDifferent();
         }
-        if (leftBytes == 0) {
-            return;
-        }
+        moved = moved + patch.fresh.size() - patch.replaced.bytes;
+    }
+
+    const std::vector<std::uint64_t> before = originalFormat.PointerTargets();
+    const std::vector<std::uint64_t> after = writtenFormat.PointerTargets();
+    if (!std::equal(before.begin(), before.end(), after.begin(), after.end(),
+                    [&plan](std::uint64_t left, std::uint64_t right) {
+                        return MovedStart(plan, left) == right || MovedEnd(plan, left) == right;
+                    })) {
+        ThrowFailed("a pointer in it leads elsewhere");
+    }
+    if (originalFormat.OtherContent() != writtenFormat.OtherContent()) {
+        ThrowDifferent();
     }
 }
 

@@ -5,10 +5,10 @@
 #pragma once
 
 #include "framework/kivxmp/src/ByteSource.h"
+#include "framework/kivxmp/src/SavePlan.h"
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -17,6 +17,9 @@
 #include <vector>
 
 namespace kivxmp::photo {
+
+/// A packet of more bytes than this is neither read nor written.
+inline constexpr std::size_t kPacketBytesLimit = std::size_t{64} * 1024 * 1024;
 
 /// What is wrong with a photo, for its user. what() is one sentence without the file's name.
 class PhotoError : public std::runtime_error {
@@ -33,41 +36,53 @@ private:
     Kind kind_;
 };
 
-/// A range of the original (empty: a place between two bytes) and what stands there afterwards.
-struct Patch {
-    ByteRange replaced;
-    std::string fresh;
+/// A packet as a place takes it.
+struct PacketParts {
+    std::string main;
+    std::string extended;  ///< RDF that the main part has no room for; empty: it holds everything
 };
-
-/// What a save changes: patches in file order that do not overlap. Everything between them is
-/// copied.
-using SavePlan = std::vector<Patch>;
 
 /// A file as its format sees it, read once and then fixed. Holds no reference to the source.
 class PhotoFormat {
 public:
     virtual ~PhotoFormat();
 
-    /// Bytes of the main packets, in file order. The first one counts.
+    /// Where the main packets lie, in file order. The first one counts.
     virtual const std::vector<ByteRange>& Packets() const noexcept = 0;
+
+    /// The text of main packet `number`; not all formats hold it as it is.
+    /// Throws PhotoError (kBroken), FileError.
+    virtual std::string ReadPacket(std::size_t number, ByteSource& source) const;
+
+    /// The extended part that a main packet names by `digest`; nothing where it is not there or not
+    /// whole. Its bytes belong to the packet from now on; parts that nobody asks for are foreign
+    /// bytes. Throws FileError.
+    virtual std::optional<std::string> TakeExtended(std::string_view digest, ByteSource& source);
 
     /// Why saving is impossible (kBroken or kRefused); nothing if it is possible.
     virtual const std::optional<PhotoError>& Refusal() const noexcept = 0;
 
-    /// Longest packet that the place takes.
+    /// Longest main packet that the place takes.
     virtual std::size_t PacketLimitBytes() const noexcept = 0;
+    /// True if what does not fit can be an extended part.
+    virtual bool TakesExtended() const noexcept { return false; }
+    /// Bytes that are there for the packet already: a shorter one is to be filled up to them.
+    virtual std::size_t PacketRoomBytes() const noexcept { return 0; }
 
-    /// What to change so that the file holds `packet`. Throws PhotoError
+    /// What to change so that the file holds `packet`, and no other one besides. Throws PhotoError
     /// (the Refusal() first of all) if the packet is too long or a pointer cannot be corrected.
-    virtual SavePlan Plan(std::string_view packet) const = 0;
+    virtual SavePlan Plan(const PacketParts& packet) const = 0;
 
-    /// The bytes that belong to the packet or point past it (lengths, checksums, offsets), in file
+    /// The bytes that belong to packets or point past them (lengths, checksums, offsets), in file
     /// order and not overlapping. All other bytes survive a save.
     virtual std::vector<ByteRange> Changeable() const = 0;
 
     /// Where the pointers among the changeable bytes point, in a fixed order, as positions in the
     /// file. A save keeps what they point to.
-    virtual std::vector<std::uint64_t> PointerTargets() const = 0;
+    virtual std::vector<std::uint64_t> PointerTargets() const { return {}; }
+
+    /// What the changeable bytes say besides, in a form of the format's own. A save keeps it.
+    virtual std::string OtherContent() const { return {}; }
 };
 
 /// One format that is recognised by its content; some have several rows.
@@ -77,6 +92,9 @@ struct FormatRow {
     std::string_view signature;
     /// Null: packets in such files are not read, they have a sidecar.
     std::unique_ptr<PhotoFormat> (*read)(ByteSource& source);
+    /// Where the content alone does not tell: the name of the format of a file with that extension
+    /// (lower case, without the dot); null if its packets are not to be read either.
+    const char* (*nameOf)(ByteSource& source, std::string_view extension);
     /// Extensions that promise this format: lower case, a space around each. A file with such a
     /// name and unknown content is damaged, not foreign.
     std::string_view extensions;
@@ -88,15 +106,11 @@ const FormatRow* RecogniseFormat(ByteSource& source);
 /// The format that the extension (lower case, without the dot) promises, or null.
 const FormatRow* FormatOfExtension(std::string_view extension);
 
-/// Puts out the original with `plan` applied: `copy` is given the ranges to copy, `write` the fresh
-/// bytes, in order.
-void ApplyPlan(const SavePlan& plan, std::uint64_t originalBytes,
-               const std::function<void(ByteRange range)>& copy,
-               const std::function<void(std::string_view bytes)>& write);
-
-/// Throws PhotoError kFailed unless `written` holds the same bytes as `original` outside of what
-/// their formats call changeable, and all pointers point to the same ones of them.
-void CheckKeptBytes(ByteSource& original, const PhotoFormat& originalFormat, ByteSource& written,
-                    const PhotoFormat& writtenFormat);
+/// Throws PhotoError kFailed unless `written` is `original` with `plan` applied, and the plan does
+/// no harm: what it replaces and what it puts there belongs to packets and what points past them
+/// (or stands behind everything else), all pointers lead to the same bytes, and what else the
+/// changed bytes say is the same.
+void CheckCopy(ByteSource& original, const PhotoFormat& originalFormat, const SavePlan& plan,
+               ByteSource& written, const PhotoFormat& writtenFormat);
 
 }  // namespace kivxmp::photo

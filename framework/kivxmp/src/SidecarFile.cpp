@@ -16,28 +16,27 @@ public:
         if (sizeBytes > 0) {
             packets_.push_back({0, sizeBytes});
         }
-        if (sizeBytes > kSidecarLimitBytes) {
+        if (sizeBytes > kPacketBytesLimit) {
             refusal_.emplace(PhotoError::Kind::kRefused, "it is larger than any metadata packet");
         }
     }
 
     const std::vector<ByteRange>& Packets() const noexcept override { return packets_; }
     const std::optional<PhotoError>& Refusal() const noexcept override { return refusal_; }
-    std::size_t PacketLimitBytes() const noexcept override { return kSidecarLimitBytes; }
+    std::size_t PacketLimitBytes() const noexcept override { return kPacketBytesLimit; }
 
-    SavePlan Plan(std::string_view packet) const override
+    SavePlan Plan(const PacketParts& packet) const override
     {
-        if (packet.size() > kSidecarLimitBytes) {
+        if (packet.main.size() > kPacketBytesLimit) {
             throw PhotoError(PhotoError::Kind::kRefused,
-                             "the metadata takes " + std::to_string(packet.size()) +
-                                 " bytes; the limit is " + std::to_string(kSidecarLimitBytes));
+                             "the metadata takes " + std::to_string(packet.main.size()) +
+                                 " bytes; the limit is " + std::to_string(kPacketBytesLimit));
         }
         const ByteRange all = packets_.empty() ? ByteRange{} : packets_.front();
-        return {{all, std::string(packet)}};
+        return {{all, packet.main}};
     }
 
     std::vector<ByteRange> Changeable() const override { return packets_; }
-    std::vector<std::uint64_t> PointerTargets() const override { return {}; }
 
 private:
     std::vector<ByteRange> packets_;

@@ -11,9 +11,6 @@
 
 namespace kivxmp::photo {
 
-/// A packet and so a sidecar of more bytes than this is not read.
-inline constexpr std::size_t kSidecarLimitBytes = std::size_t{64} * 1024 * 1024;
-
 /// The whole file as one packet; none where it is empty or missing (`sizeBytes` 0).
 std::unique_ptr<PhotoFormat> MakeSidecarFormat(std::uint64_t sizeBytes);
 

@@ -98,11 +98,13 @@ Jpeg& Jpeg::Xmp(std::string_view packet)
     return Segment(0xE1, std::string("http://ns.adobe.com/xap/1.0/\0"sv) + std::string(packet));
 }
 
-Jpeg& Jpeg::ExtendedXmp()
+Jpeg& Jpeg::Extended(std::string_view digest, std::size_t wholeBytes, std::size_t at,
+                     std::string_view piece)
 {
     return Segment(0xE1, std::string("http://ns.adobe.com/xmp/extension/\0"sv) +
-                             std::string(32, 'A') + Number(4, 4, true) + Number(0, 4, true) +
-                             "<x/>");
+                             std::string(32 - digest.size(), '0') + std::string(digest) +
+                             Number(wholeBytes, 4, true) + Number(at, 4, true) +
+                             std::string(piece));
 }
 
 Jpeg& Jpeg::Profile(std::size_t bytes)

@@ -25,7 +25,9 @@ public:
     Jpeg& Exif();
     Jpeg& Comment(std::string_view text);
     Jpeg& Xmp(std::string_view packet);
-    Jpeg& ExtendedXmp();
+    /// A piece of an extended part; `digest` is filled up with zeros in front.
+    Jpeg& Extended(std::string_view digest, std::size_t wholeBytes, std::size_t at,
+                   std::string_view piece);
     Jpeg& Profile(std::size_t bytes);
     /// `count` times the byte that may stand before any marker.
     Jpeg& Fill(std::size_t count);

@@ -93,7 +93,8 @@ TEST(MultiPictureIndex, Read)
 
 struct ChangeCase {
     const char* name;
-    LengthChange change;
+    ByteRange replaced;
+    std::size_t freshBytes;
     const char* want;  // the fields, or "-"
 };
 
@@ -105,23 +106,22 @@ TEST(MultiPictureIndex, Corrected)
     // The first picture ends at 500, in front of the index: not what a camera writes, but it tells
     // the fields apart. The second begins at 1600.
     const ChangeCase rows[] = {
-        {"behind both", {{2000, 10}, 90}, "500 600"},
-        {"between index and picture", {{1100, 10}, 90}, "500 680"},
-        {"shorter", {{1100, 90}, 10}, "500 520"},
-        {"the same length", {{1100, 90}, 90}, "500 600"},
-        {"right before the picture", {{1590, 10}, 0}, "500 590"},
-        {"inserted at the picture's beginning", {{1600, 0}, 7}, "500 607"},
-        {"inserted at the first one's end", {{500, 0}, 7}, "500 600"},
-        {"in front of the index", {{600, 10}, 90}, "500 600"},
-        {"in front of everything", {{2, 0}, 100}, "600 600"},
-        {"over the picture's beginning", {{1590, 11}, 50}, "-"},
-        {"over the first one's end", {{490, 20}, 50}, "-"},
-        {"over the index", {{990, 20}, 50}, "-"},
-        {"too far for 32 bits", {{1100, 0}, 0xFFFFFFFF}, "-"},
+        {"behind both", {2000, 10}, 90, "500 600"},
+        {"between index and picture", {1100, 10}, 90, "500 680"},
+        {"shorter", {1100, 90}, 10, "500 520"},
+        {"the same length", {1100, 90}, 90, "500 600"},
+        {"right before the picture", {1590, 10}, 0, "500 590"},
+        {"inserted at the picture's beginning", {1600, 0}, 7, "500 607"},
+        {"inserted at the first one's end", {500, 0}, 7, "500 600"},
+        {"in front of the index", {600, 10}, 90, "500 600"},
+        {"in front of everything", {2, 0}, 100, "600 600"},
+        {"over the picture's beginning", {1590, 11}, 50, "-"},
+        {"over the first one's end", {490, 20}, 50, "-"},
+        {"over the index", {990, 20}, 50, "-"},
     };
     for (const ChangeCase& row : rows) {
         SCOPED_TRACE(row.name);
-        const auto values = index->Corrected(row.change);
+        const auto values = index->Corrected({{row.replaced, std::string(row.freshBytes, 'x')}});
         std::ostringstream text;
         for (const std::string& value : values.value_or(std::vector<std::string>{})) {
             std::uint32_t number = 0;

@@ -21,7 +21,7 @@ using test::SmallPacket;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-const std::string kPng = "\x89PNG\r\n\x1A\nthe rest is not looked at";
+const std::string kGif = "GIF89athe rest is not looked at";
 constexpr char kTitle[] = "dc:title[@x-default]";
 
 struct NameCase {
@@ -84,44 +84,44 @@ protected:
 
 TEST_F(SidecarFileTest, OfAFormatThatIsNotWritten)
 {
-    folder_.Write("p.png", kPng);
-    const std::unique_ptr<__XMPMeta__> meta = Open("p.png");
+    folder_.Write("p.gif", kGif);
+    const std::unique_ptr<__XMPMeta__> meta = Open("p.gif");
     const PhotoInfo info = GetPhotoInfo(*meta);
-    EXPECT_EQ(info.format, "PNG");
+    EXPECT_EQ(info.format, "GIF");
     EXPECT_EQ(info.place, PacketPlace::kSidecar);
-    EXPECT_EQ(info.packetPath, folder_.Path("p.png.xmp"));
+    EXPECT_EQ(info.packetPath, folder_.Path("p.gif.xmp"));
     EXPECT_FALSE(info.packetFound);
     EXPECT_TRUE(info.canSave);
-    EXPECT_EQ(info.note, "metadata embedded in PNG files is not read yet; the sidecar counts");
+    EXPECT_EQ(info.note, "metadata embedded in GIF files is not read yet; the sidecar counts");
 
     EXPECT_EQ(SavePhoto(*meta), SaveResult::kNothingToSave);
-    EXPECT_THAT(folder_.Names(), ElementsAre("p.png"));
+    EXPECT_THAT(folder_.Names(), ElementsAre("p.gif"));
     meta->SetText(kTitle, "beside");
     EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
-    EXPECT_THAT(folder_.Names(), ElementsAre("p.png", "p.png.xmp"));
-    EXPECT_EQ(folder_.Read("p.png"), kPng);
-    EXPECT_EQ(Seen("p.png"), "p.png.xmp beside");
+    EXPECT_THAT(folder_.Names(), ElementsAre("p.gif", "p.gif.xmp"));
+    EXPECT_EQ(folder_.Read("p.gif"), kGif);
+    EXPECT_EQ(Seen("p.gif"), "p.gif.xmp beside");
     EXPECT_TRUE(GetPhotoInfo(*meta).packetFound);
 
     // And the same object again, now over a file.
     meta->SetText(kTitle, "again");
     EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
-    EXPECT_EQ(Seen("p.png"), "p.png.xmp again");
+    EXPECT_EQ(Seen("p.gif"), "p.gif.xmp again");
 }
 
 TEST_F(SidecarFileTest, WhichNameCounts)
 {
     const OpenOptions full{.sidecar = SidecarName::kFull};
     const OpenOptions brief{.sidecar = SidecarName::kShort};
-    folder_.Write("p.png", kPng);
-    EXPECT_EQ(Seen("p.png"), "p.png.xmp -");
-    EXPECT_EQ(Seen("p.png", brief), "p.xmp -");
+    folder_.Write("p.gif", kGif);
+    EXPECT_EQ(Seen("p.gif"), "p.gif.xmp -");
+    EXPECT_EQ(Seen("p.gif", brief), "p.xmp -");
     folder_.Write("p.xmp", SmallPacket("short"));
-    EXPECT_EQ(Seen("p.png"), "p.xmp short");
-    EXPECT_EQ(Seen("p.png", full), "p.png.xmp -");
-    folder_.Write("p.png.xmp", SmallPacket("full"));
-    EXPECT_EQ(Seen("p.png"), "p.png.xmp full");
-    EXPECT_EQ(Seen("p.png", brief), "p.xmp short");
+    EXPECT_EQ(Seen("p.gif"), "p.xmp short");
+    EXPECT_EQ(Seen("p.gif", full), "p.gif.xmp -");
+    folder_.Write("p.gif.xmp", SmallPacket("full"));
+    EXPECT_EQ(Seen("p.gif"), "p.gif.xmp full");
+    EXPECT_EQ(Seen("p.gif", brief), "p.xmp short");
     // Opened by its own name, a sidecar is the photo.
     EXPECT_EQ(Seen("p.xmp"), "p.xmp short");
 }
@@ -146,9 +146,9 @@ TEST_F(SidecarFileTest, OfAJpegFile)
 TEST_F(SidecarFileTest, PlacesThatCannotBe)
 {
     const OpenOptions embedded{.place = PacketPlace::kEmbedded};
-    folder_.Write("p.png", kPng);
-    EXPECT_THAT(Failure("p.png", embedded),
-                HasSubstr("p.png: metadata embedded in PNG files cannot be read yet"));
+    folder_.Write("p.gif", kGif);
+    EXPECT_THAT(Failure("p.gif", embedded),
+                HasSubstr("p.gif: metadata embedded in GIF files cannot be read yet"));
     folder_.Write("unknown.bin", "content that nobody knows");
     EXPECT_THAT(Failure("unknown.bin", {}), HasSubstr("no photo of a known format"));
     // Who asks for a sidecar gets one; and where there is one, the file is of worth to somebody.
@@ -160,10 +160,10 @@ TEST_F(SidecarFileTest, PlacesThatCannotBe)
 
 TEST_F(SidecarFileTest, MadeByAnotherProgramMeanwhile)
 {
-    folder_.Write("p.png", kPng);
-    const std::unique_ptr<__XMPMeta__> meta = Open("p.png");
+    folder_.Write("p.gif", kGif);
+    const std::unique_ptr<__XMPMeta__> meta = Open("p.gif");
     meta->SetText(kTitle, "mine");
-    folder_.Write("p.png.xmp", SmallPacket("theirs"));
+    folder_.Write("p.gif.xmp", SmallPacket("theirs"));
     try {
         SavePhoto(*meta);
         ADD_FAILURE() << "saved";
@@ -172,8 +172,8 @@ TEST_F(SidecarFileTest, MadeByAnotherProgramMeanwhile)
         EXPECT_THAT(error.Text(),
                     HasSubstr("was made by another program meanwhile; nothing was written"));
     }
-    EXPECT_EQ(folder_.Read("p.png.xmp"), SmallPacket("theirs"));
-    EXPECT_THAT(folder_.Names(), ElementsAre("p.png", "p.png.xmp"));
+    EXPECT_EQ(folder_.Read("p.gif.xmp"), SmallPacket("theirs"));
+    EXPECT_THAT(folder_.Names(), ElementsAre("p.gif", "p.gif.xmp"));
 }
 
 TEST_F(SidecarFileTest, KeepsItsEncoding)

@@ -21,7 +21,7 @@ namespace kivxmp {
 
 /// Where the packet of a photo is kept. The numbers are those of the C interface.
 enum class PacketPlace {
-    kAuto = 0,      ///< as the format asks: embedded in JPEG, beside all others
+    kAuto = 0,      ///< in the photo where its format is written, else beside it
     kEmbedded = 1,  ///< in the photo
     kSidecar = 2    ///< in a file beside it
 };

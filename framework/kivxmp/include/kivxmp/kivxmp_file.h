@@ -24,7 +24,7 @@ extern "C" {
 
 /* Where the packet of a photo is kept. The numbers stay as they are. */
 typedef enum KivXmpPlace {
-    kKivXmpPlaceAuto = 0,     /* as the format asks: embedded in JPEG, beside all others */
+    kKivXmpPlaceAuto = 0,     /* in the photo where its format is written, else beside it */
     kKivXmpPlaceEmbedded = 1, /* in the photo */
     kKivXmpPlaceSidecar = 2   /* in a file beside it */
 } KivXmpPlace;

@@ -1,0 +1,311 @@
+#include "framework/kivxmp/src/TiffFile.h"
+
+#include <algorithm>
+#include <limits>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "framework/kivxmp/src/ByteNumbers.h"
+#include "framework/kivxmp/src/HeaderReader.h"
+
+namespace kivxmp::photo {
+
+namespace {
+
+constexpr std::uint16_t kTagPacket = 700;
+constexpr std::uint16_t kTagDngVersion = 50706;
+constexpr std::uint16_t kTypeByte = 1;
+constexpr std::uint16_t kTypeUndefined = 7;
+// More than any writer's; a classic directory cannot have more.
+constexpr std::uint64_t kMaxEntries = 65535;
+
+/// The sizes in which classic TIFF and BigTIFF differ.
+struct Sizes {
+    std::uint64_t firstOffsetAt;  // in the header: where the first directory lies
+    std::size_t entryCount;       // the number of a directory's entries
+    std::size_t number;           // a count or an offset
+    std::uint64_t entry;          // tag, type, count, value or offset
+};
+constexpr Sizes kClassic = {4, 2, 4, 2 + 2 + 4 + 4};
+constexpr Sizes kBig = {8, 8, 8, 2 + 2 + 8 + 8};
+constexpr std::uint64_t kCountInEntry = 4;
+
+bool Overlap(const ByteRange& left, const ByteRange& right)
+{
+    return left.offset < right.End() && right.offset < left.End();
+}
+
+class TiffFile final : public PhotoFormat {
+public:
+    explicit TiffFile(ByteSource& source);
+
+    const std::vector<ByteRange>& Packets() const noexcept override { return packets_; }
+    const std::optional<PhotoError>& Refusal() const noexcept override { return refusal_; }
+    std::size_t PacketLimitBytes() const noexcept override { return kPacketBytesLimit; }
+    std::size_t PacketRoomBytes() const noexcept override;
+    SavePlan Plan(const PacketParts& packet) const override;
+    std::vector<ByteRange> Changeable() const override;
+    std::string OtherContent() const override;
+
+    bool IsDng() const { return isDng_; }
+    bool IsBig() const { return sizes_ == &kBig; }
+
+private:
+    bool ReadHeader(HeaderReader& reader);
+    void ReadDirectory(HeaderReader& reader);
+    void NotePacket(std::uint64_t number);
+    void Refuse(PhotoError::Kind kind, const std::string& reason);
+
+    std::uint64_t Number(std::string_view bytes, std::uint64_t at, std::size_t count) const
+    {
+        return GetNumber(bytes, at, count, order_);
+    }
+    std::string_view Entry(std::uint64_t number) const
+    {
+        return std::string_view(entries_).substr(number * sizes_->entry, sizes_->entry);
+    }
+    ByteRange PacketFields() const;
+    std::string NumberPair(std::uint64_t count, std::uint64_t offset) const;
+    /// The directory with one more entry, for a packet at `offset`.
+    std::string GrownDirectory(std::uint64_t packetBytes, std::uint64_t offset) const;
+
+    std::uint64_t fileBytes_;
+    ByteOrder order_ = ByteOrder::kLittle;
+    const Sizes* sizes_ = &kClassic;
+    ByteRange directory_;
+    std::string entries_;
+    std::string nextDirectory_;
+    std::optional<std::uint64_t> packetEntry_;
+    std::vector<ByteRange> packets_;
+    bool isInline_ = false;  // the packet's few bytes stand in the entry
+    bool isDng_ = false;
+    std::optional<PhotoError> refusal_;
+};
+
+TiffFile::TiffFile(ByteSource& source) : fileBytes_(source.SizeBytes())
+{
+    HeaderReader reader(source);
+    if (ReadHeader(reader)) {
+        ReadDirectory(reader);
+    }
+}
+
+void TiffFile::Refuse(PhotoError::Kind kind, const std::string& reason)
+{
+    if (!refusal_) {
+        refusal_.emplace(kind, reason);
+    }
+}
+
+bool TiffFile::ReadHeader(HeaderReader& reader)
+{
+    constexpr std::uint64_t kLongestHeader = 16;
+    constexpr std::uint64_t kBigVersion = 43;
+    const std::string head = reader.Bytes(0, kLongestHeader);
+    if (head.size() < 4) {
+        Refuse(PhotoError::Kind::kBroken, "the file is cut off within its header");
+        return false;
+    }
+    order_ = head.starts_with("MM") ? ByteOrder::kBig : ByteOrder::kLittle;
+    sizes_ = Number(head, 2, 2) == kBigVersion ? &kBig : &kClassic;
+    if (!HasBytes(head, sizes_->firstOffsetAt, sizes_->number)) {
+        Refuse(PhotoError::Kind::kBroken, "the file is cut off within its header");
+        return false;
+    }
+    // BigTIFF: the size of an offset, and a zero.
+    if (IsBig() && (Number(head, 4, 2) != kBig.number || Number(head, 6, 2) != 0)) {
+        Refuse(PhotoError::Kind::kBroken,
+               "its structure is damaged: an impossible size of offsets at byte 4");
+        return false;
+    }
+    directory_.offset = Number(head, sizes_->firstOffsetAt, sizes_->number);
+    return true;
+}
+
+void TiffFile::ReadDirectory(HeaderReader& reader)
+{
+    const std::uint64_t headerEnd = sizes_->firstOffsetAt + sizes_->number;
+    const auto isThere = [this](std::uint64_t offset, std::uint64_t bytes) {
+        return offset <= fileBytes_ && fileBytes_ - offset >= bytes;
+    };
+    if (directory_.offset < headerEnd || !isThere(directory_.offset, sizes_->entryCount)) {
+        Refuse(PhotoError::Kind::kBroken,
+               "its structure is damaged: the first directory is not in the file");
+        return;
+    }
+    const std::uint64_t count =
+        Number(reader.Bytes(directory_.offset, sizes_->entryCount), 0, sizes_->entryCount);
+    if (count == 0 || count > kMaxEntries) {
+        Refuse(PhotoError::Kind::kBroken,
+               "its structure is damaged: an impossible directory" + AtByte(directory_.offset));
+        return;
+    }
+    const std::uint64_t entriesBytes = count * sizes_->entry;
+    directory_.bytes = sizes_->entryCount + entriesBytes + sizes_->number;
+    if (!isThere(directory_.offset, directory_.bytes)) {
+        Refuse(PhotoError::Kind::kBroken, "the file is cut off within its first directory");
+        return;
+    }
+    entries_ = reader.Bytes(directory_.offset + sizes_->entryCount, entriesBytes);
+    nextDirectory_ = reader.Bytes(directory_.End() - sizes_->number, sizes_->number);
+    for (std::uint64_t number = 0; number < count; ++number) {
+        const std::uint64_t tag = Number(Entry(number), 0, 2);
+        isDng_ = isDng_ || tag == kTagDngVersion;
+        if (tag == kTagPacket) {
+            NotePacket(number);
+        }
+    }
+}
+
+void TiffFile::NotePacket(std::uint64_t number)
+{
+    if (packetEntry_) {
+        Refuse(PhotoError::Kind::kRefused,
+               "it holds several metadata packets, which cannot be put together");
+        return;
+    }
+    packetEntry_ = number;
+    const std::string_view entry = Entry(number);
+    const std::uint64_t type = Number(entry, 2, 2);
+    const std::uint64_t bytes = Number(entry, kCountInEntry, sizes_->number);
+    if (type != kTypeByte && type != kTypeUndefined) {
+        Refuse(PhotoError::Kind::kBroken,
+               "its structure is damaged: metadata that is not made of bytes");
+        return;
+    }
+    isInline_ = bytes <= sizes_->number;
+    const ByteRange packet{isInline_
+                               ? PacketFields().offset + sizes_->number
+                               : Number(entry, kCountInEntry + sizes_->number, sizes_->number),
+                           bytes};
+    if (packet.offset > fileBytes_ || fileBytes_ - packet.offset < bytes) {
+        Refuse(PhotoError::Kind::kBroken, "the file is cut off within its metadata packet");
+        return;
+    }
+    packets_.push_back(packet);
+    const ByteRange header{0, sizes_->firstOffsetAt + sizes_->number};
+    if (!isInline_ && (Overlap(packet, header) || Overlap(packet, directory_))) {
+        Refuse(PhotoError::Kind::kBroken,
+               "its structure is damaged: its metadata lies over its directory");
+    }
+}
+
+/// Count and offset of the packet in its entry.
+ByteRange TiffFile::PacketFields() const
+{
+    return {directory_.offset + sizes_->entryCount + *packetEntry_ * sizes_->entry + kCountInEntry,
+            2 * sizes_->number};
+}
+
+std::string TiffFile::NumberPair(std::uint64_t count, std::uint64_t offset) const
+{
+    return NumberBytes(count, sizes_->number, order_) + NumberBytes(offset, sizes_->number, order_);
+}
+
+std::size_t TiffFile::PacketRoomBytes() const noexcept
+{
+    return packets_.empty() || isInline_ ? 0 : static_cast<std::size_t>(packets_.front().bytes);
+}
+
+std::string TiffFile::GrownDirectory(std::uint64_t packetBytes, std::uint64_t offset) const
+{
+    // Entries stand in the order of their tags.
+    const std::uint64_t count = entries_.size() / sizes_->entry;
+    std::uint64_t place = 0;
+    while (place < count && Number(Entry(place), 0, 2) < kTagPacket) {
+        ++place;
+    }
+    std::string entries = entries_;
+    entries.insert(static_cast<std::size_t>(place * sizes_->entry),
+                   NumberBytes(kTagPacket, 2, order_) + NumberBytes(kTypeByte, 2, order_) +
+                       NumberPair(packetBytes, offset));
+    return NumberBytes(count + 1, sizes_->entryCount, order_) + entries + nextDirectory_;
+}
+
+SavePlan TiffFile::Plan(const PacketParts& packet) const
+{
+    if (refusal_) {
+        throw PhotoError(*refusal_);
+    }
+    const std::size_t bytes = packet.main.size();
+    if (!packets_.empty() && !isInline_ && packets_.front().bytes == bytes) {
+        return {{packets_.front(), packet.main}};
+    }
+    if (bytes <= sizes_->number) {
+        throw PhotoError(PhotoError::Kind::kRefused, "the metadata is too short for a TIFF file");
+    }
+    SavePlan plan;
+    // What is appended begins at an even byte, as the format wants it.
+    std::string appended(fileBytes_ & 1, '\0');
+    std::uint64_t end = 0;
+    if (packetEntry_ && packets_.front().End() == fileBytes_ && !isInline_) {
+        plan.push_back({PacketFields(), NumberPair(bytes, packets_.front().offset)});
+        plan.push_back({packets_.front(), packet.main});
+        end = packets_.front().offset + bytes;
+    } else if (packetEntry_) {
+        const std::uint64_t offset = fileBytes_ + appended.size();
+        plan.push_back({PacketFields(), NumberPair(bytes, offset)});
+        plan.push_back({{fileBytes_, 0}, appended + packet.main});
+        end = offset + bytes;
+    } else {
+        const std::uint64_t directory = fileBytes_ + appended.size();
+        const std::uint64_t offset = directory + directory_.bytes + sizes_->entry;
+        appended += GrownDirectory(bytes, offset) + packet.main;
+        plan.push_back({{sizes_->firstOffsetAt, sizes_->number},
+                        NumberBytes(directory, sizes_->number, order_)});
+        plan.push_back({{fileBytes_, 0}, std::move(appended)});
+        end = offset + bytes;
+    }
+    if (!IsBig() && end > std::numeric_limits<std::uint32_t>::max()) {
+        throw PhotoError(PhotoError::Kind::kRefused,
+                         "the file would be larger than a TIFF file can be");
+    }
+    SortPlan(plan);
+    return plan;
+}
+
+std::vector<ByteRange> TiffFile::Changeable() const
+{
+    std::vector<ByteRange> ranges = {{sizes_->firstOffsetAt, sizes_->number}};
+    if (packetEntry_) {
+        ranges.push_back(PacketFields());
+    }
+    if (!packets_.empty() && !isInline_) {
+        ranges.push_back(packets_.front());
+    }
+    SortRanges(ranges);
+    return ranges;
+}
+
+std::string TiffFile::OtherContent() const
+{
+    std::string content;
+    for (std::uint64_t number = 0; number < entries_.size() / sizes_->entry; ++number) {
+        if (number != packetEntry_) {
+            content += Entry(number);
+        }
+    }
+    return content + nextDirectory_;
+}
+
+}  // namespace
+
+std::unique_ptr<PhotoFormat> ReadTiff(ByteSource& source)
+{
+    return std::make_unique<TiffFile>(source);
+}
+
+const char* TiffName(ByteSource& source, std::string_view extension)
+{
+    const TiffFile file(source);
+    if (file.IsDng()) {
+        return "DNG";
+    }
+    if (extension == "tif" || extension == "tiff") {
+        return file.IsBig() ? "BigTIFF" : "TIFF";
+    }
+    return nullptr;
+}
+
+}  // namespace kivxmp::photo

@@ -1,0 +1,314 @@
+#include "framework/kivxmp/src/PhotoPackets.h"
+
+#include <gmock/gmock.h>
+
+#include <kivxmp/PhotoFile.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "framework/kivxmp/src/PacketDigest.h"
+#include "framework/kivxmp/tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/PhotoBuilders.h"
+#include "framework/kivxmp/tests/PhotoFolder.h"
+
+namespace kivxmp {
+namespace {
+
+using photo::PacketDigest;
+using test::Jpeg;
+using test::kTitle;
+using test::Png;
+using test::SmallPacket;
+using test::Tiff;
+using test::Webp;
+using ::testing::ElementsAre;
+
+class PhotoPacketsTest : public test::PhotoFolderTest {};
+
+/// RDF with these elements and attributes in one description.
+std::string Rdf(std::string_view elements, std::string_view attributes = "")
+{
+    return "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF "
+           "xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description rdf:about='' "
+           "xmlns:dc='http://purl.org/dc/elements/1.1/' xmlns:my='http://example.org/my/' "
+           "xmlns:xmpNote='http://ns.adobe.com/xmp/note/' " +
+           std::string(attributes) + ">" + std::string(elements) +
+           "</rdf:Description></rdf:RDF></x:xmpmeta>";
+}
+
+struct FormatCase {
+    const char* name;  // of the file
+    const char* format;
+    std::string (*build)(std::string_view packet);  // "" for none
+};
+
+const FormatCase kFormats[] = {
+    {"p.jpg", "JPEG",
+     [](std::string_view packet) {
+         Jpeg jpeg;
+         jpeg.Exif();
+         return (packet.empty() ? jpeg : jpeg.Xmp(packet)).Scan().Bytes();
+     }},
+    {"p.png", "PNG",
+     [](std::string_view packet) {
+         Png png;
+         return (packet.empty() ? png : png.Xmp(packet)).Image().Bytes();
+     }},
+    {"p.webp", "WebP",
+     [](std::string_view packet) {
+         Webp webp;
+         webp.Extended(packet.empty() ? 0 : 4).Image();
+         return (packet.empty() ? webp : webp.Xmp(packet)).Bytes();
+     }},
+    {"p.tif", "TIFF",
+     [](std::string_view packet) {
+         Tiff tiff({true, false});
+         tiff.Image();
+         return (packet.empty() ? tiff : tiff.Xmp(packet)).Bytes();
+     }},
+    {"p.tiff", "BigTIFF",
+     [](std::string_view packet) {
+         Tiff tiff({false, true});
+         tiff.Image();
+         return (packet.empty() ? tiff : tiff.Xmp(packet)).Bytes();
+     }},
+    {"p.dng", "DNG",
+     [](std::string_view packet) {
+         Tiff tiff;
+         tiff.Image();
+         return (packet.empty() ? tiff : tiff.Xmp(packet))
+             .Entry(50706, 1, 4, std::string_view("\1\4\0\0", 4))
+             .Bytes();
+     }},
+};
+
+TEST_F(PhotoPacketsTest, EveryFormatTakesAFirstPacketAndAnotherOne)
+{
+    for (const FormatCase& row : kFormats) {
+        SCOPED_TRACE(row.format);
+        folder_.Write(row.name, row.build(""));
+        std::unique_ptr<__XMPMeta__> meta = Open(row.name);
+        PhotoInfo info = GetPhotoInfo(*meta);
+        EXPECT_EQ(info.format, row.format);
+        EXPECT_EQ(info.place, PacketPlace::kEmbedded);
+        EXPECT_FALSE(info.packetFound);
+        EXPECT_TRUE(info.canSave) << info.reason;
+        EXPECT_EQ(meta->PropertyCount(), 0u);
+
+        meta->SetText(kTitle, "first");
+        EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+        info = GetPhotoInfo(*meta);
+        EXPECT_TRUE(info.packetFound);
+        EXPECT_EQ(folder_.Read(row.name).substr(info.packetOffset, info.packetBytes),
+                  meta->Serialize());
+        EXPECT_EQ(Title(row.name), "first");
+
+        // The padding of the first packet takes the second one: the file keeps its length.
+        const std::size_t bytes = folder_.Read(row.name).size();
+        Retitle(row.name, "second");
+        EXPECT_EQ(folder_.Read(row.name).size(), bytes);
+        EXPECT_EQ(Title(row.name), "second");
+        // One that outgrows its place.
+        Retitle(row.name, std::string(100000, 'x'));
+        EXPECT_EQ(Title(row.name), std::string(100000, 'x'));
+        Retitle(row.name, "third");
+        EXPECT_EQ(Title(row.name), "third");
+        std::filesystem::remove(folder_.Of(row.name));
+        EXPECT_THAT(folder_.Names(), ElementsAre());
+    }
+}
+
+// Two packets as two editors leave them: the first one counts, and takes over what it lacks.
+TEST_F(PhotoPacketsTest, SeveralPacketsBecomeOne)
+{
+    const std::string first = Rdf("<dc:format>image/x</dc:format>", "my:both='first'");
+    const std::string second =
+        Rdf("<dc:subject><rdf:Bag><rdf:li>sea</rdf:li></rdf:Bag></dc:subject>"
+            "<my:box rdf:parseType='Resource'><my:a>1</my:a></my:box>",
+            "my:both='second'");
+    const std::string third = Rdf("<my:last xml:lang='de'>3</my:last>");
+    const struct {
+        const char* name;
+        std::string bytes;
+    } rows[] = {
+        {"p.jpg", Jpeg().Xmp(first).Exif().Xmp(second).Xmp(third).Scan().Bytes()},
+        {"p.png", Png().Xmp(first).PackedXmp(second).Image().Raw("").Xmp(third).Bytes()},
+        {"p.webp", Webp().Extended(4).Image().Xmp(first).Xmp(second).Xmp(third).Bytes()},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.name);
+        folder_.Write(row.name, row.bytes);
+        std::unique_ptr<__XMPMeta__> meta = Open(row.name);
+        EXPECT_TRUE(GetPhotoInfo(*meta).canSave);
+        // Nobody changed anything yet.
+        EXPECT_FALSE(meta->IsChanged());
+        EXPECT_EQ(SavePhoto(*meta), SaveResult::kNothingToSave);
+        EXPECT_TRUE(folder_.Read(row.name) == row.bytes);
+
+        Retitle(row.name, "edited");
+        meta = Open(row.name);
+        EXPECT_EQ(Title(row.name), "edited");
+        EXPECT_EQ(TextOf(meta->Find("dc:format")), "image/x");
+        EXPECT_EQ(TextOf(meta->Find("{http://example.org/my/}both")), "first");
+        EXPECT_EQ(TextOf(meta->Find("dc:subject[1]")), "sea");
+        EXPECT_EQ(TextOf(meta->Find("my:box/my:a")), "1");
+        const bool hasThird = std::string_view(row.name) != "p.png";  // it stood behind the end
+        EXPECT_EQ(meta->Find("my:last") != nullptr, hasThird);
+        const std::string after = folder_.Read(row.name);
+        EXPECT_EQ(after.find("second"), std::string::npos);
+    }
+}
+
+std::string Main(const std::string& digest)
+{
+    return Rdf("<dc:format>image/jpeg</dc:format><xmpNote:HasExtendedXMP>" + digest +
+               "</xmpNote:HasExtendedXMP>");
+}
+
+TEST_F(PhotoPacketsTest, AnExtendedPartBelongsToItsPacket)
+{
+    const std::string extended = Rdf("<my:long>" + std::string(70000, 'l') + "</my:long>");
+    const std::string digest = PacketDigest(extended);
+    const std::string photo = Jpeg()
+                                  .Xmp(Main(digest))
+                                  .Extended(digest, extended.size(), 0, extended.substr(0, 60000))
+                                  .Extended(digest, extended.size(), 60000, extended.substr(60000))
+                                  .Scan()
+                                  .Bytes();
+    folder_.Write("p.jpg", photo);
+    std::unique_ptr<__XMPMeta__> meta = Open("p.jpg");
+    EXPECT_EQ(TextOf(meta->Find("{http://example.org/my/}long"))->size(), 70000u);
+    EXPECT_EQ(meta->Find("xmpNote:HasExtendedXMP"), nullptr);
+    EXPECT_TRUE(GetPhotoInfo(*meta).canSave);
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kNothingToSave);
+    EXPECT_TRUE(folder_.Read("p.jpg") == photo);
+
+    Retitle("p.jpg", "edited");
+    meta = Open("p.jpg");
+    EXPECT_EQ(Title("p.jpg"), "edited");
+    EXPECT_EQ(TextOf(meta->Find("dc:format")), "image/jpeg");
+    EXPECT_EQ(TextOf(meta->Find("my:long"))->size(), 70000u);
+
+    // What has room again comes back into the packet.
+    meta->SetText("my:long", "short");
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    const std::string after = folder_.Read("p.jpg");
+    EXPECT_EQ(after.find("http://ns.adobe.com/xmp/extension/"), std::string::npos);
+    EXPECT_EQ(after.find("HasExtendedXMP"), std::string::npos);
+    EXPECT_EQ(TextOf(Open("p.jpg")->Find("my:long")), "short");
+}
+
+struct SpreadCase {
+    const char* name;
+    std::string bytes;
+    const char* format;  // of dc:format: what can be shown is shown
+    const char* reason;
+};
+
+TEST_F(PhotoPacketsTest, WhatCannotBePutTogetherIsShownAndNotSaved)
+{
+    const std::string extended = Rdf("<my:long>l</my:long>");
+    const std::string digest = PacketDigest(extended);
+    const std::string other(32, 'A');
+    const std::string broken = "<x:xmpmeta";
+    const std::string twins = Rdf("<my:twin>1</my:twin><my:twin>2</my:twin>");
+    const auto photo = [](const std::string& main, const std::string& named,
+                          const std::string& text) {
+        return Jpeg().Xmp(main).Extended(named, text.size(), 0, text).Scan().Bytes();
+    };
+    const char* const missing =
+        "a part of its metadata, which an extended segment held, is missing";
+    const SpreadCase rows[] = {
+        {"none", Jpeg().Xmp(Main(digest)).Scan().Bytes(), "image/jpeg", missing},
+        {"another's", photo(Main(digest), other, extended), "image/jpeg", missing},
+        {"a gap",
+         Jpeg()
+             .Xmp(Main(digest))
+             .Extended(digest, extended.size(), 1, extended.substr(1))
+             .Scan()
+             .Bytes(),
+         "image/jpeg", missing},
+        {"changed", photo(Main(other), other, extended), "image/jpeg",
+         "the extended part of its metadata is not the one that was written"},
+        {"broken", photo(Main(PacketDigest(broken)), PacketDigest(broken), broken), "image/jpeg",
+         "the extended part of its metadata cannot be read: "},
+        {"one property twice", photo(Main(PacketDigest(twins)), PacketDigest(twins), twins),
+         "image/jpeg", "the parts of its metadata cannot be put together"},
+        {"a second packet that is none",
+         Jpeg().Xmp(Rdf("<dc:format>image/jpeg</dc:format>")).Xmp("<").Scan().Bytes(), "image/jpeg",
+         "it holds several metadata packets, which cannot be put together"},
+        {"a second packet that has lost a part",
+         Jpeg().Xmp(Rdf("<dc:format>image/jpeg</dc:format>")).Xmp(Main(digest)).Scan().Bytes(),
+         "image/jpeg", "it holds several metadata packets, which cannot be put together"},
+    };
+    for (const SpreadCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        folder_.Write("p.jpg", row.bytes);
+        const std::unique_ptr<__XMPMeta__> meta = Open("p.jpg");
+        EXPECT_EQ(TextOf(meta->Find("dc:format")), row.format);
+        EXPECT_FALSE(GetPhotoInfo(*meta).canSave);
+        EXPECT_THAT(GetPhotoInfo(*meta).reason, ::testing::StartsWith(row.reason));
+        meta->SetText(kTitle, "edited");
+        EXPECT_THAT(Failure([&] { SavePhoto(*meta); }),
+                    ::testing::StartsWith("38 p.jpg: " + std::string(row.reason)));
+        EXPECT_TRUE(folder_.Read("p.jpg") == row.bytes);
+        EXPECT_THAT(folder_.Names(), ElementsAre("p.jpg"));
+    }
+}
+
+// The largest properties go into the extended part, until the rest fits; not one byte earlier.
+TEST_F(PhotoPacketsTest, APacketThatOutgrowsItsSegmentIsSplit)
+{
+    const std::string photo = Jpeg().Exif().Scan().Bytes();
+    folder_.Write("p.jpg", photo);
+    std::unique_ptr<__XMPMeta__> meta = Open("p.jpg");
+    meta->SetText("dc:source", "x");
+    const std::size_t frame = meta->Serialize({.maxBytes = 1}).size() - 1;
+
+    meta->SetText("dc:source", std::string(65502 - frame, 'x'));
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    EXPECT_EQ(folder_.Read("p.jpg").size(), photo.size() + 4 + 29 + 65502);
+
+    meta->SetText("dc:source", std::string(65503 - frame, 'x'));
+    meta->SetText("dc:format", "image/jpeg");
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    const PhotoInfo info = GetPhotoInfo(*meta);
+    const std::string main = folder_.Read("p.jpg").substr(info.packetOffset, info.packetBytes);
+    EXPECT_LE(main.size(), 65502u);
+    EXPECT_NE(main.find("image/jpeg"), std::string::npos);
+    EXPECT_NE(main.find("HasExtendedXMP"), std::string::npos);
+    EXPECT_EQ(main.find("dc:source"), std::string::npos);
+    EXPECT_EQ(TextOf(Open("p.jpg")->Find("dc:source"))->size(), 65503 - frame);
+    EXPECT_FALSE(meta->IsChanged());
+
+    // Many small properties, of which most have to go.
+    for (int i = 0; i < 3000; ++i) {
+        meta->SetText("{http://example.org/my/}p" + std::to_string(i), std::string(50, 'v'));
+    }
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    meta = Open("p.jpg");
+    EXPECT_EQ(meta->PropertyCount(), 3002u);
+    EXPECT_EQ(TextOf(meta->Find("{http://example.org/my/}p2999")), std::string(50, 'v'));
+    EXPECT_THAT(folder_.Names(), ElementsAre("p.jpg"));
+}
+
+// A packet that nobody can move away, because it holds a property twice.
+TEST_F(PhotoPacketsTest, APacketThatCannotBeSplitHasNoPlace)
+{
+    const std::string twin = "<my:twin>" + std::string(40000, 't') + "</my:twin>";
+    const std::string sidecar = Rdf(twin + twin);
+    const std::unique_ptr<__XMPMeta__> big = __XMPMeta__::Parse(sidecar);
+    const std::string photo = Jpeg().Exif().Scan().Bytes();
+    folder_.Write("p.jpg", photo);
+    const std::unique_ptr<__XMPMeta__> meta = Open("p.jpg");
+    big->SetOrigin(meta->GetOrigin());
+    big->SetText(kTitle, "edited");
+    EXPECT_THAT(Failure([&] { SavePhoto(*big); }),
+                ::testing::StartsWith("39 p.jpg: the metadata takes"));
+    EXPECT_TRUE(folder_.Read("p.jpg") == photo);
+}
+
+}  // namespace
+}  // namespace kivxmp

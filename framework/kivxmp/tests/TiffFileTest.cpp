@@ -1,0 +1,254 @@
+#include "framework/kivxmp/src/TiffFile.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "framework/kivxmp/tests/FormatHarness.h"
+#include "framework/kivxmp/tests/PhotoBuilders.h"
+
+namespace kivxmp::photo {
+namespace {
+
+using namespace std::string_view_literals;
+using test::FormatHarness;
+using test::Tiff;
+using test::TiffLayout;
+using test::WatchedSource;
+
+const FormatHarness kTiff(ReadTiff);
+
+constexpr TiffLayout kLayouts[] = {{false, false}, {true, false}, {false, true}, {true, true}};
+constexpr std::string_view kOld = "the old packet, twenty-nine b";
+constexpr std::string_view kSame = "a new one of the same length.";
+constexpr std::string_view kLonger = "a new one that is longer than the old packet";
+
+/// A photo with an entry before and one behind the packet's, whose values stand behind it.
+Tiff Photo(const TiffLayout& layout, std::string_view packet)
+{
+    Tiff tiff(layout);
+    tiff.Image();
+    if (!packet.empty()) {
+        tiff.Xmp(packet);
+    }
+    return tiff.Entry(33432, 2, 20, "a copyright notice\0\0"sv).Second();
+}
+
+TEST(TiffFile, ReplacesAPacketInItsPlace)
+{
+    for (const TiffLayout& layout : kLayouts) {
+        const std::string before = Photo(layout, kOld).Bytes();
+        EXPECT_EQ(kTiff.Refusal(before), "");
+        EXPECT_EQ(kTiff.Packet(before), kOld);
+        EXPECT_EQ(kTiff.Read(before)->PacketRoomBytes(), kOld.size());
+        EXPECT_TRUE(kTiff.Save(before, kSame) == Photo(layout, kSame).Bytes());
+    }
+}
+
+// The old packet stays where it was, and nothing else moves.
+TEST(TiffFile, PutsALongerPacketAtTheEnd)
+{
+    for (const TiffLayout& layout : kLayouts) {
+        const Tiff numbers(layout);
+        const std::size_t size = layout.isBig ? 8 : 4;
+        const std::string before = Photo(layout, kOld).Bytes();
+        const std::string saved = kTiff.Save(before, kLonger);
+        std::string want = before;
+        const std::string fields =
+            numbers.Number(kOld.size(), size) + numbers.Number(before.find(kOld), size);
+        const std::string fresh =
+            numbers.Number(kLonger.size(), size) + numbers.Number(before.size(), size);
+        want.replace(want.find(fields), fields.size(), fresh);
+        EXPECT_TRUE(saved == want + std::string(kLonger));
+        EXPECT_EQ(kTiff.Packet(saved), kLonger);
+
+        // At the end a packet has room for any length.
+        const std::string longest = std::string(kLonger) + "!!!";
+        const std::string again = kTiff.Save(saved, longest);
+        EXPECT_EQ(again.size(), saved.size() + 3);
+        EXPECT_EQ(kTiff.Packet(again), longest);
+        EXPECT_TRUE(kTiff.Save(again, kLonger) == saved);
+    }
+}
+
+// The directory goes to the end with one entry more, in the order of the tags; the old one stays.
+TEST(TiffFile, CopiesADirectoryThatMustGrow)
+{
+    for (const TiffLayout& layout : kLayouts) {
+        const Tiff numbers(layout);
+        const std::size_t size = layout.isBig ? 8 : 4;
+        const std::size_t header = layout.isBig ? 16 : 8;
+        for (const std::string_view trailer : {""sv, "x"sv}) {
+            const std::string before = Photo(layout, "").Bytes() + std::string(trailer);
+            const std::string saved = kTiff.Save(before, kLonger);
+            const std::string pad(before.size() & 1, '\0');
+            const std::size_t directory = before.size() + pad.size();
+
+            const std::size_t entryBytes = layout.isBig ? 20 : 12;
+            const std::size_t countBytes = layout.isBig ? 8 : 2;
+            const std::size_t packet = directory + countBytes + 4 * entryBytes + size;
+            std::string want = before;
+            want.replace(layout.isBig ? 8 : 4, size, numbers.Number(directory, size));
+            want += pad + numbers.Number(4, countBytes) +
+                    before.substr(header + countBytes, 2 * entryBytes) + numbers.Number(700, 2) +
+                    numbers.Number(1, 2) + numbers.Number(kLonger.size(), size) +
+                    numbers.Number(packet, size) +
+                    before.substr(header + countBytes + 2 * entryBytes, entryBytes + size) +
+                    std::string(kLonger);
+            EXPECT_TRUE(saved == want);
+        }
+    }
+}
+
+struct OddCase {
+    const char* name;
+    std::string bytes;
+    std::string packet;
+};
+
+TEST(TiffFile, UnusualPackets)
+{
+    const OddCase rows[] = {
+        {"in the entry itself", Tiff().Image().Xmp("abc").Bytes(), "abc"},
+        {"of no bytes", Tiff().Image().Xmp("").Bytes(), ""},
+        {"undefined bytes", Tiff().Image().Entry(700, 7, kOld.size(), kOld).Bytes(),
+         std::string(kOld)},
+        {"before all others", Tiff().Xmp(kOld).Entry(701, 3, 1, "ab").Bytes(), std::string(kOld)},
+    };
+    for (const OddCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(kTiff.Refusal(row.bytes), "");
+        EXPECT_EQ(kTiff.Packet(row.bytes), row.packet);
+        EXPECT_EQ(kTiff.Packet(kTiff.Save(row.bytes, kLonger)), kLonger);
+    }
+}
+
+// Few bytes stand in the entry itself, where readers do not look for a packet.
+TEST(TiffFile, APacketOfFewBytesIsRefused)
+{
+    EXPECT_EQ(kTiff.Save(Photo({}, "").Bytes(), "1234"),
+              "the metadata is too short for a TIFF file");
+    EXPECT_EQ(kTiff.Packet(kTiff.Save(Photo({}, "").Bytes(), "12345")), "12345");
+    EXPECT_EQ(kTiff.Save(Photo({false, true}, "").Bytes(), "12345678"),
+              "the metadata is too short for a TIFF file");
+}
+
+struct RefusalCase {
+    const char* name;
+    std::string bytes;
+    const char* packet;
+    const char* reason;
+};
+
+TEST(TiffFile, Refusals)
+{
+    const std::string whole = Photo({}, kOld).Bytes();
+    const auto with = [&whole](std::size_t at, std::string_view bytes) {
+        return std::string(whole).replace(at, bytes.size(), bytes);
+    };
+    const std::size_t entry = 8 + 2 + 2 * 12;
+    const RefusalCase rows[] = {
+        {"two bytes", "II", "-", "the file is cut off within its header"},
+        {"a cut header", whole.substr(0, 7), "-", "the file is cut off within its header"},
+        {"a cut BigTIFF header", Photo({false, true}, kOld).Bytes().substr(0, 15), "-",
+         "the file is cut off within its header"},
+        {"a BigTIFF with short offsets", std::string("II+\0\4\0\0\0"sv) + std::string(8, '\0'), "-",
+         "its structure is damaged: an impossible size of offsets at byte 4"},
+        {"a directory in the header", with(4, "\4\0\0\0"sv), "-",
+         "its structure is damaged: the first directory is not in the file"},
+        {"a directory behind the end", with(4, "\xFF\xFF\xFF\xFF"sv), "-",
+         "its structure is damaged: the first directory is not in the file"},
+        {"no entries", with(8, "\0\0"sv), "-",
+         "its structure is damaged: an impossible directory at byte 8"},
+        {"more entries than bytes", with(8, "\xFF\xFF"sv), "-",
+         "the file is cut off within its first directory"},
+        {"a packet of numbers", with(entry + 2, "\4\0"sv), "-",
+         "its structure is damaged: metadata that is not made of bytes"},
+        {"a packet behind the end", with(entry + 8, "\xFF\xFF\xFF\xFF"sv), "-",
+         "the file is cut off within its metadata packet"},
+        {"a packet of four gigabytes", with(entry + 4, "\xFF\xFF\xFF\xFF"sv), "-",
+         "the file is cut off within its metadata packet"},
+        {"two packets", Tiff().Xmp(kOld).Xmp(kSame).Bytes(), "the old packet, twenty-nine b",
+         "it holds several metadata packets, which cannot be put together"},
+    };
+    for (const RefusalCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(kTiff.Refusal(row.bytes), row.reason);
+        EXPECT_EQ(kTiff.Packet(row.bytes), row.packet);
+        EXPECT_EQ(kTiff.Save(row.bytes, kSame), row.reason);
+    }
+    const std::string overDirectory = with(entry + 8, "\x0A\0\0\0"sv);
+    EXPECT_EQ(kTiff.Save(overDirectory, kSame),
+              "its structure is damaged: its metadata lies over its directory");
+}
+
+TEST(TiffFile, CutAtEveryLength)
+{
+    for (const TiffLayout& layout : kLayouts) {
+        const std::string whole = Photo(layout, kOld).Bytes();
+        const std::size_t packetEnd = whole.find(kOld) + kOld.size();
+        for (std::size_t bytes = 4; bytes < whole.size(); ++bytes) {
+            SCOPED_TRACE(bytes);
+            const std::string cut = whole.substr(0, bytes);
+            const std::string saved = kTiff.Save(cut, kSame);
+            if (bytes < packetEnd) {
+                EXPECT_NE(kTiff.Refusal(cut), "");
+                EXPECT_EQ(saved, kTiff.Refusal(cut));
+            } else {
+                EXPECT_TRUE(saved == Photo(layout, kSame).Bytes().substr(0, bytes));
+            }
+        }
+    }
+}
+
+TEST(TiffFile, EveryByteOfASaveIsChecked)
+{
+    for (const TiffLayout& layout : kLayouts) {
+        kTiff.ExpectEveryByteIsChecked(Photo(layout, kOld).Bytes(), kSame);
+        kTiff.ExpectEveryByteIsChecked(Photo(layout, kOld).Bytes(), kLonger);
+        kTiff.ExpectEveryByteIsChecked(Photo(layout, "").Bytes() + "x", kLonger);
+    }
+}
+
+TEST(TiffFile, ReadsOnlyTheFirstDirectory)
+{
+    const std::string bytes = Photo({}, kOld).Bytes() + std::string(1000000, 'i');
+    WatchedSource source(bytes);
+    EXPECT_FALSE(ReadTiff(source)->Refusal());
+    EXPECT_LT(source.total, 10000u);
+}
+
+struct NameCase {
+    const char* extension;
+    bool hasDngVersion;
+    bool isBig;
+    const char* name;  // null: a raw file
+};
+
+// A raw file looks like a TIFF, but its maker alone knows what may be changed in it.
+TEST(TiffFile, TellsRawFiles)
+{
+    const NameCase rows[] = {
+        {"tif", false, false, "TIFF"},  {"tiff", false, true, "BigTIFF"},
+        {"dng", true, false, "DNG"},    {"nef", true, false, "DNG"},
+        {"tif", true, false, "DNG"},    {"nef", false, false, nullptr},
+        {"dng", false, false, nullptr}, {"", false, false, nullptr},
+        {"jpg", false, true, nullptr},
+    };
+    for (const NameCase& row : rows) {
+        SCOPED_TRACE(row.extension);
+        Tiff tiff(TiffLayout{false, row.isBig});
+        tiff.Image();
+        if (row.hasDngVersion) {
+            tiff.Entry(50706, 1, 4, "\1\4\0\0"sv);
+        }
+        const std::string bytes = tiff.Bytes();
+        MemorySource source(bytes);
+        EXPECT_STREQ(TiffName(source, row.extension), row.name);
+    }
+}
+
+}  // namespace
+}  // namespace kivxmp::photo
