@@ -3,7 +3,7 @@
 #include <kivcore/Trace.h>
 
 #include <algorithm>
-#include <optional>
+#include <cstddef>
 #include <utility>
 
 #include "svgloom/src/RapidXML.h"
@@ -25,22 +25,26 @@ std::unique_ptr<SVGDocumentImpl> CreateDocument(std::string_view text,
         xmlError->clear();
     }
     auto document = std::make_unique<SVGDocumentImpl>(std::move(renderer));
-    const std::unique_ptr<char[]> buffer(new char[text.size() + 1]);
-    std::copy(text.begin(), text.end(), buffer.get());
+    // The copy of an icon needs no allocation.
+    constexpr std::size_t kUsualSize = 4096;
+    char usual[kUsualSize];
+    std::unique_ptr<char[]> large;
+    if (text.size() >= kUsualSize) {
+        large.reset(new char[text.size() + 1]);
+    }
+    char* const buffer = large != nullptr ? large.get() : usual;
+    std::copy(text.begin(), text.end(), buffer);
     buffer[text.size()] = '\0';
 
-    std::optional<xml::RapidXMLDocument> tree;
     try {
-        tree.emplace(buffer.get());
+        const xml::RapidXMLDocument tree(buffer);
+        document->Parse(tree.GetFirstNode().get());
     } catch (const xml::rapidxml::parse_error& error) {
         errorSite.Report(error.what());
         if (xmlError != nullptr) {
             *xmlError = error.what();
         }
-        return document;
     }
-    const std::unique_ptr<xml::XMLNode> root = tree->GetFirstNode();
-    document->Parse(root.get());
     return document;
 }
 

@@ -20,6 +20,17 @@ constinit kivcore::debug::TraceSite limitSite("SVGLoom.Parse", 6);
 
 constexpr std::string_view kRootName = "svg";
 
+/// Calls use(child) until it returns false.
+template <class Use>
+void ForEachChild(const xml::XMLNode& node, const Use& use)
+{
+    const std::unique_ptr<xml::XMLNode> child = node.GetFirstChild();
+    bool goesOn = child != nullptr;
+    while (goesOn) {
+        goesOn = use(*child) && child->MoveToNextSibling();
+    }
+}
+
 }  // namespace
 
 const ElementParser::ActionRow ElementParser::kActions[] = {
@@ -75,10 +86,10 @@ void ElementParser::ParseElement(const xml::XMLNode& node, const Scope& scope, b
     if (!inner.has_value()) {
         return;
     }
-    for (std::unique_ptr<xml::XMLNode> child = node.GetFirstChild(); child != nullptr;
-         child = child->GetNextSibling()) {
-        ParseElement(*child, *inner, /*isRoot=*/false);
-    }
+    ForEachChild(node, [this, &inner](const xml::XMLNode& child) {
+        ParseElement(child, *inner, /*isRoot=*/false);
+        return true;
+    });
 }
 
 [[gnu::noinline]] ElementParser::Inner ElementParser::EnterElement(const xml::XMLNode& node,
@@ -93,7 +104,7 @@ void ElementParser::ParseElement(const xml::XMLNode& node, const Scope& scope, b
         return ParseGroup(element);
     }
     const std::string_view name = node.GetName();
-    if (std::shared_ptr<Path> path =
+    if (std::unique_ptr<Path> path =
             BuildShape(name, element.attributes, document_.viewBox_, *document_.renderer_)) {
         document_.Add(*scope.group,
                       std::make_shared<SVGDocumentImpl::Graphic>(
@@ -110,7 +121,7 @@ void ElementParser::ParseElement(const xml::XMLNode& node, const Scope& scope, b
     return std::nullopt;
 }
 
-void ElementParser::ResolveStylesOf(Parsed& element, bool isRoot) const
+void ElementParser::ResolveStylesOf(Parsed& element, bool isRoot)
 {
     element.classes = ResolveStyles(element.attributes, sheet_, Sources(),
                                     {element.graphic, element.fill, element.stroke});
@@ -220,19 +231,19 @@ ElementParser::Inner ElementParser::ParseClipPath(Parsed& element)
     }
     const Scope scope{std::move(element.fill), std::move(element.stroke), nullptr};
     auto clip = std::make_shared<ClippingPath>();
-    for (std::unique_ptr<xml::XMLNode> child = element.node.GetFirstChild(); child != nullptr;
-         child = child->GetNextSibling()) {
-        Parsed shape(*child, scope);
-        clip->path = BuildShape(child->GetName(), shape.attributes, document_.viewBox_,
-                                *document_.renderer_);
-        if (clip->path != nullptr) {
-            ResolveStylesOf(shape, /*isRoot=*/false);
-            clip->hasClipContent = true;
-            clip->clipRule = shape.fill->clipRule;
-            clip->transform = std::move(shape.graphic.transform);
-            break;
+    ForEachChild(element.node, [this, &scope, &clip](const xml::XMLNode& child) {
+        Parsed shape(child, scope);
+        clip->path =
+            BuildShape(child.GetName(), shape.attributes, document_.viewBox_, *document_.renderer_);
+        if (clip->path == nullptr) {
+            return true;
         }
-    }
+        ResolveStylesOf(shape, /*isRoot=*/false);
+        clip->hasClipContent = true;
+        clip->clipRule = shape.fill->clipRule;
+        clip->transform = std::move(shape.graphic.transform);
+        return false;
+    });
     clipPaths_[element.Id()] = std::move(clip);
     return std::nullopt;
 }
@@ -302,10 +313,9 @@ void ElementParser::AddStops(const Parsed& element, Gradient& gradient)
 {
     const Scope scope{element.fill, element.stroke, nullptr};
     bool isFirst = true;
-    for (std::unique_ptr<xml::XMLNode> child = element.node.GetFirstChild(); child != nullptr;
-         child = child->GetNextSibling()) {
-        if (std::string_view(child->GetName()) != "stop") {
-            continue;
+    ForEachChild(element.node, [&](const xml::XMLNode& child) {
+        if (std::string_view(child.GetName()) != "stop") {
+            return true;
         }
         if (std::exchange(isFirst, false)) {
             inheritedStops_ += gradient.stops.size();
@@ -314,7 +324,7 @@ void ElementParser::AddStops(const Parsed& element, Gradient& gradient)
                 gradient.stops.Clear();
             }
         }
-        Parsed stop(*child, scope);
+        Parsed stop(child, scope);
         ResolveStylesOf(stop, /*isRoot=*/false);
         const float previous = gradient.stops.empty() ? 0 : gradient.stops.Last().offset;
         float offset = previous;
@@ -327,7 +337,8 @@ void ElementParser::AddStops(const Parsed& element, Gradient& gradient)
                                    noColors);
         color.alpha *= stop.graphic.stopOpacity;
         gradient.stops.Append({offset, color});
-    }
+        return true;
+    });
 }
 
 }  // namespace SVGLoom

@@ -79,7 +79,7 @@ private:
 
     void ParseElement(const xml::XMLNode& node, const Scope& scope, bool isRoot);
     Inner EnterElement(const xml::XMLNode& node, const Scope& scope, bool isRoot);
-    void ResolveStylesOf(Parsed& element, bool isRoot) const;
+    void ResolveStylesOf(Parsed& element, bool isRoot);
 
     Inner ParseGroup(Parsed& element);
     Inner ParseDefs(Parsed& element);
@@ -93,7 +93,7 @@ private:
     void AddStops(const Parsed& element, Gradient& gradient);
     void ReadViewBox(const Attributes& attributes);
     LengthReader Lengths() const { return LengthReader(document_.viewBox_); }
-    StyleSources Sources() const { return {gradients_, clipPaths_, document_.viewBox_}; }
+    StyleSources Sources() { return {gradients_, clipPaths_, document_.viewBox_, &memos_}; }
     /// The transform that `text` describes; empty if it cannot be read.
     std::shared_ptr<Transform> ParseTransform(std::string_view text) const;
 
@@ -101,6 +101,7 @@ private:
     StyleSheet sheet_;
     GradientTable gradients_;
     ClipPathTable clipPaths_;
+    PaintMemos memos_;
     std::size_t inheritedStops_ = 0;
 };
 

@@ -4,10 +4,8 @@
 #include <kivcore/Trace.h>
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstddef>
-#include <cstdint>
+#include <limits>
 
 #include "svgloom/src/ArcToCurve.h"
 #include "svgloom/src/Characters.h"
@@ -21,49 +19,6 @@ namespace SVGLoom {
 namespace {
 
 constinit kivcore::debug::TraceSite unhandledSite("SVGLoom.Parse", 6);
-
-/// What stands behind a command letter.
-struct Arguments {
-    std::uint8_t numbers = 0;
-    std::uint8_t flags = 0;  // a bit for each of the numbers that is a flag of one digit
-    bool isKnown = false;
-};
-
-constexpr std::size_t kMostNumbers = 7;
-
-/// By the lower-case letter.
-constexpr Arguments ArgumentsOf(char command)
-{
-    switch (command) {
-        case 'm':
-        case 'l':
-        case 't':
-            return {2, 0, true};
-        case 'h':
-        case 'v':
-            return {1, 0, true};
-        case 'c':
-            return {6, 0, true};
-        case 's':
-        case 'q':
-            return {4, 0, true};
-        case 'a':
-            return {kMostNumbers, 1 << 3 | 1 << 4, true};
-        case 'z':
-            return {0, 0, true};
-        default:
-            return {};
-    }
-}
-
-// One read instead of a switch: what comes next is hard to foresee.
-constexpr auto kArguments = [] {
-    std::array<Arguments, 128> table{};
-    for (std::size_t i = 0; i < table.size(); ++i) {
-        table[i] = ArgumentsOf(ToLower(static_cast<char>(i)));
-    }
-    return table;
-}();
 
 constexpr bool IsClose(char command)
 {
@@ -82,7 +37,23 @@ constexpr char RepeatOf(char command)
     return command == 'M' ? 'L' : command == 'm' ? 'l' : command;
 }
 
-// Everything is inlined into Read(), so that the state stays in registers: its only other home
+struct NumberAt {
+    const char* next;  // where reading stopped
+    float number;      // NaN if it cannot be read: numbers are finite
+};
+
+// Called, not inlined, so that a command can read its numbers one after the other without a loop,
+// whose end is hard to foresee; both results come back in registers.
+[[gnu::noinline]] NumberAt ReadSeparated(const char* current, const char* end)
+{
+    float number = 0;
+    SkipSeparator(current, end);
+    return ReadNumber(current, end, number)
+               ? NumberAt{current, number}
+               : NumberAt{current, std::numeric_limits<float>::quiet_NaN()};
+}
+
+// Everything else is inlined into Read(), so that the state stays in registers: its only other home
 // would be memory that each number has to pass through.
 class PathReader {
 public:
@@ -171,100 +142,130 @@ private:
 
     [[gnu::always_inline]] Outcome Dispatch(char command)
     {
-        const auto index = static_cast<unsigned char>(command);
-        const Arguments arguments = index < kArguments.size() ? kArguments[index] : Arguments();
-        if (!arguments.isKnown) {
-            return Outcome::kUnknown;
-        }
-        const char* const start = current_;
-        if (notes_ != nullptr && ToLower(command) == 's') {
-            NoteSmoothStart();
-        }
-        float numbers[kMostNumbers];
-        // The one place where numbers are read: code that is met often is foreseen best.
-        for (unsigned i = 0; i < arguments.numbers; ++i) {
-            SkipSeparator(current_, end_);
-            const bool isFlag = (arguments.flags >> i & 1U) != 0;
-            if (isFlag ? !ReadFlag(numbers[i]) : !ReadNumber(current_, end_, numbers[i])) {
-                return Outcome::kUnreadable;
-            }
-        }
         const bool relative = command >= 'a';
-        const Point origin = relative ? position_ : Point();
-        const auto point = [&numbers, relative, &origin](int at) {
-            const Point given = {numbers[at], numbers[at + 1]};
-            return relative ? Point{given.x + origin.x, given.y + origin.y} : given;
-        };
+        // Negative zero adds nothing, not even to the sign of a zero.
+        const Point origin = relative ? position_ : Point{-0.0f, -0.0f};
+        const char* const start = current_;
+        Point points[3];
+        float number = 0;
         switch (ToLower(command)) {
             case 'm':
-                position_ = start_ = point(0);
+                if (!ReadPoints<1>(origin, points)) {
+                    return Outcome::kUnreadable;
+                }
+                position_ = start_ = points[0];
                 path_.MoveTo(position_.x, position_.y);
-                break;
+                return Outcome::kDone;
             case 'l':
-                LineTo(point(0));
-                break;
+                if (!ReadPoints<1>(origin, points)) {
+                    return Outcome::kUnreadable;
+                }
+                return LineTo(points[0]);
             case 'h':
-                LineTo({relative ? position_.x + numbers[0] : numbers[0], position_.y});
-                break;
+                return ReadNext(number) ? LineTo({number + origin.x, position_.y})
+                                        : Outcome::kUnreadable;
             case 'v':
-                LineTo({position_.x, relative ? position_.y + numbers[0] : numbers[0]});
-                break;
+                return ReadNext(number) ? LineTo({position_.x, number + origin.y})
+                                        : Outcome::kUnreadable;
             case 'c':
-                CurveTo(point(0), point(2), point(4));
-                break;
+                if (!ReadPoints<3>(origin, points)) {
+                    return Outcome::kUnreadable;
+                }
+                return CurveTo(points[0], points[1], points[2]);
             case 's':
+                if (notes_ != nullptr) {
+                    NoteSmoothStart();
+                }
+                if (!ReadPoints<2>(origin, points)) {
+                    return Outcome::kUnreadable;
+                }
                 // Always the reflection, whatever command came before.
-                CurveTo(Reflected(cubicControl_), point(0), point(2));
-                break;
+                return CurveTo(Reflected(cubicControl_), points[0], points[1]);
             case 'q':
-                QuadTo(point(0), point(2));
-                break;
+                if (!ReadPoints<2>(origin, points)) {
+                    return Outcome::kUnreadable;
+                }
+                return QuadTo(points[0], points[1]);
             case 't': {
+                if (!ReadPoints<1>(origin, points)) {
+                    return Outcome::kUnreadable;
+                }
                 const char before = ToLower(previous_);
-                QuadTo(before == 'q' || before == 't' ? Reflected(quadControl_) : position_,
-                       point(0));
-                break;
+                return QuadTo(before == 'q' || before == 't' ? Reflected(quadControl_) : position_,
+                              points[0]);
             }
-            case 'a':
-                ArcTo({numbers[0], numbers[1], numbers[2], numbers[3] != 0, numbers[4] != 0,
-                       point(5)},
-                      start);
-                break;
-            default:
+            case 'a': {
+                Arc arc;
+                if (!ReadNext(arc.rx) || !ReadNext(arc.ry) || !ReadNext(arc.rotationDegrees) ||
+                    !ReadFlag(arc.large) || !ReadFlag(arc.sweep) ||
+                    !ReadPoints<1>(origin, points)) {
+                    return Outcome::kUnreadable;
+                }
+                arc.to = points[0];
+                return ArcTo(arc, start);
+            }
+            case 'z':
                 path_.ClosePath();
                 position_ = start_;
-                break;
+                return Outcome::kDone;
+            default:
+                return Outcome::kUnknown;
         }
-        return Outcome::kDone;
     }
 
-    void LineTo(const Point& to)
+    [[gnu::always_inline]] bool ReadNext(float& number)
+    {
+        const NumberAt read = ReadSeparated(current_, end_);
+        current_ = read.next;
+        number = read.number;
+        return !std::isnan(number);
+    }
+
+    template <int count>
+    [[gnu::always_inline]] bool ReadPoints(const Point& origin, Point (&points)[3])
+    {
+        for (int i = 0; i < count; ++i) {
+            float x = 0;
+            float y = 0;
+            if (!ReadNext(x) || !ReadNext(y)) {
+                return false;
+            }
+            points[i] = {x + origin.x, y + origin.y};
+        }
+        return true;
+    }
+
+    Outcome LineTo(const Point& to)
     {
         path_.LineTo(to);
         position_ = to;
+        return Outcome::kDone;
     }
 
-    void CurveTo(const Point& first, const Point& second, const Point& to)
+    Outcome CurveTo(const Point& first, const Point& second, const Point& to)
     {
         path_.CurveTo(first, second, to);
         cubicControl_ = second;
         position_ = to;
+        return Outcome::kDone;
     }
 
-    void QuadTo(const Point& control, const Point& to)
+    Outcome QuadTo(const Point& control, const Point& to)
     {
         path_.QuadTo(control, to);
         quadControl_ = control;
         position_ = to;
+        return Outcome::kDone;
     }
 
-    void ArcTo(const Arc& arc, const char* start)
+    Outcome ArcTo(const Arc& arc, const char* start)
     {
         if (notes_ != nullptr && IsTurned(arc)) {
             notes_->Add(PathNote::kRotatedArc, start);
         }
         ArcToCurve(Point(position_), arc, path_);
         position_ = arc.to;
+        return Outcome::kDone;
     }
 
     /// Whether the rotation of an arc would show. Circles, as drawing programs round them, have
@@ -295,12 +296,13 @@ private:
     }
 
     /// A single "0" or "1"; flags may touch each other and the number behind them.
-    bool ReadFlag(float& flag)
+    bool ReadFlag(bool& flag)
     {
+        SkipSeparator(current_, end_);
         if (current_ == end_ || (*current_ != '0' && *current_ != '1')) {
             return false;
         }
-        flag = *current_++ == '1' ? 1.0f : 0.0f;
+        flag = *current_++ == '1';
         return true;
     }
 

@@ -48,8 +48,8 @@ bool ReadColor(std::string_view text, ColorValue& value)
 
 /// For "fill" and "stroke": `has` is the flag of the record that says whether it is painted.
 template <class Style>
-void ReadPaint(std::string_view text, const StyleSources& sources, bool Style::*has,
-               SharedStyle<Style>& style)
+void ParsePaintProperty(std::string_view text, const StyleSources& sources, bool Style::*has,
+                        SharedStyle<Style>& style)
 {
     Paint paint = style->paint;
     std::optional<ColorValue> value = style->paintValue;
@@ -70,6 +70,24 @@ void ReadPaint(std::string_view text, const StyleSources& sources, bool Style::*
         own.paint = std::move(paint);
         own.paintValue = std::move(value);
     }
+}
+
+/// The same, from what is remembered where the colour has been there before.
+template <class Style>
+void ReadPaint(std::string_view text, const StyleSources& sources, bool Style::*has,
+               PaintMemo<Style>* memo, SharedStyle<Style>& style)
+{
+    if (memo == nullptr || !PaintMemo<Style>::Takes(text)) {
+        ParsePaintProperty(text, sources, has, style);
+        return;
+    }
+    if (const SharedStyle<Style>* const known = memo->Find(style, text)) {
+        style = *known;
+        return;
+    }
+    const SharedStyle<Style> before = style;
+    ParsePaintProperty(text, sources, has, style);
+    memo->Remember(before, text, style);
 }
 
 void ReadOpacityProperty(std::string_view text, const StyleSources&, const StyleTarget& target)
@@ -114,7 +132,7 @@ void ReadStopColor(std::string_view text, const StyleSources&, const StyleTarget
 void ReadFill(std::string_view text, const StyleSources& sources, const StyleTarget& target)
 {
     ReadPaint(text, sources, static_cast<bool DocumentFillStyle::*>(&FillStyle::hasFill),
-              target.fill);
+              sources.memos != nullptr ? &sources.memos->fill : nullptr, target.fill);
 }
 
 void ReadFillOpacity(std::string_view text, const StyleSources&, const StyleTarget& target)
@@ -161,7 +179,7 @@ void ReadClipRule(std::string_view text, const StyleSources&, const StyleTarget&
 void ReadStroke(std::string_view text, const StyleSources& sources, const StyleTarget& target)
 {
     ReadPaint(text, sources, static_cast<bool DocumentStrokeStyle::*>(&StrokeStyle::hasStroke),
-              target.stroke);
+              sources.memos != nullptr ? &sources.memos->stroke : nullptr, target.stroke);
 }
 
 void ReadStrokeWidth(std::string_view text, const StyleSources& sources, const StyleTarget& target)

@@ -3,7 +3,7 @@
 #pragma once
 
 // What stands in a document itself: enough for most icons.
-#define BOOST_PROPERTY_TREE_RAPIDXML_STATIC_POOL_SIZE (8 * 1024)
+#define BOOST_PROPERTY_TREE_RAPIDXML_STATIC_POOL_SIZE (16 * 1024)
 
 #include <boost/property_tree/detail/rapidxml.hpp>
 

@@ -22,7 +22,6 @@ constexpr int kFlagsWithoutTexts = kFlags | rapidxml::parse_no_data_nodes;
 
 bool HasSection(std::string_view text)
 {
-    // "<" is everywhere; "!" is not.
     for (std::size_t at = text.find('!'); at != std::string_view::npos;
          at = text.find('!', at + 1)) {
         if (text.substr(at).starts_with("![CDATA[")) {
@@ -30,6 +29,15 @@ bool HasSection(std::string_view text)
         }
     }
     return false;
+}
+
+/// The first element from `node` on; null if there is none.
+const Node* ElementFrom(const Node* node)
+{
+    while (node != nullptr && node->type() != rapidxml::node_element) {
+        node = node->next_sibling();
+    }
+    return node;
 }
 
 std::unique_ptr<XMLNode> HandleOfElement(const Node* node);
@@ -51,6 +59,7 @@ public:
     }
     std::pair<bool, const char*> GetAttribute(const char* name, const char* prefix) const override;
     void VisitAttributes(AttributeVisitor& visitor) const override;
+    bool MoveToNextSibling() override;
 
 private:
     const Attribute* FindAttribute(std::string_view prefix, std::string_view name) const;
@@ -61,10 +70,8 @@ private:
 /// For the first element from `node` on.
 std::unique_ptr<XMLNode> HandleOfElement(const Node* node)
 {
-    while (node != nullptr && node->type() != rapidxml::node_element) {
-        node = node->next_sibling();
-    }
-    return node != nullptr ? std::make_unique<RapidXMLNode>(node) : nullptr;
+    const Node* const element = ElementFrom(node);
+    return element != nullptr ? std::make_unique<RapidXMLNode>(element) : nullptr;
 }
 
 const char* RapidXMLNode::GetValue() const
@@ -128,16 +135,29 @@ void RapidXMLNode::VisitAttributes(AttributeVisitor& visitor) const
     }
 }
 
+bool RapidXMLNode::MoveToNextSibling()
+{
+    const Node* const next = ElementFrom(node_ != nullptr ? node_->next_sibling() : nullptr);
+    node_ = next != nullptr ? next : node_;
+    return next != nullptr;
+}
+
 }  // namespace
 
 RapidXMLDocument::RapidXMLDocument(char* text)
 {
     char* const end = text + std::strlen(text);
-    if (const char* const tooDeep = FindTooDeep(text, end)) {
-        throw rapidxml::parse_error("elements are nested too deeply", text + (tooDeep - text));
+    const MarkCounts marks = CountMarks(text, end);
+    // A level takes a "<" of its own.
+    if (marks.tags > static_cast<std::size_t>(kMaxDepth)) {
+        if (const char* const tooDeep = FindTooDeep(text, end)) {
+            throw rapidxml::parse_error("elements are nested too deeply", text + (tooDeep - text));
+        }
     }
-    TameReferences(text, end);
-    if (HasSection({text, static_cast<std::size_t>(end - text)})) {
+    if (marks.references != 0) {
+        TameReferences(text, end);
+    }
+    if (marks.declarations != 0 && HasSection({text, static_cast<std::size_t>(end - text)})) {
         document_.parse<kFlags>(text);
     } else {
         document_.parse<kFlagsWithoutTexts>(text);

@@ -68,7 +68,7 @@ public:
     public:
         Graphic(const DocumentGraphicStyle& graphicStyle, ClassSet classNames,
                 SharedFillStyle fillStyle, SharedStrokeStyle strokeStyle,
-                std::shared_ptr<Path> outline)
+                std::unique_ptr<Path> outline)
             : Element(graphicStyle, std::move(classNames)),
               fill(std::move(fillStyle)),
               stroke(std::move(strokeStyle)),
@@ -79,7 +79,7 @@ public:
 
         SharedFillStyle fill;
         SharedStrokeStyle stroke;
-        std::shared_ptr<Path> path;
+        std::unique_ptr<Path> path;
     };
 
     class Group : public Element {
@@ -166,7 +166,7 @@ private:
 ///
 /// @throws std::bad_alloc for an empty pointer
 template <class Object>
-std::shared_ptr<Object> Created(std::unique_ptr<Object> object)
+std::unique_ptr<Object> Created(std::unique_ptr<Object> object)
 {
     if (object == nullptr) {
         throw std::bad_alloc();

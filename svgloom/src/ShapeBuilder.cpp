@@ -19,10 +19,10 @@ struct Shape {
     SVGRenderer& renderer;
 
     float Length(AttributeName name) const { return lengths.Get(attributes, name, 0); }
-    std::shared_ptr<Path> NewPath() const { return Created(renderer.CreatePath()); }
+    std::unique_ptr<Path> NewPath() const { return Created(renderer.CreatePath()); }
 };
 
-std::shared_ptr<Path> BuildRect(const Shape& shape)
+std::unique_ptr<Path> BuildRect(const Shape& shape)
 {
     const float width = shape.Length(AttributeName::kWidth);
     const float height = shape.Length(AttributeName::kHeight);
@@ -44,7 +44,7 @@ std::shared_ptr<Path> BuildRect(const Shape& shape)
     }
     rx = std::min(rx, width * 0.5f);
     ry = std::min(ry, height * 0.5f);
-    std::shared_ptr<Path> path = shape.NewPath();
+    std::unique_ptr<Path> path = shape.NewPath();
     if (IsTiny(rx) || IsTiny(ry)) {
         path->AddRect(x, y, width, height);
     } else {
@@ -53,45 +53,45 @@ std::shared_ptr<Path> BuildRect(const Shape& shape)
     return path;
 }
 
-std::shared_ptr<Path> BuildCircle(const Shape& shape)
+std::unique_ptr<Path> BuildCircle(const Shape& shape)
 {
     const float r = shape.Length(AttributeName::kR);
     if (IsTiny(r)) {
         return nullptr;
     }
-    std::shared_ptr<Path> path = shape.NewPath();
+    std::unique_ptr<Path> path = shape.NewPath();
     path->AddEllipse(shape.Length(AttributeName::kCx), shape.Length(AttributeName::kCy), r, r);
     return path;
 }
 
-std::shared_ptr<Path> BuildEllipse(const Shape& shape)
+std::unique_ptr<Path> BuildEllipse(const Shape& shape)
 {
     const float rx = shape.Length(AttributeName::kRx);
     const float ry = shape.Length(AttributeName::kRy);
     if (IsTiny(rx) || IsTiny(ry)) {
         return nullptr;
     }
-    std::shared_ptr<Path> path = shape.NewPath();
+    std::unique_ptr<Path> path = shape.NewPath();
     path->AddEllipse(shape.Length(AttributeName::kCx), shape.Length(AttributeName::kCy), rx, ry);
     return path;
 }
 
-std::shared_ptr<Path> BuildLine(const Shape& shape)
+std::unique_ptr<Path> BuildLine(const Shape& shape)
 {
-    std::shared_ptr<Path> path = shape.NewPath();
+    std::unique_ptr<Path> path = shape.NewPath();
     path->MoveTo(shape.Length(AttributeName::kX1), shape.Length(AttributeName::kY1));
     path->LineTo(shape.Length(AttributeName::kX2), shape.Length(AttributeName::kY2));
     return path;
 }
 
-std::shared_ptr<Path> BuildPolyline(const Shape& shape)
+std::unique_ptr<Path> BuildPolyline(const Shape& shape)
 {
     std::vector<float> points;
     SVGStringParser::ParseNumberList(shape.attributes.Text(AttributeName::kPoints), points);
     if (points.size() < 2) {
         return nullptr;
     }
-    std::shared_ptr<Path> path = shape.NewPath();
+    std::unique_ptr<Path> path = shape.NewPath();
     path->MoveTo(points[0], points[1]);
     // An odd number at the end is left out.
     for (std::size_t i = 3; i < points.size(); i += 2) {
@@ -100,25 +100,25 @@ std::shared_ptr<Path> BuildPolyline(const Shape& shape)
     return path;
 }
 
-std::shared_ptr<Path> BuildPolygon(const Shape& shape)
+std::unique_ptr<Path> BuildPolygon(const Shape& shape)
 {
-    std::shared_ptr<Path> path = BuildPolyline(shape);
+    std::unique_ptr<Path> path = BuildPolyline(shape);
     if (path != nullptr) {
         path->ClosePath();
     }
     return path;
 }
 
-std::shared_ptr<Path> BuildPath(const Shape& shape)
+std::unique_ptr<Path> BuildPath(const Shape& shape)
 {
-    std::shared_ptr<Path> path = shape.NewPath();
+    std::unique_ptr<Path> path = shape.NewPath();
     SVGStringParser::ParsePath(shape.attributes.Text(AttributeName::kD), *path);
     return path;
 }
 
 struct ShapeRow {
     std::string_view name;
-    std::shared_ptr<Path> (*build)(const Shape& shape);
+    std::unique_ptr<Path> (*build)(const Shape& shape);
 };
 
 constexpr ShapeRow kShapes[] = {
@@ -182,7 +182,7 @@ bool IsShape(std::string_view name)
     return FindShape(name) != nullptr;
 }
 
-std::shared_ptr<Path> BuildShape(std::string_view name, const Attributes& attributes,
+std::unique_ptr<Path> BuildShape(std::string_view name, const Attributes& attributes,
                                  const Rect& viewBox, SVGRenderer& renderer)
 {
     const ShapeRow* const row = FindShape(name);

@@ -46,7 +46,7 @@ bool IsShape(std::string_view name);
 ///             without extent (a rect, circle or ellipse) or without a point (a polygon or
 ///             polyline)
 /// @throws std::bad_alloc
-std::shared_ptr<Path> BuildShape(std::string_view name, const Attributes& attributes,
+std::unique_ptr<Path> BuildShape(std::string_view name, const Attributes& attributes,
                                  const Rect& viewBox, SVGRenderer& renderer);
 
 }  // namespace SVGLoom

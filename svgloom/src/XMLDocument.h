@@ -46,6 +46,10 @@ public:
     /// ends at its first NUL, as GetAttribute's does.
     virtual void VisitAttributes(AttributeVisitor& visitor) const = 0;
 
+    /// Makes this the handle of the next element beside it, so that a walk needs one handle for
+    /// all children. False, and nothing changes, where there is none.
+    virtual bool MoveToNextSibling() = 0;
+
     XMLNode() = default;
     XMLNode(const XMLNode&) = delete;
     XMLNode& operator=(const XMLNode&) = delete;

@@ -257,6 +257,7 @@ TEST(XMLDocument, SlotOrder)
     EXPECT_EQ(Entry(&XMLNode::GetAttribute), 4);
     // Behind the destructor.
     EXPECT_EQ(Entry(&XMLNode::VisitAttributes), 7);
+    EXPECT_EQ(Entry(&XMLNode::MoveToNextSibling), 8);
 }
 
 }  // namespace
