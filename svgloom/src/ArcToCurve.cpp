@@ -38,13 +38,12 @@ struct Ellipse {
 struct ArcEnd {
     Point point;
     float angle = 0;
-    float sine = 0;
-    float cosine = 0;
+    SineCosine of;
 };
 
 ArcEnd EndAt(const Point& point, float angle)
 {
-    return {point, angle, Sine(angle), Cosine(angle)};
+    return {point, angle, SineAndCosine(angle)};
 }
 
 void TraceArc(const Point& from, const Arc& arc)
@@ -74,10 +73,10 @@ Point AddArcToCurve(const Ellipse& ellipse, const ArcEnd& start, const ArcEnd& e
                     PathBuffer& path)
 {
     const float k = (4.0f / 3.0f) * Tangent((end.angle - start.angle) / 4);
-    const Point first = {start.point.x - k * ellipse.rx * start.sine,
-                         start.point.y + k * ellipse.ry * start.cosine};
-    const Point second = {end.point.x + k * ellipse.rx * end.sine,
-                          end.point.y - k * ellipse.ry * end.cosine};
+    const Point first = {start.point.x - k * ellipse.rx * start.of.sine,
+                         start.point.y + k * ellipse.ry * start.of.cosine};
+    const Point second = {end.point.x + k * ellipse.rx * end.of.sine,
+                          end.point.y - k * ellipse.ry * end.of.cosine};
     if (tracing) {
         traceSite.Write(
             (TraceText("AddArcToCurve startAngle=") << start.angle << " endAngle=" << end.angle)
@@ -169,7 +168,7 @@ void ArcToCurve(const Point& from, const Arc& arc, PathBuffer& path)
     while (std::abs(endAngle - start.angle) > kPieceAngle) {
         const float step = arc.sweep && endAngle > start.angle ? kPieceAngle : -kPieceAngle;
         ArcEnd end = EndAt({}, start.angle + step);
-        end.point = ellipse.At(end.sine, end.cosine);
+        end.point = ellipse.At(end.of.sine, end.of.cosine);
         addPiece(start, end);
         start = end;
     }
