@@ -22,7 +22,7 @@ readonly packages_run="g++ cmake ninja-build ccache pkg-config libagg-dev libexp
     zlib1g-dev libpng-dev libwxgtk3.2-dev libgtk-3-dev xvfb xauth openbox fonts-dejavu-core
     python3"
 readonly packages_test="libgtest-dev libgmock-dev exiv2 libimage-exiftool-perl xdotool imagemagick
-    fonts-noto-cjk util-linux binutils libgettextpo-dev"
+    fonts-noto-cjk util-linux binutils libgettextpo-dev strace"
 readonly packages_windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64 libwine patch
     xz-utils debian-archive-keyring"
 readonly packages_all="git clang clang-format clang-tidy libclang-rt-14-dev libbenchmark-dev"
