@@ -27,7 +27,7 @@ void LoadDictionaryFromStream(Dictionary& dictionary, std::istream* stream);
 
 bool DictionaryIsValid(const Dictionary& dictionary);
 
-/// Dictionary::Lookup() with a result on the heap; release it with ReleaseString().
+/// Dictionary::Lookup() with a result that lives until ReleaseString().
 DictionaryString* LookupString(const Dictionary& dictionary, const char* key,
                                const ConversionContext* context = nullptr);
 
@@ -35,7 +35,7 @@ DictionaryString* LookupString(const Dictionary& dictionary, const char* key,
 DictionaryString* LookupString(std::int32_t languageId, const char* key,
                                const ConversionContext* context = nullptr);
 
-/// Dictionary::LookupIndex() with a result on the heap.
+/// Dictionary::LookupIndex() with such a result.
 DictionaryString* LookupStringByIndex(const Dictionary& dictionary, std::uint32_t index);
 
 /// Null is allowed.

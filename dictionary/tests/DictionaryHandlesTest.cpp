@@ -4,9 +4,13 @@
 #include "dictionary/tests/ImageSupport.h"
 #include "dictionary/tests/TestSupport.h"
 
+#include <array>
+#include <atomic>
+#include <functional>
 #include <memory>
 #include <sstream>
 #include <string_view>
+#include <thread>
 
 #include <gtest/gtest.h>
 
@@ -81,6 +85,35 @@ TEST(DictionaryHandles, StringsLiveByHandle)
     for (DictionaryString* const string : {stored, byDefault, nothing, byIndex})
         ReleaseString(string);
     ReleaseString(nullptr);
+}
+
+// Handles may be taken and released on any thread, also on another one than they came from.
+TEST(DictionaryHandles, StringsOfManyThreads)
+{
+    Dictionary* const dictionary = CreateDictionary();
+    dictionary->ParseLine(u"$$$/A=text");
+    constexpr std::size_t kHeld = 20;
+    std::array<std::atomic<DictionaryString*>, kHeld> shared{};
+    std::atomic<int> wrong = 0;
+    const auto work = [&](const Dictionary& own) {
+        for (std::size_t i = 0; i < 20000; ++i) {
+            DictionaryString* const handle = LookupString(own, "$$$/A");
+            wrong += handle->View() != u"text";
+            ReleaseString(shared[i % kHeld].exchange(handle));
+        }
+    };
+    // A dictionary belongs to one thread at a time.
+    Dictionary* const other = CreateDictionary();
+    other->ParseLine(u"$$$/A=text");
+    std::thread first(work, std::cref(*dictionary));
+    std::thread second(work, std::cref(*other));
+    first.join();
+    second.join();
+    EXPECT_EQ(wrong, 0);
+    for (std::atomic<DictionaryString*>& handle : shared)
+        ReleaseString(handle.load());
+    DestroyDictionary(dictionary);
+    DestroyDictionary(other);
 }
 
 struct CopyCase {
