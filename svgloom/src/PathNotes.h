@@ -14,6 +14,8 @@ enum class PathNote : std::uint8_t {
     kMoveBehindClose,  // a subpath that begins without a move begins elsewhere
     kRotatedArc,       // drawn without its rotation
     kSmoothStart,      // "S" behind another command takes up an earlier control point
+    kQuadratic,        // drawn as a cubic of another shape
+    kNegativeArc,      // drawn with its radii as they are
 };
 
 /// The first place of each. Behind a command letter or at its first argument, where none stands.
@@ -28,7 +30,7 @@ public:
     const char* PlaceOf(PathNote note) const { return places_[static_cast<std::size_t>(note)]; }
 
 private:
-    std::array<const char*, 5> places_{};
+    std::array<const char*, 7> places_{};
 };
 
 }  // namespace SVGLoom

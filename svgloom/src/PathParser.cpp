@@ -174,7 +174,7 @@ private:
                 return CurveTo(points[0], points[1], points[2]);
             case 's':
                 if (notes_ != nullptr) {
-                    NoteSmoothStart();
+                    NoteSmoothStart(start);
                 }
                 if (!ReadPoints<2>(origin, points)) {
                     return Outcome::kUnreadable;
@@ -185,14 +185,14 @@ private:
                 if (!ReadPoints<2>(origin, points)) {
                     return Outcome::kUnreadable;
                 }
-                return QuadTo(points[0], points[1]);
+                return QuadTo(points[0], points[1], start);
             case 't': {
                 if (!ReadPoints<1>(origin, points)) {
                     return Outcome::kUnreadable;
                 }
                 const char before = ToLower(previous_);
                 return QuadTo(before == 'q' || before == 't' ? Reflected(quadControl_) : position_,
-                              points[0]);
+                              points[0], start);
             }
             case 'a': {
                 Arc arc;
@@ -250,8 +250,11 @@ private:
         return Outcome::kDone;
     }
 
-    Outcome QuadTo(const Point& control, const Point& to)
+    Outcome QuadTo(const Point& control, const Point& to, const char* start)
     {
+        if (notes_ != nullptr && IsBent(control, to)) {
+            notes_->Add(PathNote::kQuadratic, start);
+        }
         path_.QuadTo(control, to);
         quadControl_ = control;
         position_ = to;
@@ -260,12 +263,29 @@ private:
 
     Outcome ArcTo(const Arc& arc, const char* start)
     {
-        if (notes_ != nullptr && IsTurned(arc)) {
-            notes_->Add(PathNote::kRotatedArc, start);
+        if (notes_ != nullptr) {
+            NoteArc(arc, start);
         }
         ArcToCurve(Point(position_), arc, path_);
         position_ = arc.to;
         return Outcome::kDone;
+    }
+
+    void NoteArc(const Arc& arc, const char* start)
+    {
+        if (IsTurned(arc)) {
+            notes_->Add(PathNote::kRotatedArc, start);
+        }
+        if (arc.rx < 0 || arc.ry < 0) {
+            notes_->Add(PathNote::kNegativeArc, start);
+        }
+    }
+
+    /// Whether a quadratic curve is no straight line.
+    bool IsBent(const Point& control, const Point& to) const
+    {
+        return (control.x - position_.x) * (to.y - position_.y) !=
+               (control.y - position_.y) * (to.x - position_.x);
     }
 
     /// Whether the rotation of an arc would show. Circles, as drawing programs round them, have
@@ -281,12 +301,12 @@ private:
     }
 
     /// Where the standard reflects nothing, the control point is where the path is.
-    void NoteSmoothStart()
+    void NoteSmoothStart(const char* start)
     {
         const char before = ToLower(previous_);
         if (before != 'c' && before != 's' &&
             (cubicControl_.x != position_.x || cubicControl_.y != position_.y)) {
-            Note(PathNote::kSmoothStart, current_);
+            Note(PathNote::kSmoothStart, start);
         }
     }
 

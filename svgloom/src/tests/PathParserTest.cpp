@@ -310,7 +310,8 @@ TEST(ParsePath, CutAtEveryLength)
 /// What is noted, each with the text from its place on.
 std::string Notes(std::string_view input)
 {
-    constexpr const char* kNames[] = {"stopped", "unknown", "move", "arc", "smooth"};
+    constexpr const char* kNames[] = {"stopped", "unknown", "move",    "arc",
+                                      "smooth",  "quad",    "negative"};
     const ExactText text(input);
     RecordingPath path;
     PathNotes notes;
@@ -347,6 +348,11 @@ TEST(ParsePath, Notes)
         {"M1 2A4 3 30 0 0 5 6", "arc [4 3 30 0 0 5 6]"},
         {"M1 2A4 3 180 0 0 5 6", ""},
         {"M1 2A4 4.01 30 0 0 5 6", ""},
+        {"M1 2A-4 4 0 0 0 5 6", "negative [-4 4 0 0 0 5 6]"},
+        // Quadratic curves that are bent.
+        {"M1 2Q3 4 5 5", "quad [3 4 5 5]"},
+        {"M1 2T3 4Q4 5 7 8", ""},
+        {"M1 2Q4 5 7 8t3 4", "quad [3 4]"},
         // Smooth curves behind something else.
         {"M1 2S3 4 5 6", "smooth [3 4 5 6]"},
         {"M0 0S3 4 5 6", ""},

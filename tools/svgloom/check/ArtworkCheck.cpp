@@ -4,6 +4,7 @@
 #include "tools/svgloom/check/ArtworkCheck.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdio>
 #include <memory>
@@ -69,9 +70,20 @@ private:
     Attributes known_;
 };
 
+/// A group with an opacity below 1, and where its shapes are: a limited number of them.
+struct TranslucentGroup {
+    static constexpr std::size_t kMaxBoxes = 64;
+
+    std::size_t offset = 0;
+    std::vector<Box> boxes;
+    bool isTold = false;
+};
+
 /// What the children of an element get from it.
 struct Scope {
     InheritedStyle style;
+    kivui::scrivel::Matrix matrix{1, 0, 0, 1, 0, 0};
+    std::shared_ptr<TranslucentGroup> translucent;  // the outermost; null if there is none
     References::Index node = References::kNone;
 };
 
@@ -81,6 +93,7 @@ struct Element {
     std::size_t offset;  // of its "<"
     AllAttributes attributes;
     ElementStyle style;
+    kivui::scrivel::Matrix matrix{1, 0, 0, 1, 0, 0};  // of it in the whole artwork
 
     const Attributes& Known() const { return attributes.Known(); }
     std::string_view Id() const { return Known().Text(AttributeName::kId); }
@@ -173,6 +186,7 @@ private:
     bool TellUnreadable();
     void CheckRoot(const XMLNode& root);
     void CheckViewBox(const Element& root);
+    void CheckSizeRatio(const Element& root);
     void CheckChildren(const XMLNode& node, const Scope& scope);
     std::optional<Scope> Enter(const XMLNode& node, const Scope& scope, bool isRoot);
 
@@ -181,16 +195,17 @@ private:
     void CheckStyles(Element& element, bool isDrawn);
     void CheckClassRules(Element& element, const StyleTexts& declared);
     void CheckLengths(const Element& element);
-    void CheckTransform(const Element& element);
+    void CheckTransform(Element& element);
     void CheckTransformText(AttributeName name, std::string_view text, std::size_t offset,
                             CheckedTransform& transform);
     void CheckUnread(const Element& element);
     void CheckId(const Element& element, std::string_view effect);
 
     void CheckShape(const Element& element, const Scope& scope);
-    /// Whether the shape is drawn at all.
-    bool CheckOutline(const Element& element);
-    bool CheckPathData(const Element& element);
+    /// The path of the shape; null if it is never drawn.
+    std::shared_ptr<CheckedPath> CheckOutline(const Element& element);
+    std::shared_ptr<CheckedPath> CheckPathData(const Element& element);
+    void CheckOpacity(const Element& element, const Scope& scope, const CheckedPath& path);
     void CheckPoints(const Element& element);
     std::optional<Scope> CheckGroup(const Element& element, const Scope& scope,
                                     References::Index parent, bool isSymbol);
@@ -226,7 +241,7 @@ private:
     StyleReader styles_{gradients_, clipPaths_, viewBox_, reporter_};
     References references_;
     SVGLoom::StyleSheet sheet_;
-    SVGLoom::NameMap<bool> usedClasses_;
+    SheetClasses classes_;
     SVGLoom::NameMap<bool> ids_;
     SVGLoom::NameMap<bool> prefixes_;  // of SVG's namespace
     CheckedRenderer renderer_;
@@ -305,7 +320,8 @@ void Checker::CheckChildren(const XMLNode& node, const Scope& scope)
 Element Checker::Read(const XMLNode& node, const Scope& scope)
 {
     const std::string_view name = node.GetName();
-    Element element{node, name, OffsetOf(name.data(), 1) - 1, AllAttributes(node), {}};
+    Element element{node, name,        OffsetOf(name.data(), 1) - 1, AllAttributes(node),
+                    {},   scope.matrix};
     element.style.inherited = scope.style;
     return element;
 }
@@ -394,6 +410,9 @@ void Checker::CheckViewBox(const Element& root)
             reporter_.Report(Rule::kViewBoxMissing, root.offset, SizeText(viewBox_));
         }
     }
+    if (isRead && numbers.size() == 4) {
+        CheckSizeRatio(root);
+    }
     if (viewBox_.width == 0 && viewBox_.height == 0) {
         reporter_.Report(Rule::kViewBoxEmpty, offset, SizeText(viewBox_));
     } else if (viewBox_.width <= 0 || viewBox_.height <= 0) {
@@ -405,6 +424,23 @@ void Checker::CheckViewBox(const Element& root)
         reporter_.Report(Rule::kPreserveAspectRatio,
                          Value(root, AttributeName::kPreserveAspectRatio).OffsetAt(0),
                          Shown(ratio));
+    }
+}
+
+void Checker::CheckSizeRatio(const Element& root)
+{
+    constexpr float kSeen = 0.01f;
+    float width = 0;
+    float height = 0;
+    const SVGLoom::LengthReader lengths(viewBox_);
+    if (!lengths.Read(root.Known(), AttributeName::kWidth, width) ||
+        !lengths.Read(root.Known(), AttributeName::kHeight, height)) {
+        return;
+    }
+    const float a = width * viewBox_.height;
+    const float b = height * viewBox_.width;
+    if (std::abs(a - b) > kSeen * std::max(std::abs(a), std::abs(b))) {
+        reporter_.Report(Rule::kSizeRatio, Value(root, AttributeName::kWidth).OffsetAt(0));
     }
 }
 
@@ -473,16 +509,30 @@ void Checker::CheckStyles(Element& element, bool isDrawn)
 
 void Checker::CheckClassRules(Element& element, const StyleTexts& declared)
 {
+    struct Winner {
+        std::string_view text;
+        std::size_t order = 0;
+    };
+    std::array<Winner, SVGLoom::kPropertyCount> winners;
     const SourceValue value = Value(element, AttributeName::kClass);
     for (const std::string_view name : SVGStringParser::SplitWords(value.Text())) {
-        usedClasses_[name] = true;
+        classes_.used[name] = true;
         const FixedPlace place(value.OffsetOf(name.data()));
+        const std::size_t* const order = classes_.order.Find(name);
         for (const SVGLoom::PropertyText& each : sheet_.FindClass(name)) {
+            const auto tell = [&](Rule rule) {
+                reporter_.Report(rule, place.OffsetOf(nullptr), SVGLoom::TextOf(each.property),
+                                 Shown(name));
+            };
             const std::string_view other = declared[static_cast<std::size_t>(each.property)];
             if (!other.empty() && other != each.text) {
-                reporter_.Report(Rule::kClassOverStyle, place.OffsetOf(nullptr),
-                                 SVGLoom::TextOf(each.property), Shown(name));
+                tell(Rule::kClassOverStyle);
             }
+            Winner& winner = winners[static_cast<std::size_t>(each.property)];
+            if (order != nullptr && *order < winner.order && each.text != winner.text) {
+                tell(Rule::kClassOrder);
+            }
+            winner = {each.text, order != nullptr ? *order : 0};
             styles_.Apply(each.property, each.text, place, element.style);
         }
     }
@@ -505,14 +555,19 @@ void Checker::CheckLengths(const Element& element)
     }
 }
 
-void Checker::CheckTransform(const Element& element)
+void Checker::CheckTransform(Element& element)
 {
-    if (element.Known().Has(AttributeName::kTransform)) {
-        CheckedTransform transform;
-        CheckTransformText(AttributeName::kTransform,
-                           element.Known().Text(AttributeName::kTransform), element.offset,
-                           transform);
+    if (!element.Known().Has(AttributeName::kTransform)) {
+        return;
     }
+    CheckedTransform transform;
+    CheckTransformText(AttributeName::kTransform, element.Known().Text(AttributeName::kTransform),
+                       element.offset, transform);
+    const kivui::scrivel::Matrix& own = transform.Engine();
+    const kivui::scrivel::Matrix& outer = element.matrix;
+    SVGLoom::ScrivelSVGTransform whole(outer.a, outer.b, outer.c, outer.d, outer.e, outer.f);
+    whole.Concat(own.a, own.b, own.c, own.d, own.e, own.f);
+    element.matrix = whole.Matrix();
 }
 
 void Checker::CheckTransformText(AttributeName name, std::string_view text, std::size_t offset,
@@ -576,9 +631,11 @@ void Checker::CheckId(const Element& element, std::string_view effect)
 void Checker::CheckShape(const Element& element, const Scope& scope)
 {
     CheckId(element, "the first one counts");
-    if (!CheckOutline(element)) {
+    const std::shared_ptr<CheckedPath> path = CheckOutline(element);
+    if (path == nullptr) {
         return;
     }
+    CheckOpacity(element, scope, *path);
     const ElementStyle& style = element.style;
     const bool fillsGradient =
         style.inherited.hasFill && style.inherited.fill == PaintKind::kGradient;
@@ -604,32 +661,57 @@ void Checker::CheckShape(const Element& element, const Scope& scope)
     references_.Add(entry, element.Id());
 }
 
-bool Checker::CheckOutline(const Element& element)
+/// Where opacities count one by one.
+void Checker::CheckOpacity(const Element& element, const Scope& scope, const CheckedPath& path)
+{
+    const InheritedStyle& style = element.style.inherited;
+    if (style.hasFill && style.hasStroke && element.style.IsTranslucent()) {
+        reporter_.Report(Rule::kOpacityOverlap, element.offset, "fill and stroke");
+    }
+    TranslucentGroup* const group = scope.translucent.get();
+    if (group == nullptr || group->isTold || element.style.hasClip ||
+        (!style.hasFill && !style.hasStroke)) {
+        return;
+    }
+    const Box box = path.Covered().Mapped(element.matrix);
+    if (std::ranges::any_of(group->boxes, [&box](const Box& each) { return each.Overlaps(box); })) {
+        group->isTold = true;
+        reporter_.Report(Rule::kOpacityOverlap, group->offset, "the shapes of the group");
+    } else if (group->boxes.size() < TranslucentGroup::kMaxBoxes) {
+        group->boxes.push_back(box);
+    }
+}
+
+std::shared_ptr<CheckedPath> Checker::CheckOutline(const Element& element)
 {
     if (element.name == "path") {
         return CheckPathData(element);
     }
     CheckPoints(element);
-    const std::shared_ptr<SVGLoom::Path> path =
-        SVGLoom::BuildShape(element.name, element.Known(), viewBox_, renderer_);
+    // The renderer makes no other paths.
+    const auto path = std::static_pointer_cast<CheckedPath>(
+        SVGLoom::BuildShape(element.name, element.Known(), viewBox_, renderer_));
+    if (path != nullptr && path->IsRounded()) {
+        reporter_.Report(Rule::kRoundedRect, element.offset);
+    }
     if (path == nullptr && !(element.name.starts_with("poly") &&
                              !WithoutSpace(element.Known().Text(AttributeName::kPoints)).empty())) {
         reporter_.Report(Rule::kShapeEmpty, element.offset, element.name, WhyEmpty(element.name));
     }
-    return path != nullptr;
+    return path;
 }
 
-bool Checker::CheckPathData(const Element& element)
+std::shared_ptr<CheckedPath> Checker::CheckPathData(const Element& element)
 {
     const std::string_view text = element.Known().Text(AttributeName::kD);
     if (WithoutSpace(text).empty()) {
         reporter_.Report(Rule::kShapeEmpty, element.offset, element.name, WhyEmpty(element.name));
-        return true;
+        return std::make_shared<CheckedPath>();  // the engine has an element for it
     }
     const SourceValue value = Value(element, text);
-    CheckedPath path;
+    const auto path = std::make_shared<CheckedPath>();
     SVGLoom::PathNotes notes;
-    SVGStringParser::ParsePath(text, path, &notes);
+    SVGStringParser::ParsePath(text, *path, &notes);
     const auto rest = [&text](const char* place) {
         return Shown(text.substr(static_cast<std::size_t>(place - text.data())));
     };
@@ -652,18 +734,20 @@ bool Checker::CheckPathData(const Element& element)
     };
     constexpr NoteRow kNotes[] = {{PathNote::kMoveBehindClose, Rule::kPathMove},
                                   {PathNote::kRotatedArc, Rule::kPathArcRotation},
+                                  {PathNote::kNegativeArc, Rule::kPathNegativeArc},
+                                  {PathNote::kQuadratic, Rule::kPathQuadratic},
                                   {PathNote::kSmoothStart, Rule::kPathSmooth}};
     for (const NoteRow& row : kNotes) {
         if (const char* const place = notes.PlaceOf(row.note)) {
             reporter_.Report(row.rule, value.OffsetOf(place));
         }
     }
-    if (!path.IsFinite()) {
+    if (!path->IsFinite()) {
         reporter_.Report(Rule::kPathNotFinite, value.OffsetAt(0),
                          "write lines for arcs with a radius of 0, and leave out arcs that end "
                          "where they begin");
     }
-    return true;
+    return path;
 }
 
 void Checker::CheckPoints(const Element& element)
@@ -698,8 +782,16 @@ std::optional<Scope> Checker::CheckGroup(const Element& element, const Scope& sc
     // What is in a symbol has the styles around it, not its own.
     inner.style = isSymbol ? scope.style : element.style.inherited;
     inner.style.opacity = scope.style.opacity * element.style.opacity;
-    if (element.name == "defs") {
+    inner.matrix = element.matrix;
+    inner.translucent = scope.translucent;
+    if (parent == References::kNone && element.name != "svg") {
+        // Drawn from elsewhere only.
         inner.style.opacity = 1;
+        inner.matrix = {1, 0, 0, 1, 0, 0};
+        inner.translucent = nullptr;
+    } else if (inner.translucent == nullptr && element.style.opacity < 1) {
+        inner.translucent = std::make_shared<TranslucentGroup>();
+        inner.translucent->offset = element.offset;
     }
     return inner;
 }
@@ -881,7 +973,7 @@ void Checker::CheckClip(const Element& element)
         if (!hasContent && SVGLoom::IsShape(shape.name)) {
             CheckNames(shape);
             CheckLengths(shape);
-            hasContent = CheckOutline(shape);
+            hasContent = CheckOutline(shape) != nullptr;
             if (hasContent) {
                 CheckStyles(shape, /*isDrawn=*/false);
                 CheckTransform(shape);
@@ -926,7 +1018,7 @@ void Checker::CheckStyleElement(const Element& element)
     if (!text.empty() ? !behind.starts_with("</") : behind.starts_with("<!")) {
         reporter_.Report(Rule::kStyleSplit, end);
     }
-    if (!CheckStyleSheet(value, usedClasses_, reporter_)) {
+    if (!CheckStyleSheet(value, classes_, reporter_)) {
         return;
     }
     sheet_.Add(text);

@@ -28,6 +28,29 @@ bool IsNear(float a, float b, float size)
 
 }  // namespace
 
+bool Box::Overlaps(const Box& other) const
+{
+    // Edges that lie on each other, as drawing programs round them, do not count.
+    constexpr float kSeen = 0.02f;
+    const float width = std::min(right, other.right) - std::max(left, other.left);
+    const float height = std::min(bottom, other.bottom) - std::max(top, other.top);
+    return width > kSeen && height > kSeen;
+}
+
+Box Box::Mapped(const kivui::scrivel::Matrix& matrix) const
+{
+    const SVGLoom::ScrivelSVGTransform transform(matrix.a, matrix.b, matrix.c, matrix.d, matrix.e,
+                                                 matrix.f);
+    Box mapped;
+    for (const float x : {left, right}) {
+        for (const float y : {top, bottom}) {
+            const kivui::scrivel::Point point = transform.Map(x, y);
+            mapped.Take(point.x, point.y);
+        }
+    }
+    return mapped;
+}
+
 bool CheckedTransform::Differs() const
 {
     const Matrix& a = engine_.Matrix();

@@ -3,8 +3,9 @@
 
 #pragma once
 
+#include <algorithm>
 #include <cmath>
-#include <initializer_list>
+#include <limits>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -14,41 +15,73 @@
 
 namespace svgloom {
 
+/// The sides of what a path covers at most, in user units.
+struct Box {
+    float left = std::numeric_limits<float>::infinity();
+    float top = std::numeric_limits<float>::infinity();
+    float right = -std::numeric_limits<float>::infinity();
+    float bottom = -std::numeric_limits<float>::infinity();
+
+    void Take(float x, float y)
+    {
+        left = std::min(left, x);
+        top = std::min(top, y);
+        right = std::max(right, x);
+        bottom = std::max(bottom, y);
+    }
+    /// Boxes that only touch do not.
+    bool Overlaps(const Box& other) const;
+    /// The box around this one's corners behind `matrix`.
+    Box Mapped(const kivui::scrivel::Matrix& matrix) const;
+};
+
 class CheckedPath final : public SVGLoom::Path {
 public:
     bool IsFinite() const { return std::isfinite(sum_); }
-    bool IsEmpty() const { return isEmpty_; }
+    bool IsRounded() const { return isRounded_; }
+    const Box& Covered() const { return box_; }
 
     void AddRect(float x, float y, float width, float height) override
     {
-        Take({x, y, width, height});
+        Take(x, y);
+        Take(x + width, y + height);
     }
-    void AddRoundedRect(float x, float y, float width, float height, float rx, float ry) override
+    void AddRoundedRect(float x, float y, float width, float height, float, float) override
     {
-        Take({x, y, width, height, rx, ry});
+        AddRect(x, y, width, height);
+        isRounded_ = true;
     }
-    void AddEllipse(float cx, float cy, float rx, float ry) override { Take({cx, cy, rx, ry}); }
-    void MoveTo(float x, float y) override { Take({x, y}); }
-    void LineTo(float x, float y) override { Take({x, y}); }
+    void AddEllipse(float cx, float cy, float rx, float ry) override
+    {
+        Take(cx - rx, cy - ry);
+        Take(cx + rx, cy + ry);
+    }
+    void MoveTo(float x, float y) override { Take(x, y); }
+    void LineTo(float x, float y) override { Take(x, y); }
     void CurveTo(float x1, float y1, float x2, float y2, float x, float y) override
     {
-        Take({x1, y1, x2, y2, x, y});
+        Take(x1, y1);
+        Take(x2, y2);
+        Take(x, y);
     }
-    void QuadTo(float cx, float cy, float x, float y) override { Take({cx, cy, x, y}); }
+    void QuadTo(float cx, float cy, float x, float y) override
+    {
+        Take(cx, cy);
+        Take(x, y);
+    }
     void ClosePath() override {}
 
 private:
-    void Take(std::initializer_list<float> numbers)
+    void Take(float x, float y)
     {
-        isEmpty_ = false;
-        for (const float number : numbers) {
-            // 0 for what is finite, and no number for all others.
-            sum_ += number * 0.0f;
-        }
+        // 0 for what is finite, and no number for all others.
+        sum_ += x * 0.0f + y * 0.0f;
+        box_.Take(x, y);
     }
 
     float sum_ = 0;
-    bool isEmpty_ = true;
+    Box box_;
+    bool isRounded_ = false;
 };
 
 /// A transform list twice: as the engine applies it, and as the standard has it.

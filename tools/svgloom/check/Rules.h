@@ -50,6 +50,8 @@ enum class Rule : std::uint8_t {
     kLengthUnit,
     kPercentDiagonal,
     kNegativeSize,
+    kSizeRatio,
+    kRoundedRect,
     kPointsInvalid,
     kPointsOdd,
     // Path data.
@@ -58,6 +60,8 @@ enum class Rule : std::uint8_t {
     kPathMove,
     kPathArcRotation,
     kPathSmooth,
+    kPathQuadratic,
+    kPathNegativeArc,
     kPathNotFinite,
     // Transforms.
     kTransformInvalid,
@@ -74,6 +78,7 @@ enum class Rule : std::uint8_t {
     kVariableFallback,
     kDisplay,
     kVisibility,
+    kOpacityOverlap,
     kStrokeWidthInvalid,
     kStrokeStaysOff,
     kDashInvalid,
@@ -116,6 +121,7 @@ enum class Rule : std::uint8_t {
     kDeclarationOpen,
     kDeclarationTwice,
     kClassOverStyle,
+    kClassOrder,
     kSelectorUnmatched,
     kAtRule,
     kStyleLate,

@@ -113,8 +113,8 @@ bool IsOneClass(const Selector& selector)
 }
 
 /// @return whether the selector can match an element
-bool CheckSelector(std::string_view text, const Locator& where,
-                   const SVGLoom::NameMap<bool>& usedClasses, Reporter& reporter)
+bool CheckSelector(std::string_view text, const Locator& where, SheetClasses& classes,
+                   Reporter& reporter)
 {
     const std::size_t offset = where.OffsetOf(text.data());
     if (text.starts_with('@')) {
@@ -126,9 +126,10 @@ bool CheckSelector(std::string_view text, const Locator& where,
         reporter.Report(Rule::kSelectorUnmatched, offset, Shown(text));
         return false;
     }
-    if (usedClasses.Find(selector.name) != nullptr) {
+    if (classes.used.Find(selector.name) != nullptr) {
         reporter.Report(Rule::kStyleLate, offset, Shown(text));
     }
+    classes.order[selector.name] = offset;
     return true;
 }
 
@@ -198,8 +199,7 @@ bool CheckStyleAttribute(const SourceValue& value, bool isDrawn, Reporter& repor
     return CheckDeclarations(text, isDrawn ? Block::kApplied : Block::kNotDrawn, value, reporter);
 }
 
-bool CheckStyleSheet(const SourceValue& value, const SVGLoom::NameMap<bool>& usedClasses,
-                     Reporter& reporter)
+bool CheckStyleSheet(const SourceValue& value, SheetClasses& classes, Reporter& reporter)
 {
     const CleanedSheet sheet(value);
     bool goesOn = true;
@@ -210,7 +210,7 @@ bool CheckStyleSheet(const SourceValue& value, const SVGLoom::NameMap<bool>& use
                 reporter.Report(Rule::kSelectorEmpty, sheet.OffsetOf(text.data()));
                 goesOn = false;
             } else if (goesOn) {
-                matches = CheckSelector(text, sheet, usedClasses, reporter) || matches;
+                matches = CheckSelector(text, sheet, classes, reporter) || matches;
             }
         });
         if (goesOn) {

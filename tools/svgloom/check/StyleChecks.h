@@ -13,6 +13,12 @@
 
 namespace svgloom {
 
+/// The classes of an artwork.
+struct SheetClasses {
+    SVGLoom::NameMap<bool> used;          // by the elements so far
+    SVGLoom::NameMap<std::size_t> order;  // of their last rules
+};
+
 /// A `style` attribute. Whether what is never drawn by itself is hidden does not matter.
 ///
 /// @return false if an error ends the reading
@@ -20,9 +26,7 @@ bool CheckStyleAttribute(const SourceValue& value, bool isDrawn, Reporter& repor
 
 /// The text of a `style` element.
 ///
-/// @param usedClasses the classes of the elements in front
 /// @return false if an error ends the reading
-bool CheckStyleSheet(const SourceValue& value, const SVGLoom::NameMap<bool>& usedClasses,
-                     Reporter& reporter);
+bool CheckStyleSheet(const SourceValue& value, SheetClasses& classes, Reporter& reporter);
 
 }  // namespace svgloom

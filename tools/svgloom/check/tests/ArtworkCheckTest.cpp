@@ -59,6 +59,8 @@ constexpr CheckCase kFileCases[] = {
     {"<svg viewBox='0 0 0 1'/>", "1:15 negative-size"},
     {"<svg viewBox='0 0 1 -1'/>", "1:15 negative-size"},
     {"<svg width='0' height='0'/>", "1:1 viewbox-empty"},
+    {"<svg width='2' height='3' viewBox='0 0 4 6'/>", ""},
+    {"<svg width='2' height='3' viewBox='0 0 6 4'/>", "1:13 size-ratio"},
     {"<svg viewBox='0 0 1 1' preserveAspectRatio='xMidYMid'/>", "1:45 preserve-aspect-ratio"},
     {"<svg viewBox='0 0 1 1' preserveAspectRatio='none'/>", "1:45 preserve-aspect-ratio"},
     {"<svg viewBox='0 0 1 1' preserveAspectRatio='xMinYMin slice'/>", "1:45 preserve-aspect-ratio"},
@@ -114,6 +116,7 @@ constexpr CheckCase kContentCases[] = {
     {"<rect width='10%' height='1pt' x='2mm'/>", ""},
     {"<circle r='10%'/>", "2:12 percent-diagonal"},
     {"<circle r='-1'/><rect width='-1' height='1'/>", "2:12 negative-size; 2:30 negative-size"},
+    {"<rect width='9' height='9' rx='2'/><rect width='9' height='9' rx='0'/>", "2:1 rounded-rect"},
     {"<polygon points='1 2 x'/>", "2:18 points-invalid"},
     {"<polyline points='1'/>", "2:19 points-invalid"},
     {"<polyline points='1 2 3 4 5'/>", "2:19 points-odd"},
@@ -126,6 +129,8 @@ constexpr CheckCase kContentCases[] = {
     {"<path d='M1 2L3 4ZL5 6'/>", "2:20 path-move"},
     {"<path d='M1 2A4 3 30 0 0 5 6'/>", "2:15 path-arc-rotation"},
     {"<path d='M1 2S3 4 5 6'/>", "2:15 path-smooth"},
+    {"<path d='M1 2Q3 4 5 5'/><path d='M1 2Q2 3 4 5'/>", "2:15 path-quadratic"},
+    {"<path d='M1 2A-3 3 0 0 0 5 6'/>", "2:15 path-negative-arc"},
     {"<path d='M1 2A0 1 0 0 0 5 6'/>", "2:10 path-not-finite"},
     {"<path d='M1e38 2L3 4l9e38 9e38'/>", "2:26 path-stopped"},
     {"<path d='M3e38 2l3e38 0'/>", "2:10 path-not-finite"},
@@ -165,6 +170,19 @@ constexpr CheckCase kContentCases[] = {
     {"<g color='greenyellow'/>", "2:11 color-cut"},
     {"<g fill='var(--a,currentColor)'/><g fill='var(--a, var(--b))'/>",
      "2:18 variable-fallback; 2:51 variable-fallback"},
+    // Opacities, one by one.
+    {"<g opacity='.5'><path d='M0 0L9 9'/><path d='M0 5L9 9'/><path d='M0 5L9 9'/></g>",
+     "2:1 opacity-overlap"},
+    {"<g opacity='.5'><path d='M0 0L9 9'/><path d='M9 0L19 9'/><g transform='translate(30)'>"
+     "<path d='M0 0L9 9'/></g><path d='M0 0L9 9' fill='none'/></g>",
+     ""},
+    {"<g opacity='.5'><g><path d='M0 0L9 9'/></g><g transform='scale(.5)'>"
+     "<rect width='1' height='1' transform='translate(4 4)'/></g></g>",
+     "2:1 opacity-overlap"},
+    {"<defs><g id='a'><path d='M0 0L9 9'/><path d='M0 0L9 9'/></g></defs>", ""},
+    {"<path d='M0 0' stroke='red' opacity='.5'/><path d='M0 0' stroke='red' fill='none' "
+     "opacity='.5'/><g opacity='.5'><path d='M0 0' stroke='red'/></g>",
+     "2:1 opacity-overlap; 2:113 opacity-overlap"},
     // Strokes.
     {"<g stroke-width='a'/><g stroke-width='0'/>", "2:18 stroke-width-invalid"},
     {"<g stroke-width='10%'/><g stroke-width='-1'/>", "2:18 percent-diagonal; 2:41 number-invalid"},
@@ -193,7 +211,7 @@ constexpr CheckCase kContentCases[] = {
     // A gradient of one stop is its colour.
     {"<linearGradient id='a'><stop/></linearGradient><path d='M0 0' stroke='url(#a)' "
      "fill='url(#a)' opacity='.5'/>",
-     ""},
+     "2:48 opacity-overlap"},
     {"<linearGradient id='a'><stop/><stop offset='1'/></linearGradient>"
      "<path d='M0 0' fill='url(#a)'/><path d='M0 0' fill='url(#a)'/>",
      "2:1 gradient-units"},
@@ -284,6 +302,10 @@ constexpr CheckCase kContentCases[] = {
     {"<style>.a{fill;}</style>", "2:11 declaration-no-colon"},
     {"<style>.{fill:red;}</style>", "2:8 selector-empty"},
     {"<style>.a{fill:red;}</style><g class='b a' style='fill:blue;'/>", "2:41 class-over-style"},
+    {"<style>.a{fill:red;} .b{fill:blue;}</style><g class='b a'/><g class='a b'/>",
+     "2:56 class-order"},
+    {"<style>.a{fill:red;} .b{fill:blue;} .a{x:y;}</style><g class='b a'/>",
+     "2:40 property-unread"},
     {"<style>.a{fill:red;}</style><g class='a' style='fill:red;stroke:red;'/>", ""},
     {"<style>g{fill:red;} #a, .b .c{fill:x;} .d{fill:red;}</style>",
      "2:8 selector-unmatched; 2:21 selector-unmatched; 2:25 selector-unmatched"},
