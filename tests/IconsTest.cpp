@@ -82,7 +82,8 @@ private:
 
 std::uint32_t AlphaAt(const Pixels& pixels, int x, int y)
 {
-    return pixels.argb[static_cast<std::size_t>(y * pixels.width + x)] >> 24U;
+    const auto width = static_cast<std::size_t>(pixels.width);
+    return pixels.argb[static_cast<std::size_t>(y) * width + static_cast<std::size_t>(x)] >> 24U;
 }
 
 TEST_F(Icons, AreReadWhole)
