@@ -36,7 +36,7 @@ void ForEachChild(const Element& element, Visit&& visit)
     }
 }
 
-std::string JsonPathOf(const std::shared_ptr<SVGLoom::Path>& path)
+std::string JsonPathOf(const SVGLoom::Path* path)
 {
     return path != nullptr ? JsonPath(static_cast<const SVGLoom::ScrivelSVGPath&>(*path)) : "null";
 }
@@ -112,7 +112,7 @@ std::string JsonClip(const std::shared_ptr<SVGLoom::ClippingPath>& clip)
 {
     if (clip == nullptr)
         return "null";
-    return "{\"path\":" + (clip->hasClipContent ? JsonPathOf(clip->path) : "null") +
+    return "{\"path\":" + (clip->hasClipContent ? JsonPathOf(clip->path.get()) : "null") +
            ",\"rule\":" + RuleOf(clip->clipRule) +
            ",\"transform\":" + JsonMatrixOf(clip->transform) + "}";
 }
@@ -175,7 +175,7 @@ private:
                 const auto& graphic = static_cast<const SVGDocumentImpl::Graphic&>(element);
                 text += ",\"fill\":" + JsonFill(*graphic.fill) +
                         ",\"stroke\":" + JsonStroke(*graphic.stroke) +
-                        ",\"path\":" + JsonPathOf(graphic.path);
+                        ",\"path\":" + JsonPathOf(graphic.path.get());
                 break;
             }
             case SVGDocumentImpl::ElementKind::kGroup: {
