@@ -689,8 +689,9 @@ std::shared_ptr<CheckedPath> Checker::CheckOutline(const Element& element)
     }
     CheckPoints(element);
     // The renderer makes no other paths.
-    const auto path = std::static_pointer_cast<CheckedPath>(
-        SVGLoom::BuildShape(element.name, element.Known(), viewBox_, renderer_));
+    const std::shared_ptr<SVGLoom::Path> built =
+        SVGLoom::BuildShape(element.name, element.Known(), viewBox_, renderer_);
+    const auto path = std::static_pointer_cast<CheckedPath>(built);
     if (path != nullptr && path->IsRounded()) {
         reporter_.Report(Rule::kRoundedRect, element.offset);
     }
