@@ -89,9 +89,18 @@ public:
             Flush();
         }
         kinds_[kindCount_++] = static_cast<scrivel::SegmentKind>(kind);
-        const int count = kKindRows[static_cast<std::size_t>(kind)].coordinates;
-        for (int i = 0; i < count; i += 2) {
-            points_[pointCount_++] = {coordinates[i], coordinates[i + 1]};
+        switch (kind) {
+            case ScrivelSVGPath::Kind::kMove:
+            case ScrivelSVGPath::Kind::kLine:
+                AddPoint(coordinates);
+                break;
+            case ScrivelSVGPath::Kind::kCurve:
+                AddPoint(coordinates);
+                AddPoint(coordinates + 2);
+                AddPoint(coordinates + 4);
+                break;
+            case ScrivelSVGPath::Kind::kClose:
+                break;
         }
     }
     void Flush()
@@ -103,6 +112,11 @@ public:
 
 private:
     static constexpr std::size_t kMost = 32;
+
+    void AddPoint(const float* coordinates)
+    {
+        points_[pointCount_++] = {coordinates[0], coordinates[1]};
+    }
 
     scrivel::PathInterface& path_;
     std::array<scrivel::SegmentKind, kMost> kinds_;

@@ -222,14 +222,13 @@ inline void Coverage::DrawInRow(int row, int x0, int x1, int height, int sign)
     }
     // Where it crosses from pixel to pixel: y with 20 more binary digits, and a half to round by.
     constexpr int kShift = 20;
-    const std::int64_t perPixel = (static_cast<std::int64_t>(height) << kShift) / (x1 - x0);
-    std::int64_t at =
-        (std::int64_t{1} << (kShift - 1)) + perPixel * (kSubpixels - (x0 & kFraction));
-    int done = static_cast<int>(at >> kShift);
+    const int perUnit = (height << kShift) / (x1 - x0);
+    int at = (1 << (kShift - 1)) + perUnit * (kSubpixels - (x0 & kFraction));
+    int done = at >> kShift;
     change(x, (x0 & kFraction) + kSubpixels, done);
     for (++x; x < lastX; ++x) {
-        at += perPixel * kSubpixels;
-        const auto next = static_cast<int>(at >> kShift);
+        at += perUnit * kSubpixels;
+        const int next = at >> kShift;
         change(x, kSubpixels, next - done);
         done = next;
     }
