@@ -68,6 +68,8 @@ constexpr ColorCase kColorCases[] = {
     {"#ffff", "invalid []"},
     {"#fffff", "invalid []"},
     {"#fffffff", "invalid []"},
+    {"#1122334", "invalid []"},
+    {"#11223344", "invalid []"},
     {"#ffffffff ", "invalid [ ]"},
     {"#xyz", "invalid [xyz]"},
     {"#-ff", "invalid [-ff]"},
