@@ -269,6 +269,10 @@ TEST(ElementParser, Gradients)
         {"<radialGradient id='g' cx='1' fy='3'><stop/><stop offset='2'/></radialGradient>"
          "<path fill='url(#g)'/>",
          "path  fill=radial(1 20 1 3 25; 0: 0 0 0 1; 1: 0 0 0 1)"},
+        // Percentages, each in its direction; the radius is of the whole diagonal.
+        {"<radialGradient id='g' cx='10%' cy='10%' fx='20%' fy='20%' r='20%'><stop/><stop/>"
+         "</radialGradient><path fill='url(#g)'/>",
+         "path  fill=radial(3 4 6 8 10; 0: 0 0 0 1; 0: 0 0 0 1)"},
         // The type is the element's own.
         {"<linearGradient id='a' x1='1'><stop/><stop/></linearGradient>"
          "<radialGradient id='g' href='#a' r='10%'/><path fill='url(#g)'/>",
