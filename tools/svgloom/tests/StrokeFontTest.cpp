@@ -15,14 +15,14 @@ std::vector<std::string> Drawn(std::string_view text, float size = 1)
 {
     constexpr int kWidth = 40;
     constexpr int kHeight = 14;
-    std::vector<std::uint32_t> pixels(kWidth * kHeight);
+    std::vector<std::uint32_t> pixels(std::size_t{kWidth} * kHeight);
     const auto target = kivui::scrivel::CreatePixelTarget({pixels.data(), kWidth, kHeight, kWidth});
     DrawText(*target, text, 1, 10, size, {0, 0, 0, 1});
     std::vector<std::string> rows;
-    for (int y = 0; y < kHeight; ++y) {
+    for (auto begin = pixels.begin(); begin != pixels.end(); begin += kWidth) {
         std::string row;
-        for (int x = 0; x < kWidth; ++x)
-            row += pixels[static_cast<std::size_t>(y * kWidth + x)] >> 24 > 0x80 ? '#' : ' ';
+        for (auto pixel = begin; pixel != begin + kWidth; ++pixel)
+            row += *pixel >> 24 > 0x80 ? '#' : ' ';
         row.erase(row.find_last_not_of(' ') + 1);
         rows.push_back(row);
     }

@@ -539,12 +539,12 @@ class ContactSheet(ToolTest):
 
 
 class Program_(ToolTest):
-    COMMANDS = {"calls", "render", "path", "transform", "color", "css", "tree", "names"}
+    COMMANDS = {"calls", "render", "check", "path", "transform", "color", "css", "tree", "names"}
 
     def test_help(self):
         overview = self.expect(DONE, "--help").out.decode()
         named = {line.split()[1] for line in overview.splitlines() if line.startswith("       svgloom ")}
-        self.assertLessEqual(self.COMMANDS, named)
+        self.assertEqual(named, self.COMMANDS)
         for command in named:
             with self.subTest(command):
                 text = self.expect(DONE, command, "--help").out.decode()
