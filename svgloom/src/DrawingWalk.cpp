@@ -1,5 +1,6 @@
 #include "svgloom/src/DrawingWalk.h"
 
+#include <kivcore/NeverDestroyed.h>
 #include <kivcore/Trace.h>
 
 namespace SVGLoom {
@@ -153,9 +154,9 @@ void DrawingWalk::DrawReference(const SVGDocumentImpl::Reference& reference)
 void DrawingWalk::ApplyAttachedSheet(const Element& element, const StyleTarget& target) const
 {
     // Gradients and clip paths were only there while the document was parsed.
-    static const GradientTable& noGradients = *new GradientTable;
-    static const ClipPathTable& noClipPaths = *new ClipPathTable;
-    ApplySheet(*sheet_, element.classes, {noGradients, noClipPaths, document_.viewBox_}, target);
+    static kivcore::NeverDestroyed<GradientTable> noGradients;
+    static kivcore::NeverDestroyed<ClipPathTable> noClipPaths;
+    ApplySheet(*sheet_, element.classes, {*noGradients, *noClipPaths, document_.viewBox_}, target);
 }
 
 const GraphicStyle& DrawingWalk::StyleOf(const Element& element, DocumentGraphicStyle& own) const

@@ -1,5 +1,6 @@
 #include "svgloom/src/ElementParser.h"
 
+#include <kivcore/NeverDestroyed.h>
 #include <kivcore/Trace.h>
 
 #include <algorithm>
@@ -332,9 +333,9 @@ void ElementParser::AddStops(const Parsed& element, Gradient& gradient)
         offset = std::max(offset, previous);
         offset = std::max(std::min(offset, 1.0f), 0.0f);
         // No variable has a colour yet.
-        static const ColorMap& noColors = *new ColorMap;
-        Color color = ResolveColor(stop.graphic.stopColor, ResolveColor(stop.fill->color, noColors),
-                                   noColors);
+        static kivcore::NeverDestroyed<ColorMap> noColors;
+        Color color = ResolveColor(stop.graphic.stopColor,
+                                   ResolveColor(stop.fill->color, *noColors), *noColors);
         color.alpha *= stop.graphic.stopOpacity;
         gradient.stops.Append({offset, color});
         return true;

@@ -9,6 +9,8 @@
 #include <string>
 #include <utility>
 
+#include <kivcore/NeverDestroyed.h>
+
 #include "svgloom/renderer/Records.h"
 #include "svgloom/src/ColorValue.h"
 #include "svgloom/src/NameMap.h"
@@ -48,7 +50,7 @@ public:
     /// Makes the style this object's own.
     Style& Edit()
     {
-        if (style_.use_count() > 1) {
+        if (style_.use_count() != 1) {
             style_ = std::make_shared<Style>(*style_);
         }
         return *style_;
@@ -56,12 +58,12 @@ public:
     bool IsSharedWith(const SharedStyle& other) const { return style_ == other.style_; }
 
 private:
-    static const std::shared_ptr<Style>& Default()
+    static std::shared_ptr<Style> Default()
     {
-        // Never destroyed, and never edited: this reference is always one of several.
-        static const std::shared_ptr<Style>& style =
-            *new std::shared_ptr<Style>(std::make_shared<Style>());
-        return style;
+        // Owned by nobody, so its count is 0, and never edited. Nothing of it lies on the heap: a
+        // library that holds it leaves nothing behind when it is unloaded.
+        static kivcore::NeverDestroyed<Style> style;
+        return {std::shared_ptr<void>(), &*style};
     }
 
     std::shared_ptr<Style> style_;
