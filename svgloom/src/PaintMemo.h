@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 #include <optional>
 #include <string_view>
 
@@ -28,8 +29,11 @@ public:
     /// as Remember does.
     const SharedStyle<Style>* Find(const SharedStyle<Style>& style, std::string_view text) const
     {
+        if (entries_ == nullptr) {
+            return nullptr;
+        }
         const std::uint64_t key = KeyOf(text);
-        const std::optional<Entry>& entry = entries_[SlotOf(key)];
+        const std::optional<Entry>& entry = (*entries_)[SlotOf(key)];
         return entry.has_value() && entry->key == key && entry->before.IsSharedWith(style)
                    ? &entry->after
                    : nullptr;
@@ -39,7 +43,10 @@ public:
                   const SharedStyle<Style>& after)
     {
         const std::uint64_t key = KeyOf(text);
-        entries_[SlotOf(key)].emplace(Entry{key, before, after});
+        if (entries_ == nullptr) {
+            entries_ = std::make_unique<Entries>();
+        }
+        (*entries_)[SlotOf(key)].emplace(Entry{key, before, after});
     }
 
 private:
@@ -49,6 +56,7 @@ private:
         SharedStyle<Style> after;
     };
     static constexpr unsigned kSlotBits = 3;
+    using Entries = std::array<std::optional<Entry>, std::size_t{1} << kSlotBits>;
 
     static std::uint64_t KeyOf(std::string_view text)
     {
@@ -61,7 +69,7 @@ private:
         return static_cast<std::size_t>((key * 0x9E3779B97F4A7C15U) >> (64 - kSlotBits));
     }
 
-    std::array<std::optional<Entry>, std::size_t{1} << kSlotBits> entries_;
+    std::unique_ptr<Entries> entries_;  // made for the first: many icons have no such colour
 };
 
 struct PaintMemos {

@@ -147,17 +147,12 @@ bool RapidXMLNode::MoveToNextSibling()
 RapidXMLDocument::RapidXMLDocument(char* text)
 {
     char* const end = text + std::strlen(text);
-    const MarkCounts marks = CountMarks(text, end);
-    // A level takes a "<" of its own.
-    if (marks.tags > static_cast<std::size_t>(kMaxDepth)) {
-        if (const char* const tooDeep = FindTooDeep(text, end)) {
-            throw rapidxml::parse_error("elements are nested too deeply", text + (tooDeep - text));
-        }
+    const char* const tooDeep = HasManyTags(text, end) ? FindTooDeep(text, end) : nullptr;
+    if (tooDeep != nullptr) {
+        throw rapidxml::parse_error("elements are nested too deeply", text + (tooDeep - text));
     }
-    if (marks.references != 0) {
-        TameReferences(text, end);
-    }
-    if (marks.declarations != 0 && HasSection({text, static_cast<std::size_t>(end - text)})) {
+    TameReferences(text, end);
+    if (HasSection({text, static_cast<std::size_t>(end - text)})) {
         document_.parse<kFlags>(text);
     } else {
         document_.parse<kFlagsWithoutTexts>(text);

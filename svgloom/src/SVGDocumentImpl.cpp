@@ -1,6 +1,7 @@
 #include "svgloom/src/SVGDocumentImpl.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 #include <vector>
 
@@ -48,6 +49,10 @@ void SVGDocumentImpl::Add(Group& group, std::shared_ptr<Element> element, std::s
         if (isNew) {
             registered = element;
         }
+    }
+    constexpr std::size_t kFewChildren = 4;
+    if (group.children.empty()) {
+        group.children.reserve(kFewChildren);
     }
     group.children.push_back(std::move(element));
 }

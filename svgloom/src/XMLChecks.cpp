@@ -131,26 +131,10 @@ std::uint64_t ReadDigits(const char*& current, const char* end, std::uint64_t ba
 
 }  // namespace
 
-// Counted in bytes, a few at a time, so that the compiler takes sixteen characters in one step.
-MarkCounts CountMarks(const char* text, const char* end)
+bool HasManyTags(const char* text, const char* end)
 {
-    constexpr std::ptrdiff_t kMost = 255;  // what a byte can count
-    MarkCounts counts;
-    while (text != end) {
-        const char* const stop = text + std::min(end - text, kMost);
-        std::uint8_t tags = 0;
-        std::uint8_t references = 0;
-        std::uint8_t declarations = 0;
-        for (; text != stop; ++text) {
-            tags = static_cast<std::uint8_t>(tags + (*text == '<'));
-            references = static_cast<std::uint8_t>(references + (*text == '&'));
-            declarations = static_cast<std::uint8_t>(declarations + (*text == '!'));
-        }
-        counts.tags += tags;
-        counts.references += references;
-        counts.declarations += declarations;
-    }
-    return counts;
+    constexpr std::ptrdiff_t kShortestTag = 3;
+    return end - text >= kShortestTag * kMaxDepth && std::count(text, end, '<') > kMaxDepth;
 }
 
 const char* FindTooDeep(const char* text, const char* end)

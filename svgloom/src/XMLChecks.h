@@ -3,21 +3,13 @@
 
 #pragma once
 
-#include <cstddef>
-
 namespace SVGLoom::xml {
 
 /// The root is level 1.
 inline constexpr int kMaxDepth = 512;
 
-/// How often the characters stand in a text that decide which checks are needed.
-struct MarkCounts {
-    std::size_t tags = 0;          // "<"
-    std::size_t references = 0;    // "&"
-    std::size_t declarations = 0;  // "!"
-};
-
-MarkCounts CountMarks(const char* text, const char* end);
+/// False if there cannot be an element below level kMaxDepth: each level takes a "<" of its own.
+bool HasManyTags(const char* text, const char* end);
 
 /// Walks over the text as the XML library does.
 ///
