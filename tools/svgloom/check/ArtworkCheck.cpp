@@ -192,13 +192,14 @@ private:
 
     Element Read(const XMLNode& node, const Scope& scope);
     void CheckNames(const Element& element);
-    void CheckStyles(Element& element, bool isDrawn);
+    void CheckStyles(Element& element, Block kind);
     void CheckClassRules(Element& element, const StyleTexts& declared);
     void CheckLengths(const Element& element);
     void CheckTransform(Element& element);
     void CheckTransformText(AttributeName name, std::string_view text, std::size_t offset,
                             CheckedTransform& transform);
     void CheckUnread(const Element& element);
+    bool IsReferred(std::string_view id);
     void CheckId(const Element& element, std::string_view effect);
 
     void CheckShape(const Element& element, const Scope& scope);
@@ -243,7 +244,8 @@ private:
     SVGLoom::StyleSheet sheet_;
     SheetClasses classes_;
     SVGLoom::NameMap<bool> ids_;
-    SVGLoom::NameMap<bool> prefixes_;  // of SVG's namespace
+    SVGLoom::NameMap<bool> prefixes_;                 // of SVG's namespace
+    std::optional<SVGLoom::NameMap<bool>> referred_;  // by an url(); made when it is asked for
     CheckedRenderer renderer_;
 };
 
@@ -340,7 +342,8 @@ Element Checker::Read(const XMLNode& node, const Scope& scope)
     if (isRoot) {
         CheckViewBox(element);
     }
-    CheckStyles(element, isRoot || isShape || name == "g" || name == "use");
+    const bool isDrawn = isShape || name == "g" || name == "use";
+    CheckStyles(element, isRoot ? Block::kRoot : isDrawn ? Block::kApplied : Block::kNotDrawn);
     CheckLengths(element);
     if (isRoot) {
         if (element.Known().Has(AttributeName::kTransform)) {
@@ -474,12 +477,12 @@ void Checker::CheckNames(const Element& element)
     }
 }
 
-void Checker::CheckStyles(Element& element, bool isDrawn)
+void Checker::CheckStyles(Element& element, Block kind)
 {
     const Attributes& known = element.Known();
-    const auto skips = [isDrawn](AttributeName property) {
+    const auto skips = [kind](AttributeName property) {
         // What is never drawn by itself is hidden without harm.
-        return !isDrawn &&
+        return kind == Block::kNotDrawn &&
                (property == AttributeName::kDisplay || property == AttributeName::kVisibility);
     };
     known.ForEachProperty([&](AttributeName property, std::string_view text) {
@@ -492,7 +495,7 @@ void Checker::CheckStyles(Element& element, bool isDrawn)
     StyleTexts declared{};
     if (known.Has(AttributeName::kStyle)) {
         const SourceValue value = Value(element, AttributeName::kStyle);
-        if (CheckStyleAttribute(value, isDrawn, reporter_)) {
+        if (CheckStyleAttribute(value, kind, reporter_)) {
             SVGLoom::ParseDeclarations(value.Text())
                 .ForEach([&](AttributeName property, std::string_view text) {
                     declared[static_cast<std::size_t>(property)] = text;
@@ -595,7 +598,8 @@ void Checker::CheckUnread(const Element& element)
         const UnreadName unread = LookUpElement(element.name);
         if (unread.loss == Loss::kUnknown) {
             reporter_.Report(Rule::kElementUnknown, element.offset, Shown(element.name));
-        } else if (unread.loss != Loss::kNothing) {
+        } else if (unread.loss != Loss::kNothing &&
+                   (unread.loss != Loss::kDefinition || IsReferred(element.Id()))) {
             reporter_.Report(
                 unread.loss == Loss::kElement ? Rule::kElementUnsupported : Rule::kElementIgnored,
                 element.offset, element.name, unread.advice);
@@ -613,11 +617,29 @@ void Checker::CheckUnread(const Element& element)
         }
         const SourceValue value = Value(element, name);
         if (name == AttributeName::kStyle) {
-            CheckStyleAttribute(value, /*isDrawn=*/false, reporter_);
+            CheckStyleAttribute(value, Block::kNotDrawn, reporter_);
         } else {
             CheckProperty(name, value.Text(), value, reporter_);
         }
     }
+}
+
+/// Whether an url() of the file leads to the id.
+bool Checker::IsReferred(std::string_view id)
+{
+    constexpr std::string_view kBegin = "url(#";
+    constexpr std::size_t kLongest = 256;  // so that the time stays linear
+    if (!referred_.has_value()) {
+        referred_.emplace();
+        const std::string_view text = source_.Original();
+        for (std::size_t at = text.find(kBegin); at != std::string_view::npos;
+             at = text.find(kBegin, at)) {
+            at += kBegin.size();
+            const std::string_view rest = text.substr(at, kLongest);
+            (*referred_)[rest.substr(0, rest.find_first_of(")\"'<>"))] = true;
+        }
+    }
+    return !id.empty() && referred_->Find(id) != nullptr;
 }
 
 void Checker::CheckId(const Element& element, std::string_view effect)
@@ -930,7 +952,7 @@ void Checker::CheckStops(const Element& element, CheckedGradient& gradient)
         }
         Element stop = Read(*child, scope);
         CheckNames(stop);
-        CheckStyles(stop, /*isDrawn=*/false);
+        CheckStyles(stop, Block::kNotDrawn);
         float offset = gradient.stops > 0 ? gradient.lastOffset : 0;
         if (stop.Known().Has(AttributeName::kOffset)) {
             const SourceValue value = Value(stop, AttributeName::kOffset);
@@ -976,7 +998,7 @@ void Checker::CheckClip(const Element& element)
             CheckLengths(shape);
             hasContent = CheckOutline(shape) != nullptr;
             if (hasContent) {
-                CheckStyles(shape, /*isDrawn=*/false);
+                CheckStyles(shape, Block::kNotDrawn);
                 CheckTransform(shape);
                 tellClipped(shape);
             }

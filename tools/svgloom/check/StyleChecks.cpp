@@ -133,10 +133,6 @@ bool CheckSelector(std::string_view text, const Locator& where, SheetClasses& cl
     return true;
 }
 
-enum class Block { kApplied, kNotDrawn, kUnmatched };
-
-/// Of a block that matches nothing, only what ends the reading is told.
-///
 /// @return false if an error ends the reading
 bool CheckDeclarations(std::string_view block, Block kind, const Locator& where, Reporter& reporter)
 {
@@ -160,6 +156,11 @@ bool CheckDeclarations(std::string_view block, Block kind, const Locator& where,
         }
         const AttributeName property = SVGLoom::FindAttribute(name);
         if (!SVGLoom::IsProperty(property)) {
+            const bool isSize =
+                property == AttributeName::kWidth || property == AttributeName::kHeight;
+            if (isSize && kind == Block::kRoot) {
+                return;
+            }
             CheckName(name, value, where, reporter);
             return;
         }
@@ -189,14 +190,14 @@ bool CheckDeclarations(std::string_view block, Block kind, const Locator& where,
 
 }  // namespace
 
-bool CheckStyleAttribute(const SourceValue& value, bool isDrawn, Reporter& reporter)
+bool CheckStyleAttribute(const SourceValue& value, Block kind, Reporter& reporter)
 {
     const std::string_view text = value.Text();
     const std::size_t comment = text.find(kOpenComment);
     if (comment != std::string_view::npos) {
         reporter.Report(Rule::kStyleComment, value.OffsetAt(comment));
     }
-    return CheckDeclarations(text, isDrawn ? Block::kApplied : Block::kNotDrawn, value, reporter);
+    return CheckDeclarations(text, kind, value, reporter);
 }
 
 bool CheckStyleSheet(const SourceValue& value, SheetClasses& classes, Reporter& reporter)

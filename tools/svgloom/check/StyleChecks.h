@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,10 +20,17 @@ struct SheetClasses {
     SVGLoom::NameMap<std::size_t> order;  // of their last rules
 };
 
-/// A `style` attribute. Whether what is never drawn by itself is hidden does not matter.
+enum class Block : std::uint8_t {
+    kApplied,
+    kRoot,       // of the root: its size there is that of a page
+    kNotDrawn,   // of what is never drawn by itself: whether it is hidden does not matter
+    kUnmatched,  // of what matches nothing: only what ends the reading is told
+};
+
+/// A `style` attribute.
 ///
 /// @return false if an error ends the reading
-bool CheckStyleAttribute(const SourceValue& value, bool isDrawn, Reporter& reporter);
+bool CheckStyleAttribute(const SourceValue& value, Block kind, Reporter& reporter);
 
 /// The text of a `style` element.
 ///

@@ -9,9 +9,10 @@
 namespace svgloom {
 
 enum class Loss : std::uint8_t {
-    kNothing,  // the picture is the same without it
-    kEffect,   // something else is drawn differently
-    kElement,  // it is never drawn
+    kNothing,     // the picture is the same without it
+    kEffect,      // something else is drawn differently
+    kDefinition,  // the same, where something refers to it
+    kElement,     // it is never drawn
     kUnknown,
 };
 

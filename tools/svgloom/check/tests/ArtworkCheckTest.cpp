@@ -59,7 +59,7 @@ constexpr CheckCase kFileCases[] = {
     {"<svg viewBox='0 0 0 1'/>", "1:15 negative-size"},
     {"<svg viewBox='0 0 1 -1'/>", "1:15 negative-size"},
     {"<svg width='0' height='0'/>", "1:1 viewbox-empty"},
-    {"<svg width='2' height='3' viewBox='0 0 4 6'/>", ""},
+    {"<svg width='2' height='3' viewBox='0 0 4 6' style='width:1em;height:1em;'/>", ""},
     {"<svg width='2' height='3' viewBox='0 0 6 4'/>", "1:13 size-ratio"},
     {"<svg viewBox='0 0 1 1' preserveAspectRatio='xMidYMid'/>", "1:45 preserve-aspect-ratio"},
     {"<svg viewBox='0 0 1 1' preserveAspectRatio='none'/>", "1:45 preserve-aspect-ratio"},
@@ -89,9 +89,11 @@ constexpr CheckCase kContentCases[] = {
     {"<text x='1'>a<tspan/></text>", "2:1 element-unsupported"},
     {"<svg/><image href='a.png'/><a><g/></a>",
      "2:1 element-unsupported; 2:7 element-unsupported; 2:28 element-unsupported"},
-    {"<filter id='a'/><mask/><pattern/><script/><animate/>",
-     "2:1 element-ignored; 2:17 element-ignored; 2:24 element-ignored; 2:34 element-ignored; "
-     "2:43 element-ignored"},
+    {"<script/><animate/>", "2:1 element-ignored; 2:10 element-ignored"},
+    // Definitions: where something refers to them.
+    {"<filter id='a'/><mask id='b'/><mask/><g mask='url(#b)'/>",
+     "2:17 element-ignored; 2:41 attribute-unread"},
+    {"<pattern id='a'/><path d='M0 0' fill='url(#a)'/>", "2:1 element-ignored; 2:39 paint-unknown"},
     {"<foo/><Rect/>", "2:1 element-unknown; 2:7 element-unknown"},
     {"<rect width='1' height='0'/>", "2:1 shape-empty"},
     {"<circle/><ellipse rx='1'/>", "2:1 shape-empty; 2:10 shape-empty"},
@@ -107,6 +109,8 @@ constexpr CheckCase kContentCases[] = {
     {"<g fill='&red;'/>", "2:10 entity; 2:10 color-invalid"},
     {"<g style='mix-blend-mode:multiply;transform:none;x:1;'/>",
      "2:11 property-unread; 2:35 property-unread; 2:50 property-unread"},
+    {"<g style='paint-order:markers fill stroke;max-width:1px;'/>", ""},
+    {"<g style='paint-order:stroke;'/>", "2:11 property-unread"},
     {"<g style='fil:red;'/>", "2:11 property-unknown"},
     {"<g style='--a:red;-inkscape-b:c;font-size:1;mask:none;'/>", "2:11 property-unread"},
     // Lengths.
