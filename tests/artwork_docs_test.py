@@ -36,7 +36,26 @@ def calls(content):
     return [line.get("op", line.get("error")) for line in lines]
 
 
+def findings(artwork):
+    """The ids of what "svgloom check" finds."""
+    run = subprocess.run(
+        Program(BIN[0], "svgloom").command("check", "--format", "json", "-"),
+        input=artwork.encode(),
+        capture_output=True,
+        check=False,
+    )
+    return [each["id"] for each in map(json.loads, run.stdout.splitlines()) if "id" in each]
+
+
 class Differences(unittest.TestCase):
+    def test_the_linter_knows_each(self):
+        for name, here, standard in artwork_pictures.pairs(TEXT):
+            with self.subTest(name):
+                # Only who draws it knows the shape of the output.
+                if name != "align":
+                    self.assertNotEqual(findings(here), [])
+                self.assertEqual(findings(standard), [])
+
     def test_each_pair_differs(self):
         names = []
         for name, here, standard in artwork_pictures.pairs(TEXT):
