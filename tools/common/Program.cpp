@@ -22,8 +22,12 @@ std::string Overview(const Program& program)
     std::string text = "usage: " + std::string(program.name) + " COMMAND ...\n";
     for (const Command& command : program.commands)
         text += "       " + UsageOf(program, command);
-    return text + "FILE \"-\" is standard input. " + std::string(program.name) +
-           " COMMAND --help tells more; -V, --version.\n";
+    return text + std::string(program.about) + "FILE \"-\" is standard input. " +
+           std::string(program.name) +
+           " COMMAND --help tells more; -V, --version.\n"
+           "Exit status: 0 done, 1 the input is bad or the output cannot be written, 2 the "
+           "command\n"
+           "line is wrong.\n";
 }
 
 int RunCommand(const Program& program, const Command& command, std::span<const std::string> words)

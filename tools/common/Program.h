@@ -24,6 +24,7 @@ struct Command {
 
 struct Program {
     std::string_view name;
+    std::string_view about;  // what it does, whole lines
     std::string_view version;
     std::span<const Command> commands;  // in the order of the help text
 };

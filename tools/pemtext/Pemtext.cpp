@@ -8,5 +8,7 @@
 
 int main(int argc, char** argv)
 {
-    return tools::RunProgram({"pemtext", KIV_VERSION, pemtext::Commands()}, argc, argv);
+    return tools::RunProgram({"pemtext", "Looks into dictionaries, converts and checks them.\n",
+                              KIV_VERSION, pemtext::Commands()},
+                             argc, argv);
 }

@@ -612,10 +612,10 @@ class Documentation(ToolTest):
 class CommandLine(ToolTest):
     def test_help_and_version(self):
         overview = self.expect(DONE, "--help").lines
-        for line in overview[:-1]:
-            command = line.removeprefix("usage:").split()[1]
-            if command != "COMMAND":
-                self.assertIn("pemtext " + command, self.expect(DONE, command, "--help").lines[0])
+        commands = [line.split()[1] for line in overview if line.startswith("       pemtext ")]
+        self.assertEqual(len(commands), 14)
+        for command in commands:
+            self.assertIn("pemtext " + command, self.expect(DONE, command, "--help").lines[0])
         self.assertRegex(self.expect(DONE, "-V").lines[0], r"^pemtext \d+\.\d+\.\d+$")
         self.assertEqual(self.expect(DONE, "--version").out, self.expect(DONE, "-V").out)
 
