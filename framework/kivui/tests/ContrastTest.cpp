@@ -1,10 +1,7 @@
-// The theme documents that we ship, as they are drawn: contrast by WCAG 2.2 (relative luminance) at
-// each of the 101 brightness values. Texts need 4.5 to 1; icons, frames, stars and other marks 3
-// to 1. Disabled controls are exempt, as in WCAG; hairlines only divide what is told apart without
-// them.
+// The theme documents that we ship, as they are drawn: contrast by WCAG 2.2 at each of the 101
+// brightness values. Texts need 4.5 to 1; icons, frames, stars and other marks 3 to 1. Disabled
+// controls are exempt, as in WCAG; hairlines only divide what is told apart without them.
 
-#include <algorithm>
-#include <cmath>
 #include <fstream>
 #include <map>
 #include <sstream>
@@ -14,6 +11,7 @@
 #include <kivcore/Xml.h>
 
 #include "framework/kivui/src/ThemeDocument.h"
+#include "framework/kivui/tests/Contrast.h"
 #include "framework/kivui/tests/RecordingPainter.h"
 
 namespace kivui::ui {
@@ -93,32 +91,6 @@ protected:
     }
 
 private:
-    static ColorRGBA Over(const ColorRGBA& tint, const ColorRGBA& ground)
-    {
-        const auto mix = [&](float above, float below) {
-            return above * tint.alpha + below * (1 - tint.alpha);
-        };
-        return {mix(tint.red, ground.red), mix(tint.green, ground.green),
-                mix(tint.blue, ground.blue), ground.alpha};
-    }
-    // Of the byte that is drawn.
-    static double Linear(float part)
-    {
-        const double value = std::round(double{part} * 255) / 255;
-        return value <= 0.04045 ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4);
-    }
-    static double Luminance(const ColorRGBA& color)
-    {
-        return 0.2126 * Linear(color.red) + 0.7152 * Linear(color.green) +
-               0.0722 * Linear(color.blue);
-    }
-    static double Contrast(const ColorRGBA& one, const ColorRGBA& other)
-    {
-        const double high = std::max(Luminance(one), Luminance(other));
-        const double low = std::min(Luminance(one), Luminance(other));
-        return (high + 0.05) / (low + 0.05);
-    }
-
     ThemeDocument document_;
     NameReader names_;
 };
