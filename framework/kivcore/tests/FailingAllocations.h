@@ -58,6 +58,7 @@ std::size_t WithEachAllocationFailing(const Work& work)
 
 }  // namespace kivcore::testing_support
 
+// The operators may not be inline. NOLINTBEGIN(misc-definitions-in-headers)
 void* operator new(std::size_t size)
 {
     return kivcore::testing_support::AllocateOrThrow(size);
@@ -97,3 +98,4 @@ void operator delete[](void* block, std::size_t) noexcept
 {
     kivcore::testing_support::Free(block);
 }
+// NOLINTEND(misc-definitions-in-headers)

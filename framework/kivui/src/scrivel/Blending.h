@@ -50,8 +50,9 @@ inline std::uint32_t ToPixel(double red, double green, double blue, double alpha
 {
     const auto clamp = [](double value) { return value > 0 ? (value < 1 ? value : 1.0) : 0.0; };
     const double opacity = clamp(alpha);
+    constexpr double kHalf = 0.5;
     const auto channel = [&](double value) {
-        return static_cast<std::uint32_t>(clamp(value) * opacity * 255 + 0.5);
+        return static_cast<std::uint32_t>(clamp(value) * opacity * 255 + kHalf);
     };
     return (channel(1) << 24) | (channel(red) << 16) | (channel(green) << 8) | channel(blue);
 }

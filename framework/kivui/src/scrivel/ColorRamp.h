@@ -24,7 +24,8 @@ public:
     std::uint32_t At(double t)
     {
         const double clamped = t > 0 ? (t < 1 ? t : 1.0) : 0.0;
-        const auto step = static_cast<std::size_t>(clamped * (kSteps - 1) + 0.5);
+        constexpr double kHalf = 0.5;
+        const auto step = static_cast<std::size_t>(clamped * (kSteps - 1) + kHalf);
         if (!known_[step]) {
             pixels_[step] = Compute(static_cast<double>(step) / (kSteps - 1));
             known_[step] = true;

@@ -488,7 +488,8 @@ TEST(PixelTarget, ObjectsMayOutliveTheTarget)
     auto target = CreatePixelTarget({&pixel, 1, 1, 1});
     const PathP path(target->Factory().CreatePath());
     target.reset();
-    const PathP other = path;  // two references
+    PathP other;
+    other = path;  // two references
     other->MoveTo(1, 2);
     EXPECT_TRUE(path);
     EXPECT_FALSE(PathP());
