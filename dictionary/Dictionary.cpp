@@ -4,6 +4,7 @@
 #include "dictionary/DictionaryReader.h"
 #include "dictionary/FullHash.h"
 #include "dictionary/ImageSource.h"
+#include "dictionary/KeyEnd.h"
 #include "dictionary/KeyHash.h"
 
 #include <algorithm>
@@ -44,10 +45,9 @@ bool Split(const char* key, SplitKey& result)
             return false;
         key += 3;
     }
-    const char* const equals = std::strchr(key, '=');
-    result.name = equals != nullptr ? std::string_view(key, static_cast<std::size_t>(equals - key))
-                                    : std::string_view(key);
-    result.defaultText = equals != nullptr ? equals + 1 : nullptr;
+    const char* const end = morvish_private::FindKeyEnd(key);
+    result.name = std::string_view(key, static_cast<std::size_t>(end - key));
+    result.defaultText = *end == '=' ? end + 1 : nullptr;
     return true;
 }
 

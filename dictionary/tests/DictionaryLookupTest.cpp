@@ -1,8 +1,11 @@
 #include "dictionary/Dictionary.h"
 #include "dictionary/DictionaryException.h"
+#include "dictionary/KeyEnd.h"
 #include "dictionary/tests/TestSupport.h"
 
+#include <algorithm>
 #include <memory>
+#include <string>
 
 #include <gtest/gtest.h>
 
@@ -97,6 +100,20 @@ TEST(DictionaryLookup, KeyEndsAtItsFirstNul)
     LoadText(dictionary, "/A=stored\n");
     EXPECT_EQ(Text(dictionary, "$$$/A\0=x"), u"stored");
     EXPECT_EQ(Text(dictionary, "$$$/B=one\0two"), u"one");
+}
+
+// At every place in a block of exactly its size.
+TEST(DictionaryLookup, KeyEndsAtItsFirstEqualsSignOrNul)
+{
+    for (std::size_t length = 0; length < 70; ++length) {
+        const std::string plain(length, 'k');
+        const std::string withDefault = plain + "=d=e";
+        for (const std::string& text : {plain, withDefault}) {
+            const auto block = std::make_unique<char[]>(text.size() + 1);
+            std::copy(text.begin(), text.end(), block.get());
+            EXPECT_EQ(morvish_private::FindKeyEnd(block.get()), block.get() + length);
+        }
+    }
 }
 
 TEST(DictionaryLookup, EmptyDictionaryGivesTheDefault)
