@@ -26,11 +26,23 @@ public:
         const char*& first = places_[static_cast<std::size_t>(note)];
         first = first == nullptr ? place : first;
     }
+    /// Of quadratic curves, the one that is furthest from its place is kept.
+    void AddQuadratic(const char* place, float distance)
+    {
+        if (distance > quadraticDistance_) {
+            quadraticDistance_ = distance;
+            places_[static_cast<std::size_t>(PathNote::kQuadratic)] = place;
+        }
+    }
+    /// About how far it is from where the standard draws it, in user units.
+    float QuadraticDistance() const { return quadraticDistance_; }
+
     /// Null if it did not happen.
     const char* PlaceOf(PathNote note) const { return places_[static_cast<std::size_t>(note)]; }
 
 private:
     std::array<const char*, 7> places_{};
+    float quadraticDistance_ = 0;
 };
 
 }  // namespace SVGLoom

@@ -252,8 +252,8 @@ private:
 
     Outcome QuadTo(const Point& control, const Point& to, const char* start)
     {
-        if (notes_ != nullptr && IsBent(control, to)) {
-            notes_->Add(PathNote::kQuadratic, start);
+        if (notes_ != nullptr) {
+            notes_->AddQuadratic(start, QuadraticDistance(control, to));
         }
         path_.QuadTo(control, to);
         quadControl_ = control;
@@ -281,11 +281,15 @@ private:
         }
     }
 
-    /// Whether a quadratic curve is no straight line.
-    bool IsBent(const Point& control, const Point& to) const
+    /// A quadratic curve is drawn up to a sixteenth of the height of its control point away from
+    /// where the standard has it.
+    float QuadraticDistance(const Point& control, const Point& to) const
     {
-        return (control.x - position_.x) * (to.y - position_.y) !=
-               (control.y - position_.y) * (to.x - position_.x);
+        constexpr float kPart = 1.0f / 16;
+        const Point a = {control.x - position_.x, control.y - position_.y};
+        const Point b = {to.x - position_.x, to.y - position_.y};
+        const float base = std::max(std::hypot(b.x, b.y), std::hypot(a.x, a.y));
+        return base > 0 ? kPart * std::abs(a.x * b.y - a.y * b.x) / base : 0;
     }
 
     /// Whether the rotation of an arc would show. Circles, as drawing programs round them, have

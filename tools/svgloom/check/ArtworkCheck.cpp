@@ -208,6 +208,8 @@ private:
     std::shared_ptr<CheckedPath> CheckPathData(const Element& element);
     void CheckOpacity(const Element& element, const Scope& scope, const CheckedPath& path);
     void CheckPoints(const Element& element);
+    /// Whether a distance in the units of an element is one of pixels where artwork is shown.
+    bool IsSeen(const Element& element, float distance) const;
     std::optional<Scope> CheckGroup(const Element& element, const Scope& scope,
                                     References::Index parent, bool isSymbol);
     void CheckUse(const Element& element, const Scope& scope);
@@ -714,7 +716,9 @@ std::shared_ptr<CheckedPath> Checker::CheckOutline(const Element& element)
     const std::shared_ptr<SVGLoom::Path> built =
         SVGLoom::BuildShape(element.name, element.Known(), viewBox_, renderer_);
     const auto path = std::static_pointer_cast<CheckedPath>(built);
-    if (path != nullptr && path->IsRounded()) {
+    // The corners are up to a twentieth of their radius away.
+    constexpr float kCornerPart = 1.0f / 20;
+    if (path != nullptr && IsSeen(element, kCornerPart * path->CornerRadius())) {
         reporter_.Report(Rule::kRoundedRect, element.offset);
     }
     if (path == nullptr && !(element.name.starts_with("poly") &&
@@ -758,12 +762,15 @@ std::shared_ptr<CheckedPath> Checker::CheckPathData(const Element& element)
     constexpr NoteRow kNotes[] = {{PathNote::kMoveBehindClose, Rule::kPathMove},
                                   {PathNote::kRotatedArc, Rule::kPathArcRotation},
                                   {PathNote::kNegativeArc, Rule::kPathNegativeArc},
-                                  {PathNote::kQuadratic, Rule::kPathQuadratic},
+
                                   {PathNote::kSmoothStart, Rule::kPathSmooth}};
     for (const NoteRow& row : kNotes) {
         if (const char* const place = notes.PlaceOf(row.note)) {
             reporter_.Report(row.rule, value.OffsetOf(place));
         }
+    }
+    if (IsSeen(element, notes.QuadraticDistance())) {
+        reporter_.Report(Rule::kPathQuadratic, value.OffsetOf(notes.PlaceOf(PathNote::kQuadratic)));
     }
     if (!path->IsFinite()) {
         reporter_.Report(Rule::kPathNotFinite, value.OffsetAt(0),
@@ -771,6 +778,14 @@ std::shared_ptr<CheckedPath> Checker::CheckPathData(const Element& element)
                          "where they begin");
     }
     return path;
+}
+
+bool Checker::IsSeen(const Element& element, float distance) const
+{
+    constexpr float kSeen = 1e-3f;  // of the whole
+    const kivui::scrivel::Matrix& matrix = element.matrix;
+    const float scale = std::sqrt(std::abs(matrix.a * matrix.d - matrix.b * matrix.c));
+    return distance * scale > kSeen * std::max(viewBox_.width, viewBox_.height);
 }
 
 void Checker::CheckPoints(const Element& element)

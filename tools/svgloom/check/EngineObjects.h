@@ -38,7 +38,8 @@ struct Box {
 class CheckedPath final : public SVGLoom::Path {
 public:
     bool IsFinite() const { return std::isfinite(sum_); }
-    bool IsRounded() const { return isRounded_; }
+    /// The smaller radius of a rectangle's corners, 0 for all else.
+    float CornerRadius() const { return cornerRadius_; }
     const Box& Covered() const { return box_; }
 
     void AddRect(float x, float y, float width, float height) override
@@ -46,10 +47,10 @@ public:
         Take(x, y);
         Take(x + width, y + height);
     }
-    void AddRoundedRect(float x, float y, float width, float height, float, float) override
+    void AddRoundedRect(float x, float y, float width, float height, float rx, float ry) override
     {
         AddRect(x, y, width, height);
-        isRounded_ = true;
+        cornerRadius_ = std::min(std::abs(rx), std::abs(ry));
     }
     void AddEllipse(float cx, float cy, float rx, float ry) override
     {
@@ -81,7 +82,7 @@ private:
 
     float sum_ = 0;
     Box box_;
-    bool isRounded_ = false;
+    float cornerRadius_ = 0;
 };
 
 /// A transform list twice: as the engine applies it, and as the standard has it.
