@@ -17,12 +17,14 @@ protected:
     // Draws on a white ground and gives the picture, a character a pixel: "#" black, "." white,
     // "+" between.
     template <class Function>
-    std::vector<std::string> Draw(int width, int height, Function draw)
+    std::vector<std::string> Draw(int width, int height, Function draw, double deviceScale = 1)
     {
         wxImage image(width, height);
         image.SetRGB(wxRect(0, 0, width, height), 255, 255, 255);
         {
             const std::unique_ptr<wxGraphicsContext> context(wxGraphicsContext::Create(image));
+            context->Scale(deviceScale, deviceScale);
+            context->SetContentScaleFactor(deviceScale);
             WxPainter painter(*context);
             draw(painter);
         }
@@ -91,6 +93,22 @@ TEST_F(WxPainterTest, PixelsGoToWholePixels)
                        p.DrawPixels(pixels, {1.4, 0.6});
                    }),
               (std::vector<std::string>{".....", ".##.."}));
+}
+
+TEST_F(WxPainterTest, PixelsAreThoseOfTheDevice)
+{
+    ui::Pixels pixels;
+    pixels.width = 3;
+    pixels.height = 1;
+    pixels.argb = {0xFF000000U, 0, 0xFF000000U};
+    EXPECT_EQ(Draw(
+                  6, 3,
+                  [&](WxPainter& p) {
+                      EXPECT_EQ(p.DeviceScale(), 2);
+                      p.DrawPixels(pixels, {1, 0.6});
+                  },
+                  /*deviceScale=*/2),
+              (std::vector<std::string>{"......", "..#.#.", "......"}));
 }
 
 TEST_F(WxPainterTest, LongTextEndsInAnEllipsis)
