@@ -154,10 +154,13 @@ void WxPainter::DrawPixels(const ui::Pixels& pixels, const ui::Point& at)
                              : std::min<std::uint32_t>(255, (part * 255 + opacity / 2) / opacity));
         }
     }
+    // In pixels of the device: the toolkit cuts sizes to whole ones on some systems.
     const double scale = DeviceScale();
-    context_.DrawBitmap(wxBitmap(image), std::floor(at.x * scale + 0.5) / scale,
-                        std::floor(at.y * scale + 0.5) / scale, pixels.width / scale,
-                        pixels.height / scale);
+    context_.PushState();
+    context_.Scale(1 / scale, 1 / scale);
+    context_.DrawBitmap(wxBitmap(image), std::floor(at.x * scale + 0.5),
+                        std::floor(at.y * scale + 0.5), pixels.width, pixels.height);
+    context_.PopState();
 }
 
 MeasuringPainter::MeasuringPainter()
