@@ -1,10 +1,12 @@
-// Segments on their way to a path, which gets many of them at once: one call for most paths.
+// Segments on their way to a path, which gets many of them at once: one call for most paths, so
+// that the path allocates what it needs and does not grow.
 
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
+#include <memory>
 
 #include "svgloom/renderer/SVGRenderer.h"
 
@@ -25,7 +27,8 @@ public:
     /// `path` has to stand as long as this object.
     PathBuffer(Path& path, Mode mode)
         : path_(path),
-          flushFrom_(mode == Mode::kPacked ? block_ + kBytes - PathSegments::kMaxBytes : block_)
+          mode_(mode),
+          fullFrom_(mode == Mode::kPacked ? usual_ + kUsualBytes - PathSegments::kMaxBytes : usual_)
     {
     }
     PathBuffer(const PathBuffer&) = delete;
@@ -51,14 +54,15 @@ public:
     void Flush()
     {
         if (at_ != block_) {
-            const std::size_t size = static_cast<std::size_t>(at_ - block_);
+            const auto size = static_cast<std::size_t>(at_ - block_);
             at_ = block_;
             path_.AddSegments({block_, size});
         }
     }
 
 private:
-    static constexpr std::size_t kBytes = 4096;
+    static constexpr std::size_t kUsualBytes = 4096;
+    static constexpr std::size_t kLargeBytes = std::size_t{64} * 1024;
 
     template <std::size_t count>
     void Append(PathSegments::Kind kind, const float (&coordinates)[count])
@@ -70,15 +74,31 @@ private:
     void MoveOn(std::size_t bytes)
     {
         at_ += bytes;
-        if (at_ > flushFrom_) {
+        if (at_ > fullFrom_) {
+            MakeRoom();
+        }
+    }
+    void MakeRoom()
+    {
+        if (mode_ == Mode::kPacked && large_ == nullptr) {
+            large_.reset(new std::uint8_t[kLargeBytes]);
+            const auto size = static_cast<std::size_t>(at_ - block_);
+            std::memcpy(large_.get(), block_, size);
+            block_ = large_.get();
+            at_ = block_ + size;
+            fullFrom_ = block_ + kLargeBytes - PathSegments::kMaxBytes;
+        } else {
             Flush();
         }
     }
 
     Path& path_;
-    std::uint8_t* const flushFrom_;  // behind this there may be no room for another segment
-    std::uint8_t* at_ = block_;
-    std::uint8_t block_[kBytes];
+    const Mode mode_;
+    std::uint8_t usual_[kUsualBytes];
+    std::unique_ptr<std::uint8_t[]> large_;
+    std::uint8_t* block_ = usual_;  // or large_
+    std::uint8_t* at_ = usual_;
+    std::uint8_t* fullFrom_;  // behind this there may be no room for another segment
 };
 
 }  // namespace SVGLoom

@@ -38,8 +38,9 @@ void ExpectCases(std::initializer_list<PathCase> cases)
 // More than is handed over to the path at once.
 TEST(ParsePath, ManySegments)
 {
+    constexpr int kTimes = 4000;
     std::string input = "M0 0";
-    for (int i = 0; i < 2000; ++i) {
+    for (int i = 0; i < kTimes; ++i) {
         const std::string number = std::to_string(i);
         input += "C1 2 3 4 5 " + number + "Q1 2 3 " + number + "A1 1 0 0 0 3 " + number + "Z";
     }
@@ -47,7 +48,7 @@ TEST(ParsePath, ManySegments)
     SVGStringParser::ParsePath(input, path);
     const std::string have = path.log.Written();
     for (const std::string_view piece :
-         {"C(1, 2, 3, 4, 5, 1999); Q(1, 2, 3, 1999); ", "C(1, 2, 3, 4, 5, 77); Q(1, 2, 3, 77); "}) {
+         {"C(1, 2, 3, 4, 5, 3999); Q(1, 2, 3, 3999); ", "C(1, 2, 3, 4, 5, 77); Q(1, 2, 3, 77); "}) {
         EXPECT_NE(have.find(piece), std::string::npos) << piece;
     }
     const auto count = [&have](std::string_view what) {
@@ -58,9 +59,9 @@ TEST(ParsePath, ManySegments)
         }
         return times;
     };
-    EXPECT_EQ(count("Q("), 2000);
-    EXPECT_EQ(count("Z("), 2000);
-    EXPECT_EQ(count("M("), 2000);  // each but the last close is followed by one
+    EXPECT_EQ(count("Q("), kTimes);
+    EXPECT_EQ(count("Z("), kTimes);
+    EXPECT_EQ(count("M("), kTimes);  // each but the last close is followed by one
 }
 
 TEST(ParsePath, EachCommand)
