@@ -153,36 +153,6 @@ class Metadata(PlatformsTest):
                 self.assertEqual(self.same("kivhost", "--auto", "ok", file)[1], b"confirmed\n")
                 self.same("kivhost", "--dump", file)
 
-    def test_drawn_artwork(self):
-        samples = sorted((HERE / "artwork").rglob("*.svg"))
-        icons = sorted((HERE.parent / "resources" / "artwork").rglob("*.svg"))
-        self.assertGreater(len(samples), 100)
-        files = [self.put(path, path.parent.name + "-" + path.name)
-                 for path in icons + samples[::9]]  # fmt: skip
-        for file in files[::4]:
-            with self.subTest(file):
-                self.same("svgloom", "calls", file, "--width", "33.3", "--height", "70")
-                self.same("svgloom", "tree", file)
-        out = pathlib.Path("out")
-        self.same("svgloom", "render", *files, "--out-dir", out, "-w", "48", "-z", "1.1",
-                  "--contact-sheet", pathlib.Path("sheet.png"), "--brightness", "0,50,100",
-                  "--scales", "1,1.5")  # fmt: skip
-        self.assert_same_file("sheet.png")
-        names = sorted(path.name for path in (self.folders[0] / out).iterdir())
-        self.assertGreater(len(names), len(files) // 2)
-        for name in names:
-            self.assert_same_file(out / name)
-        self.assertEqual(self.same("svgloom", "render", files[0], "-o", "-")[0], 0)
-
-    def test_values_of_artwork(self):
-        for command in (["names"], ["color", "rgb(1,2,3)"], ["path", "M0 0A5 3 30 1 0 9 .7z"],
-                        ["transform", "rotate(33.3) skewX(7) translate(1e-3)"], ["--help"],
-                        ["render", "--help"], ["--version"], ["path"], ["nonsense"],
-                        ["color", "über"], ["tree", pathlib.Path("missing.svg")],
-                        ["render", pathlib.Path("missing.svg"), "-o", "-"]):  # fmt: skip
-            with self.subTest(command):
-                self.same("svgloom", *command)
-
 
 TEXT = (
     '"$$$/Menu/File=Datei\u2026"\n"$$$/Count=^1 von ^2 #{copy} \U0001f600"\n"$$$/Tab=a\\tb^Qc^Q"\n'
@@ -236,6 +206,38 @@ PEMTEXT = [
         "dump", "lookup", "localize", "value", "compile", "export", "text", "check", "stats",
         "extract", "merge", "pseudo", "to-po", "from-po")),
 ]  # fmt: skip
+
+
+class Artwork(PlatformsTest):
+    def test_drawn_artwork(self):
+        samples = sorted((HERE / "artwork").rglob("*.svg"))
+        icons = sorted((HERE.parent / "resources" / "artwork").rglob("*.svg"))
+        self.assertGreater(len(samples), 100)
+        files = [self.put(path, path.parent.name + "-" + path.name)
+                 for path in icons + samples[::9]]  # fmt: skip
+        for file in files[::4]:
+            with self.subTest(file):
+                self.same("svgloom", "calls", file, "--width", "33.3", "--height", "70")
+                self.same("svgloom", "tree", file)
+        out = pathlib.Path("out")
+        self.same("svgloom", "render", *files, "--out-dir", out, "-w", "48", "-z", "1.1",
+                  "--contact-sheet", pathlib.Path("sheet.png"), "--brightness", "0,50,100",
+                  "--scales", "1,1.5")  # fmt: skip
+        self.assert_same_file("sheet.png")
+        names = sorted(path.name for path in (self.folders[0] / out).iterdir())
+        self.assertGreater(len(names), len(files) // 2)
+        for name in names:
+            self.assert_same_file(out / name)
+        self.assertEqual(self.same("svgloom", "render", files[0], "-o", "-")[0], 0)
+
+    def test_values_of_artwork(self):
+        for command in (["names"], ["color", "rgb(1,2,3)"], ["path", "M0 0A5 3 30 1 0 9 .7z"],
+                        ["transform", "rotate(33.3) skewX(7) translate(1e-3)"], ["--help"],
+                        ["render", "--help"], ["--version"], ["path"], ["nonsense"],
+                        ["color", "über"], ["tree", pathlib.Path("missing.svg")],
+                        ["render", pathlib.Path("missing.svg"), "-o", "-"]):  # fmt: skip
+            with self.subTest(command):
+                self.same("svgloom", *command)
 
 
 class Dictionaries(PlatformsTest):
