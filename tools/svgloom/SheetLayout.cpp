@@ -163,8 +163,8 @@ PixelArea SheetLayout::Slot(std::size_t band, std::size_t entry, std::size_t sca
     for (std::size_t i = 0; i < scale; ++i)
         x += slotWidths_[i] + kBetweenScales;
     const RenderSize& size = entries_[entry].sizes[scale];
-    return {x + (slotWidths_[scale] - size.pixelWidth) / 2, cell.y + slotHeight_ - size.pixelHeight,
-            size.pixelWidth, size.pixelHeight};
+    return {x + (slotWidths_[scale] - size.pixelWidth) / 2,
+            cell.y + (slotHeight_ - size.pixelHeight) / 2, size.pixelWidth, size.pixelHeight};
 }
 
 std::vector<SheetLayout::Line> SheetLayout::Label(std::size_t band, std::size_t entry) const

@@ -1,6 +1,6 @@
 // Where everything stands on a contact sheet. Bands lie one below the other and are alike: a
-// heading and a grid of cells. A cell holds one piece of artwork at each scale, side by side on one
-// line, and its label below.
+// heading and a grid of cells. A cell holds one piece of artwork at each scale, side by side with
+// their middles on one line, and its label below.
 
 #pragma once
 
