@@ -62,7 +62,7 @@ TEST(DictionaryHandles, Images)
     // Nothing ends the text in the image; a copy is ended.
     char16_t buffer[8] = u"-------";
     CopyString(*byKey, buffer, 8, OnTruncation::kThrow);
-    EXPECT_EQ(std::u16string_view(buffer, 8), std::u16string_view(u"5\u00B0\0----", 8));
+    EXPECT_EQ(std::u16string_view(buffer, 8), std::u16string_view(u"5\u00B0\0----\0", 8));
     ReleaseString(byKey);
     ReleaseString(byIndex);
 }
