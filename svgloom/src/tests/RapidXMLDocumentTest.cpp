@@ -260,5 +260,21 @@ TEST(XMLDocument, SlotOrder)
     EXPECT_EQ(Entry(&XMLNode::MoveToNextSibling), 8);
 }
 
+TEST(XMLNode, MoveToNextSibling)
+{
+    std::string text = "<a><b/>text<!-- --><c x='1'/></a>";
+    const RapidXMLDocument document(text.data());
+    const std::unique_ptr<XMLNode> root = document.GetFirstNode();
+    EXPECT_FALSE(root->MoveToNextSibling());
+    EXPECT_STREQ(root->GetName(), "a");
+    const std::unique_ptr<XMLNode> child = root->GetFirstChild();
+    EXPECT_STREQ(child->GetName(), "b");
+    EXPECT_TRUE(child->MoveToNextSibling());
+    EXPECT_STREQ(child->GetName(), "c");
+    EXPECT_STREQ(child->GetAttribute("x", nullptr).second, "1");
+    EXPECT_FALSE(child->MoveToNextSibling());
+    EXPECT_STREQ(child->GetName(), "c");
+}
+
 }  // namespace
 }  // namespace SVGLoom::xml
