@@ -80,11 +80,15 @@ std::vector<std::string> OutputsOf(const tools::Arguments& arguments)
                           " would both become " + picture);
         outputs.push_back(picture);
     }
-    std::error_code error;
-    std::filesystem::create_directories(ToPath(*folder), error);
-    if (error)
-        throw Failure(*folder + ": cannot be made: " + error.message());
     return outputs;
+}
+
+void MakeFolder(const std::string& name)
+{
+    std::error_code error;
+    std::filesystem::create_directories(ToPath(name), error);
+    if (error)
+        throw Failure(name + ": cannot be made: " + error.message());
 }
 
 class Rendering {
@@ -150,6 +154,8 @@ int RunRender(const tools::Arguments& arguments)
 {
     const std::vector<std::string> outputs = OutputsOf(arguments);
     Rendering rendering(arguments);
+    if (const std::optional<std::string> folder = arguments.Value("--out-dir"))
+        MakeFolder(*folder);
     int status = tools::kDone;
     {
         tools::Progress progress("svgloom", "files", outputs.size());

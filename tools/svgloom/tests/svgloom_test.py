@@ -448,6 +448,9 @@ class Render(ToolTest):
             self.assertIn("usage: svgloom render", self.expect(WRONG_USAGE, "render",
                                                                *arguments).error)
         self.assertFalse(self.out.exists())
+        # Nothing is made before the whole command line is known to be right.
+        self.expect(WRONG_USAGE, "render", self.icon, "--out-dir", self.folder / "d", "-b", "x")
+        self.assertFalse((self.folder / "d").exists())
 
 
 class ContactSheet(ToolTest):
