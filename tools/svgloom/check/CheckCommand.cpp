@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace svgloom {
@@ -50,7 +51,11 @@ void CheckFile(const std::string& file, const Ignored& ignored, tools::Findings&
     try {
         text = tools::ReadInput(file);
     } catch (const tools::Failure& failure) {
-        add(Rule::kFile, {}, MessageOf(Rule::kFile, failure.what(), {}));
+        // The line names the file already.
+        std::string_view what = failure.what();
+        const std::string prefix = name + ": ";
+        what.remove_prefix(what.starts_with(prefix) ? prefix.size() : 0);
+        add(Rule::kFile, {}, MessageOf(Rule::kFile, what, {}));
         return;
     }
     LinePlaces places(text);

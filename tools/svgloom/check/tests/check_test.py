@@ -22,7 +22,12 @@ TEXT = '"text" is never drawn: convert the text to paths'
 
 class Check(ToolTest):
     def check(self, status, *arguments, **options):
-        return self.expect(status, "check", *arguments, **options).lines
+        """Files are named as in the test's folder, so that lines read alike on all systems."""
+        return self.expect(status, "check", *arguments, folder=self.folder, **options).lines
+
+    def write(self, name, content):
+        super().write(name, content)
+        return name
 
     def test_clean(self):
         path = self.write("a.svg", CLEAN)
@@ -47,9 +52,9 @@ class Check(ToolTest):
         path = self.write("a.svg", FAILS)
         lines = [json.loads(line) for line in self.check(BAD, "--format=json", path)]
         self.assertEqual(lines, [
-            {"file": str(path), "line": 2, "column": 2, "severity": "error", "message": TEXT,
+            {"file": path, "line": 2, "column": 2, "severity": "error", "message": TEXT,
              "id": "element-unsupported"},
-            {"file": str(path), "line": 2, "column": 21, "severity": "warning",
+            {"file": path, "line": 2, "column": 21, "severity": "warning",
              "message": DISPLAY, "id": "display"},
             {"errors": 1, "warnings": 1}])
 
@@ -66,11 +71,10 @@ class Check(ToolTest):
     def test_several_files(self):
         first = self.write("1.svg", WARNS)
         last = self.write("3.svg", CLEAN)
-        missing = self.folder / "2.svg"
+        missing = "2.svg"
         lines = self.check(BAD, first, missing, last, first)
         self.assertEqual(lines[0], lines[2])
-        self.assertTrue(lines[1].startswith(f"{missing}:1:1: error: "), lines)
-        self.assertTrue(lines[1].endswith(" [file]"), lines)
+        self.assertRegex(lines[1], r"^2\.svg:1:1: error: cannot be .* \[file\]$")
         self.assertEqual(lines[3:], ["1 error, 2 warnings"])
 
     def test_standard_input(self):
