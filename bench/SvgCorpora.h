@@ -7,9 +7,9 @@
 
 #include <algorithm>
 #include <array>
-#include <chrono>
 #include <cstddef>
 #include <cstdlib>
+#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -58,12 +58,13 @@ inline RsvgDocument ParseWithRsvg(const std::string& text)
                                                   text.size(), nullptr));
 }
 
+/// On the processor: what other programs take does not count.
 template <class Work>
 double SecondsOf(const Work& work)
 {
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     work();
-    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
 inline double MedianOf(std::vector<double> values)
