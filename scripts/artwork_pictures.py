@@ -12,6 +12,7 @@ import pathlib
 import re
 import subprocess
 import sys
+import tempfile
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
 sys.path.insert(0, str(TOP / "tests"))
@@ -43,22 +44,32 @@ def pairs(text):
         yield section["name"], whole(section["here"]), whole(section["standard"].strip())
 
 
-def draw(folder, artwork):
-    """The PNG file."""
-    command = Program(folder, "svgloom").command(
-        "render", "-", "-o", "-", "--width", SIDE, "--height", SIDE, "--background", "white"
+def write_artwork(text, folder):
+    """NAME.svg and NAME-standard.svg for each difference; returns the names."""
+    names = []
+    for name, here, standard in pairs(text):
+        (folder / f"{name}.svg").write_text(here, encoding="utf-8")
+        (folder / f"{name}-standard.svg").write_text(standard, encoding="utf-8")
+        names.append(name)
+    return names
+
+
+def draw(bin_dir, folder, out):
+    """Draws all artwork of a folder into another one."""
+    command = Program(bin_dir, "svgloom").command(
+        "render", *sorted(folder.glob("*.svg")), "--out-dir", out,
+        "--width", SIDE, "--height", SIDE, "--background", "white"
     )
-    return subprocess.run(command, input=artwork.encode(), stdout=subprocess.PIPE, check=True).stdout
+    subprocess.run(command, check=True)
 
 
 def main(arguments):
     if len(arguments) not in (1, 2):
         sys.exit(__doc__)
     out = pathlib.Path(arguments[1]) if len(arguments) == 2 else PAGE.parent / "images" / "artwork"
-    out.mkdir(parents=True, exist_ok=True)
-    for name, here, standard in pairs(PAGE.read_text(encoding="utf-8")):
-        (out / f"{name}.png").write_bytes(draw(arguments[0], here))
-        (out / f"{name}-standard.png").write_bytes(draw(arguments[0], standard))
+    with tempfile.TemporaryDirectory() as folder:
+        write_artwork(PAGE.read_text(encoding="utf-8"), pathlib.Path(folder))
+        draw(arguments[0], pathlib.Path(folder), out)
 
 
 if __name__ == "__main__":
