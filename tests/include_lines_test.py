@@ -45,7 +45,7 @@ LAYERS = {
               "kivmetadataui", "framework/kivui/src/scrivel", "framework/kivxmp/tests"),
     "fuzz": ("dictionary", "svgloom", "framework/kivcore/src", "framework/kivui/src",
              "framework/kivxmp/src", "framework/kivmetadata/src", "kivcore", "kivui", "kivxmp",
-             "kivmetadata"),
+             "kivmetadata", "tools/svgloom/check"),
     "tests": ("include", "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
               "svgbridge", "svgloom", "tools/common", "tools/svgloom"),
 }
