@@ -4,7 +4,6 @@
 
 #include "dictionary/FastArray.h"
 
-#include "dictionary/FullHash.h"
 #include "dictionary/ImageSource.h"
 #include "dictionary/KeyHash.h"
 #include "dictionary/StoreTables.h"
@@ -29,13 +28,6 @@ void RequireRoom(std::uint64_t wantedCount)
 }
 
 }  // namespace
-
-std::uint32_t FastArray::Find(std::string_view key) const
-{
-    const auto* const found =
-        index_.Find(FullHash(key), [&](std::uint32_t candidate) { return Key(candidate) == key; });
-    return found != nullptr ? found->Get() : kNoIndex;
-}
 
 void FastArray::Insert(std::string_view key, std::u16string_view value)
 {

@@ -6,6 +6,7 @@
 #include "dictionary/ByteOrder.h"
 #include "dictionary/DictionaryString.h"
 #include "dictionary/FlatIndex.h"
+#include "dictionary/FullHash.h"
 #include "dictionary/TextArena.h"
 
 #include <cstddef>
@@ -37,7 +38,12 @@ public:
     std::uint32_t Count() const { return count_; }
 
     /// The number of the entry with this key, kNoIndex if there is none.
-    std::uint32_t Find(std::string_view key) const;
+    std::uint32_t Find(std::string_view key) const
+    {
+        const auto* const found = index_.Find(
+            FullHash(key), [&](std::uint32_t candidate) { return Key(candidate) == key; });
+        return found != nullptr ? found->Get() : kNoIndex;
+    }
 
     bool Exists(std::uint32_t index) const { return index < count_; }
 
