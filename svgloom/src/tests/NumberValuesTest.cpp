@@ -62,6 +62,8 @@ TEST(ParseLength, Cases)
         {"0%", "0"},
         {"-10%", "-20"},
         {"150%", "300"},
+        // Times the reference first: a hundredth would be rounded.
+        {"15%", "30"},
         // No units.
         {"3PX", "none"},
         {"3Px", "none"},
