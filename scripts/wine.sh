@@ -8,7 +8,8 @@
 # Each run finds a Windows installation (a "prefix") in the user's cache folder, made at the first
 # use. Programs without a display share one. With a display each run takes one that no other uses:
 # windows of one installation share the focus, and they live on one display. With --together all
-# programs that COMMAND starts share one, also at the same time. Where WINEPREFIX is set, that one is used.
+# programs that COMMAND starts share one, also at the same time. Where WINEPREFIX is set, that one is
+# used, and made if it is missing.
 #
 # Nothing is written into the home folder, and no dialog of Wine's own comes up. Linux paths can be
 # given as they are, or behind "Z:".
@@ -82,6 +83,16 @@ write_settings() {
     done
 }
 
+# ensure_prefix: the one that the caller named.
+ensure_prefix() {
+    [ ! -e "$WINEPREFIX/system.reg" ] || return 0
+    mkdir -p "$WINEPREFIX"
+    exec 8> "$WINEPREFIX.lock"
+    flock 8
+    [ -e "$WINEPREFIX/system.reg" ] || make_prefix "$WINEPREFIX" 8>&-
+    exec 8>&-
+}
+
 # make_base: the installation that all others are copies of.
 make_base() {
     [ ! -d "$root/base" ] || return 0
@@ -126,12 +137,12 @@ take_prefix() {
 
 end_prefix() { WINEPREFIX="$1" "$server" -k > /dev/null 2>&1 || true; }
 
-# run COMMAND...: without the lock's descriptor, which what Wine leaves running would keep.
+# run COMMAND...: without the descriptors of this script, which what Wine leaves running would keep.
 run() {
     local child status
     # A signal ends the command too, and what comes behind it is still done.
     trap 'kill -TERM "$child" 2> /dev/null' TERM INT HUP
-    "$@" 9>&- <&0 &
+    "$@" 7>&- 9>&- <&0 &
     child=$!
     status=0
     wait "$child" || status=$?
@@ -148,15 +159,10 @@ start_prefix() {
     "$wine" rundll32.exe user32.dll,GetDesktopWindow < /dev/null > /dev/null 2>&1 9>&- || true
 }
 
-# A program that does nothing keeps the installation up, so that each of many runs starts at once.
+# A program that waits for input keeps the installation up, so that each of many runs starts at once.
+# It ends with this script, and with the last program Wine does.
 keep_prefix_up() {
-    local pipe
-    pipe="$(mktemp -u "$root/pipe.XXXXXX")"
-    mkfifo "$pipe"
-    exec 7<> "$pipe"
-    rm "$pipe"
-    "$wine" cmd.exe <&7 > /dev/null 2>&1 7>&- 9>&- &
-    exec 7>&-
+    exec 7> >(exec "$wine" cmd.exe > /dev/null 2>&1 9>&-)
 }
 
 # run_together COMMAND...
@@ -178,7 +184,7 @@ run_alone() {
 
 case "${1-}" in
     "" | -h | --help)
-        sed -n '2,14s/^# \{0,1\}//p' "$0"
+        sed -n '2,15s/^# \{0,1\}//p' "$0"
         [ $# -gt 0 ] || exit 64
         exit 0
         ;;
@@ -196,24 +202,21 @@ case "${1-}" in
         ;;
     --together)
         shift
-        if [ -n "${WINEPREFIX-}" ]; then
-            exec "$@"
-        fi
-        make_base
         status=0
-        run_alone run_together "$@" || status=$?
+        if [ -n "${WINEPREFIX-}" ]; then
+            # Others may use it at the same time, so it is not ended here.
+            ensure_prefix
+            run_together "$@" || status=$?
+        else
+            make_base
+            run_alone run_together "$@" || status=$?
+        fi
         exit "$status"
         ;;
 esac
 
 if [ -n "${WINEPREFIX-}" ]; then
-    if [ ! -e "$WINEPREFIX/system.reg" ]; then
-        mkdir -p "$WINEPREFIX"
-        exec 8> "$WINEPREFIX.lock"
-        flock 8
-        [ -e "$WINEPREFIX/system.reg" ] || make_prefix "$WINEPREFIX" 8>&-
-        exec 8>&-
-    fi
+    ensure_prefix
     exec "$wine" "$@"
 fi
 make_base
