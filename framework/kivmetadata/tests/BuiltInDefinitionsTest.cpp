@@ -1,5 +1,5 @@
-// The built-in definitions against the standards: XMP Specification Part 1 (ISO 16684-1) and Part
-// 2, IPTC Photo Metadata Standard (Core), Exif metadata for XMP (CIPA DC-010).
+// The built-in definitions against the standards: XMP (ISO 16684-1, and the further properties that
+// are published with it), IPTC Photo Metadata Standard (Core), Exif metadata for XMP (CIPA DC-010).
 
 #include <algorithm>
 #include <iterator>

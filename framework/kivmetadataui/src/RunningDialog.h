@@ -1,4 +1,4 @@
-// One open dialog: the session that the toolkit module sees, over the provider's object.
+// One open dialog as the toolkit module sees it, over the provider's object.
 
 #pragma once
 
@@ -17,7 +17,7 @@
 
 namespace kivmetadataui {
 
-class RunningDialog : public DialogSession {
+class RunningDialog : public ShownDialog {
 public:
     /// Requires a provider with an object. Holds everything it is given, and the theme in force.
     RunningDialog(std::shared_ptr<kivmetadata::MetaDataProvider> provider,

@@ -1,4 +1,4 @@
-// What lies between this library and the private toolkit module: the module shows a session's model
+// What lies between this library and the private toolkit module: the module shows a dialog's model
 // in a window and runs its loop. Both are built together; the version guards against a stray file.
 
 #pragma once
@@ -64,9 +64,9 @@ public:
 /// One dialog, from the module's side: the model, the door for callbacks, the driver's script. It
 /// lives until RunDialog has returned, and so does the theme that was in force when it began: a
 /// host's last terminate from within a callback ends the framework's theme while windows are open.
-class KIVMETADATAUI_API DialogSession {
+class KIVMETADATAUI_API ShownDialog {
 public:
-    virtual ~DialogSession() = default;
+    virtual ~ShownDialog() = default;
 
     virtual DialogModel& Model() noexcept = 0;
 
@@ -100,8 +100,8 @@ public:
     /// Shows the dialog and returns when its window is gone. Requires Start(). `parent` may be
     /// null, and counts as null where there is no such window. Throws std::runtime_error where the
     /// window cannot be made.
-    virtual DialogResult RunDialog(DialogSession& session, HWND parent) = 0;
-    /// From within RunDialog, so from a callback: ends its loop as cancelled, soon. The session
+    virtual DialogResult RunDialog(ShownDialog& dialog, HWND parent) = 0;
+    /// From within RunDialog, so from a callback: ends its loop as cancelled, soon. The dialog
     /// stays valid until RunDialog has returned. Without a dialog nothing happens.
     virtual void CancelDialog() noexcept = 0;
     /// Ends what Start began; never while RunDialog runs. Without a start nothing happens.

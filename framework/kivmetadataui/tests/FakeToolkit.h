@@ -92,12 +92,12 @@ public:
             throw std::runtime_error(startFailure);
         }
     }
-    DialogResult RunDialog(DialogSession& session, HWND parent) override
+    DialogResult RunDialog(ShownDialog& dialog, HWND parent) override
     {
         log += "run\n";
         lastParent = parent;
         isCancelled = false;
-        const DialogResult result = onRun ? onRun(session) : DialogResult::kCancelled;
+        const DialogResult result = onRun ? onRun(dialog) : DialogResult::kCancelled;
         log += "ran\n";
         return result;
     }
@@ -108,7 +108,7 @@ public:
     }
     void Stop() noexcept override { log += "stop\n"; }
 
-    std::function<DialogResult(DialogSession&)> onRun;
+    std::function<DialogResult(ShownDialog&)> onRun;
     std::string startFailure;
     std::string log;
     bool isCancelled = false;

@@ -68,7 +68,7 @@ protected:
         kivcore::config::Terminate(nullptr);
     }
 
-    bool Show(std::function<DialogResult(DialogSession&)> onRun = {}, std::uint32_t flags = 0)
+    bool Show(std::function<DialogResult(ShownDialog&)> onRun = {}, std::uint32_t flags = 0)
     {
         toolkit_.onRun = std::move(onRun);
         MetadataDialogParameters parameters;
@@ -83,9 +83,9 @@ protected:
     std::shared_ptr<Provider> provider_;
 };
 
-TextField& CityOf(DialogSession& session)
+TextField& CityOf(ShownDialog& dialog)
 {
-    return static_cast<TextField&>(*session.Model().FindField("photoshop:City"));
+    return static_cast<TextField&>(*dialog.Model().FindField("photoshop:City"));
 }
 
 std::string Failure()
@@ -101,10 +101,10 @@ TEST_F(MetadataDialogTest, ModuleInfo)
 
 TEST_F(MetadataDialogTest, ConfirmWritesTheChanges)
 {
-    EXPECT_TRUE(Show([](DialogSession& session) {
-        EXPECT_EQ(session.Model().WindowTitle(), u"sea.jpg");
-        CityOf(session).SetText(u"Köln");
-        EXPECT_TRUE(session.Confirm());
+    EXPECT_TRUE(Show([](ShownDialog& dialog) {
+        EXPECT_EQ(dialog.Model().WindowTitle(), u"sea.jpg");
+        CityOf(dialog).SetText(u"Köln");
+        EXPECT_TRUE(dialog.Confirm());
         return DialogResult::kConfirmed;
     }));
     EXPECT_EQ(meta_->Find("photoshop:City")->Value(), "Köln");
@@ -117,8 +117,8 @@ TEST_F(MetadataDialogTest, ConfirmWritesTheChanges)
 TEST_F(MetadataDialogTest, CancelLeavesTheObjectUntouched)
 {
     kivcore::SetLastFailureText("from before");
-    EXPECT_FALSE(Show([](DialogSession& session) {
-        CityOf(session).SetText(u"Köln");
+    EXPECT_FALSE(Show([](ShownDialog& dialog) {
+        CityOf(dialog).SetText(u"Köln");
         return DialogResult::kCancelled;
     }));
     EXPECT_TRUE(IsUntouched());
@@ -129,10 +129,10 @@ TEST_F(MetadataDialogTest, CancelLeavesTheObjectUntouched)
 
 TEST_F(MetadataDialogTest, ConfirmWithoutChangesWritesNothing)
 {
-    EXPECT_TRUE(Show([](DialogSession& session) {
-        CityOf(session).SetText(u"Köln");
-        CityOf(session).SetText(u"Bonn");
-        EXPECT_TRUE(session.Confirm());
+    EXPECT_TRUE(Show([](ShownDialog& dialog) {
+        CityOf(dialog).SetText(u"Köln");
+        CityOf(dialog).SetText(u"Bonn");
+        EXPECT_TRUE(dialog.Confirm());
         return DialogResult::kConfirmed;
     }));
     EXPECT_TRUE(IsUntouched());
@@ -141,13 +141,13 @@ TEST_F(MetadataDialogTest, ConfirmWithoutChangesWritesNothing)
 
 TEST_F(MetadataDialogTest, AnErrorKeepsTheDialogOpen)
 {
-    EXPECT_FALSE(Show([](DialogSession& session) {
-        auto& date = static_cast<DateField&>(*session.Model().FindField("xmp:CreateDate"));
+    EXPECT_FALSE(Show([](ShownDialog& dialog) {
+        auto& date = static_cast<DateField&>(*dialog.Model().FindField("xmp:CreateDate"));
         date.SetText(u"2024-02-31");
-        EXPECT_FALSE(session.Confirm());
+        EXPECT_FALSE(dialog.Confirm());
         EXPECT_TRUE(date.HasError());
-        EXPECT_FALSE(session.Model().Message().empty());
-        EXPECT_EQ(session.Model().FirstError()->field, &date);
+        EXPECT_FALSE(dialog.Model().Message().empty());
+        EXPECT_EQ(dialog.Model().FirstError()->field, &date);
         return DialogResult::kCancelled;
     }));
     EXPECT_TRUE(IsUntouched());
@@ -156,11 +156,10 @@ TEST_F(MetadataDialogTest, AnErrorKeepsTheDialogOpen)
 TEST_F(MetadataDialogTest, ARefusedWriteKeepsTheDialogOpen)
 {
     provider_->refuses = true;
-    EXPECT_FALSE(Show([](DialogSession& session) {
-        CityOf(session).SetText(u"Köln");
-        EXPECT_FALSE(session.Confirm());
-        EXPECT_EQ(samples::Utf8(session.Model().Message()),
-                  "That did not work: the object refuses");
+    EXPECT_FALSE(Show([](ShownDialog& dialog) {
+        CityOf(dialog).SetText(u"Köln");
+        EXPECT_FALSE(dialog.Confirm());
+        EXPECT_EQ(samples::Utf8(dialog.Model().Message()), "That did not work: the object refuses");
         return DialogResult::kCancelled;
     }));
     EXPECT_TRUE(IsUntouched());
@@ -169,10 +168,10 @@ TEST_F(MetadataDialogTest, ARefusedWriteKeepsTheDialogOpen)
 
 TEST_F(MetadataDialogTest, ReadOnlyConfirmsNothing)
 {
-    const auto onRun = [](DialogSession& session) {
-        CityOf(session).SetText(u"Köln");
-        EXPECT_FALSE(session.Model().CanConfirm());
-        EXPECT_FALSE(session.Confirm());
+    const auto onRun = [](ShownDialog& dialog) {
+        CityOf(dialog).SetText(u"Köln");
+        EXPECT_FALSE(dialog.Model().CanConfirm());
+        EXPECT_FALSE(dialog.Confirm());
         return DialogResult::kCancelled;
     };
     EXPECT_FALSE(Show(onRun, kReadOnly));
@@ -183,13 +182,13 @@ TEST_F(MetadataDialogTest, ReadOnlyConfirmsNothing)
 
 TEST_F(MetadataDialogTest, PlainFlagReachesTheModel)
 {
-    Show([](DialogSession& session) {
-        EXPECT_TRUE(session.Model().FindView("all-properties").has_value());
+    Show([](ShownDialog& dialog) {
+        EXPECT_TRUE(dialog.Model().FindView("all-properties").has_value());
         return DialogResult::kCancelled;
     });
     Show(
-        [](DialogSession& session) {
-            EXPECT_FALSE(session.Model().FindView("all-properties").has_value());
+        [](ShownDialog& dialog) {
+            EXPECT_FALSE(dialog.Model().FindView("all-properties").has_value());
             return DialogResult::kCancelled;
         },
         kPlain);
@@ -212,13 +211,13 @@ TEST_F(MetadataDialogTest, RefusesWhatCannotBeShown)
 
 TEST_F(MetadataDialogTest, NestedCallsAreRefused)
 {
-    EXPECT_TRUE(Show([this](DialogSession& session) {
+    EXPECT_TRUE(Show([this](ShownDialog& dialog) {
         const FakeToolkit* const toolkit = &toolkit_;
         const std::string logBefore = toolkit->log;
         EXPECT_FALSE(DoMetadataDialog(provider_, nullptr, {}));
         EXPECT_EQ(Failure(), "A metadata dialog is open already.");
         EXPECT_EQ(toolkit->log, logBefore);
-        EXPECT_TRUE(session.Confirm());
+        EXPECT_TRUE(dialog.Confirm());
         return DialogResult::kConfirmed;
     }));
     EXPECT_EQ(Failure(), "");
@@ -240,8 +239,7 @@ TEST_F(MetadataDialogTest, AToolkitThatDoesNotStart)
 
 TEST_F(MetadataDialogTest, AWindowThatCannotBeMade)
 {
-    EXPECT_FALSE(
-        Show([](DialogSession&) -> DialogResult { throw std::runtime_error("no window"); }));
+    EXPECT_FALSE(Show([](ShownDialog&) -> DialogResult { throw std::runtime_error("no window"); }));
     EXPECT_EQ(Failure(), "no window");
     EXPECT_FALSE(Show());
     EXPECT_EQ(Failure(), "") << "the next dialog is not held up";
@@ -276,14 +274,14 @@ TEST_F(MetadataDialogTest, TerminateFromWithinCancels)
 {
     std::weak_ptr<Provider> held = provider_;
     MetadataDialogParameters parameters;
-    toolkit_.onRun = [this, &held](DialogSession& session) {
-        CityOf(session).SetText(u"Köln");
-        session.Run([] { Terminate(); });
+    toolkit_.onRun = [this, &held](ShownDialog& dialog) {
+        CityOf(dialog).SetText(u"Köln");
+        dialog.Run([] { Terminate(); });
         EXPECT_FALSE(IsInitialized());
         EXPECT_TRUE(toolkit_.isCancelled);
         EXPECT_EQ(toolkit_.log, "start\nrun\ncancel\n") << "it is stopped once the loop is left";
-        EXPECT_FALSE(session.Confirm()) << "too late";
-        EXPECT_FALSE(session.Model().Views().empty());
+        EXPECT_FALSE(dialog.Confirm()) << "too late";
+        EXPECT_FALSE(dialog.Model().Views().empty());
         EXPECT_FALSE(held.expired());
         return DialogResult::kCancelled;
     };
@@ -296,14 +294,14 @@ TEST_F(MetadataDialogTest, TerminateFromWithinCancels)
 
 TEST_F(MetadataDialogTest, TerminateAndInitializeFromWithin)
 {
-    EXPECT_FALSE(Show([this](DialogSession&) {
+    EXPECT_FALSE(Show([this](ShownDialog&) {
         Terminate();
         Initialize();
         EXPECT_FALSE(DoMetadataDialog(provider_, nullptr, {})) << "the old one is still open";
         return DialogResult::kCancelled;
     }));
-    EXPECT_TRUE(Show([](DialogSession& session) {
-        EXPECT_TRUE(session.Confirm());
+    EXPECT_TRUE(Show([](ShownDialog& dialog) {
+        EXPECT_TRUE(dialog.Confirm());
         return DialogResult::kConfirmed;
     }));
     EXPECT_EQ(toolkit_.log, "start\nrun\ncancel\nran\nstop\nstart\nrun\nran\n");
@@ -313,9 +311,9 @@ TEST_F(MetadataDialogTest, TerminateAndInitializeFromWithin)
 TEST_F(MetadataDialogTest, TerminateWhileTheChangesAreWritten)
 {
     provider_->onWritten = [] { Terminate(); };
-    EXPECT_TRUE(Show([](DialogSession& session) {
-        CityOf(session).SetText(u"Köln");
-        EXPECT_TRUE(session.Confirm());
+    EXPECT_TRUE(Show([](ShownDialog& dialog) {
+        CityOf(dialog).SetText(u"Köln");
+        EXPECT_TRUE(dialog.Confirm());
         return DialogResult::kConfirmed;
     }));
     EXPECT_EQ(meta_->Find("photoshop:City")->Value(), "Köln");
@@ -323,9 +321,9 @@ TEST_F(MetadataDialogTest, TerminateWhileTheChangesAreWritten)
 
 TEST_F(MetadataDialogTest, TerminateForgetsTheChangesAndDefinitions)
 {
-    Show([](DialogSession& session) {
-        CityOf(session).SetText(u"Köln");
-        session.Confirm();
+    Show([](ShownDialog& dialog) {
+        CityOf(dialog).SetText(u"Köln");
+        dialog.Confirm();
         return DialogResult::kConfirmed;
     });
     EXPECT_FALSE(DialogDriver::LastChanges().empty());
@@ -351,9 +349,9 @@ TEST_F(MetadataDialogTest, CallbacksRunUnderTheErrorManager)
 {
     const auto manager = std::make_shared<CountingErrorManager>();
     kivcore::config::SetErrorManager(manager);
-    EXPECT_FALSE(Show([&manager](DialogSession& session) {
+    EXPECT_FALSE(Show([&manager](ShownDialog& dialog) {
         const int before = manager->count;
-        EXPECT_TRUE(session.Run([] {}));
+        EXPECT_TRUE(dialog.Run([] {}));
         EXPECT_EQ(manager->count, before + 1);
         return DialogResult::kCancelled;
     }));
@@ -362,16 +360,16 @@ TEST_F(MetadataDialogTest, CallbacksRunUnderTheErrorManager)
 
 TEST_F(MetadataDialogTest, AFailingCallbackLeavesTheDialogOpenWithAMessage)
 {
-    EXPECT_TRUE(Show([](DialogSession& session) {
-        EXPECT_FALSE(session.Run([] { throw std::runtime_error("broken"); }));
-        EXPECT_EQ(samples::Utf8(session.Model().Message()), "That did not work: broken");
-        EXPECT_FALSE(session.Run([] { throw XMP_Error(kKivXmpBadValue, "bad value"); }));
-        EXPECT_EQ(samples::Utf8(session.Model().Message()), "That did not work: bad value");
-        EXPECT_FALSE(session.Run([] { throw 5; }));
-        EXPECT_EQ(samples::Utf8(session.Model().Message()),
+    EXPECT_TRUE(Show([](ShownDialog& dialog) {
+        EXPECT_FALSE(dialog.Run([] { throw std::runtime_error("broken"); }));
+        EXPECT_EQ(samples::Utf8(dialog.Model().Message()), "That did not work: broken");
+        EXPECT_FALSE(dialog.Run([] { throw XMP_Error(kKivXmpBadValue, "bad value"); }));
+        EXPECT_EQ(samples::Utf8(dialog.Model().Message()), "That did not work: bad value");
+        EXPECT_FALSE(dialog.Run([] { throw 5; }));
+        EXPECT_EQ(samples::Utf8(dialog.Model().Message()),
                   "That did not work: the reason is not known");
-        CityOf(session).SetText(u"Köln");
-        EXPECT_TRUE(session.Confirm());
+        CityOf(dialog).SetText(u"Köln");
+        EXPECT_TRUE(dialog.Confirm());
         return DialogResult::kConfirmed;
     }));
     EXPECT_EQ(Failure(), "");
@@ -384,12 +382,12 @@ TEST_F(MetadataDialogTest, AFailingObserverIsContained)
         void FieldChanged(Field&) override { throw std::runtime_error("field"); }
         void ModelChanged() override { throw std::runtime_error("model"); }
     };
-    Show([](DialogSession& session) {
+    Show([](ShownDialog& dialog) {
         Failing observer;
-        session.Model().SetObserver(&observer);
-        EXPECT_FALSE(session.Run([&session] { CityOf(session).SetText(u"Köln"); }));
-        EXPECT_FALSE(session.Model().Message().empty());
-        session.Model().SetObserver(nullptr);
+        dialog.Model().SetObserver(&observer);
+        EXPECT_FALSE(dialog.Run([&dialog] { CityOf(dialog).SetText(u"Köln"); }));
+        EXPECT_FALSE(dialog.Model().Message().empty());
+        dialog.Model().SetObserver(nullptr);
         return DialogResult::kCancelled;
     });
 }
@@ -397,20 +395,20 @@ TEST_F(MetadataDialogTest, AFailingObserverIsContained)
 // ---- scripts ----
 
 /// A loop as the module has it: a step for each painted frame.
-std::function<DialogResult(DialogSession&)> Loop(std::string& log)
+std::function<DialogResult(ShownDialog&)> Loop(std::string& log)
 {
-    return [&log](DialogSession& session) {
-        FakeSurface surface(session.Model(), log);
+    return [&log](ShownDialog& dialog) {
+        FakeSurface surface(dialog.Model(), log);
         std::optional<DialogResult> result;
         surface.onPress = [&](DialogButton button) {
             if (button == DialogButton::kCancel) {
                 result = DialogResult::kCancelled;
-            } else if (session.Confirm()) {
+            } else if (dialog.Confirm()) {
                 result = DialogResult::kConfirmed;
             }
         };
         while (!result) {
-            if (!session.RunScriptStep(surface) && !result) {
+            if (!dialog.RunScriptStep(surface) && !result) {
                 result = DialogResult::kCancelled;
             }
         }
@@ -425,8 +423,8 @@ TEST_F(MetadataDialogTest, AScriptConfirms)
     EXPECT_TRUE(Show(Loop(log)));
     EXPECT_EQ(meta_->Find("photoshop:City")->Value(), "Köln");
     // It is used up.
-    EXPECT_FALSE(Show([](DialogSession& session) {
-        EXPECT_FALSE(session.HasScript());
+    EXPECT_FALSE(Show([](ShownDialog& dialog) {
+        EXPECT_FALSE(dialog.HasScript());
         return DialogResult::kCancelled;
     }));
 }
@@ -471,8 +469,8 @@ TEST_F(MetadataDialogTest, UnregisteredScriptsAreForgotten)
 {
     DialogDriver::Register(DialogDriver().PressOk());
     DialogDriver::Unregister();
-    Show([](DialogSession& session) {
-        EXPECT_FALSE(session.HasScript());
+    Show([](ShownDialog& dialog) {
+        EXPECT_FALSE(dialog.HasScript());
         return DialogResult::kCancelled;
     });
 }

@@ -44,7 +44,7 @@ std::string_view IconOf(const DialogView& view)
     return view.HasErrors() ? ui::icons::kError : ViewIcon(view.icon);
 }
 
-std::unique_ptr<Look> NewLook(kivmetadataui::DialogSession& session)
+std::unique_ptr<Look> NewLook(kivmetadataui::ShownDialog& dialog)
 {
     const ScreenScale screen = ScaleOfScreen();
     const ui::UI_NodeManager* manager = ui::UI_NodeManager::Get(/*mayBeNull=*/true);
@@ -52,7 +52,7 @@ std::unique_ptr<Look> NewLook(kivmetadataui::DialogSession& session)
                              ? manager->DrawingScale(static_cast<float>(screen.wanted))
                              : std::clamp(screen.wanted, 0.5, 4.0);
     const bool mirrored = kivcore::Locale::IsRightToLeft(kivcore::Locale::ApplicationLanguage());
-    return std::make_unique<Look>(session, scale / screen.toolkit, mirrored);
+    return std::make_unique<Look>(dialog, scale / screen.toolkit, mirrored);
 }
 
 bool IsDark(const ui::Theme& theme)
@@ -63,8 +63,8 @@ bool IsDark(const ui::Theme& theme)
 
 }  // namespace
 
-DialogWindow::DialogWindow(kivmetadataui::DialogSession& session, HWND host)
-    : session_(session), model_(session.Model()), look_(NewLook(session))
+DialogWindow::DialogWindow(kivmetadataui::ShownDialog& dialog, HWND host)
+    : dialog_(dialog), model_(dialog.Model()), look_(NewLook(dialog))
 {
     RegisterArtwork();
     const bool isDark = IsDark(look_->Theme());
@@ -375,7 +375,7 @@ void DialogWindow::Confirm()
     }
     pages_->FinishTyping();
     model_.EndEdits();
-    if (session_.Confirm()) {
+    if (dialog_.Confirm()) {
         EndWith(wxID_OK);
         return;
     }
@@ -447,7 +447,7 @@ DialogResult DialogWindow::RunModal()
 
 void DialogWindow::BeginScript()
 {
-    if (!std::exchange(hasScriptBegun_, true) && session_.HasScript()) {
+    if (!std::exchange(hasScriptBegun_, true) && dialog_.HasScript()) {
         WaitForScript();
     }
 }
@@ -459,7 +459,7 @@ void DialogWindow::WaitForScript()
         bool goesOn = false;
         look_->Run([&] {
             DriverSurface surface(*this);
-            goesOn = session_.RunScriptStep(surface);
+            goesOn = dialog_.RunScriptStep(surface);
         });
         if (isClosing_) {
             return;

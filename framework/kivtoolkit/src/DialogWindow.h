@@ -25,12 +25,12 @@ class DialogWindow : public wxDialog,
                      private wxEventFilter {
 public:
     /// `host` may be null, and counts as null where there is no such window.
-    DialogWindow(kivmetadataui::DialogSession& session, HWND host);
+    DialogWindow(kivmetadataui::ShownDialog& dialog, HWND host);
     ~DialogWindow() override;
 
     /// Shows the window and returns when it is closed.
     kivmetadataui::DialogResult RunModal();
-    /// Lets go of session and model; the object is not to be deleted. For a lost display, whose
+    /// Lets go of dialog and model; the object is not to be deleted. For a lost display, whose
     /// windows cannot be taken down.
     void Abandon();
     /// Closes the window as cancelled as soon as the loop turns.
@@ -75,7 +75,7 @@ private:
     void BeginScript();
     void WaitForScript();
 
-    kivmetadataui::DialogSession& session_;
+    kivmetadataui::ShownDialog& dialog_;
     kivmetadataui::DialogModel& model_;
     std::unique_ptr<Look> look_;
     std::unique_ptr<DarkSide> darkSide_;

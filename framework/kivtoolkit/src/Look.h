@@ -21,9 +21,9 @@ namespace kivtoolkit {
 class Look {
 public:
     /// `scale` in the toolkit's pixels per design unit. Takes the theme in force, which stands as
-    /// long as the session.
-    Look(kivmetadataui::DialogSession& session, double scale, bool mirrored)
-        : session_(&session), theme_(kivui::ui::Theme::Get()), scale_(scale), mirrored_(mirrored)
+    /// long as the dialog.
+    Look(kivmetadataui::ShownDialog& dialog, double scale, bool mirrored)
+        : dialog_(&dialog), theme_(kivui::ui::Theme::Get()), scale_(scale), mirrored_(mirrored)
     {
     }
     Look(const Look&) = delete;
@@ -32,7 +32,7 @@ public:
     double Scale() const noexcept { return scale_; }
     bool IsMirrored() const noexcept { return mirrored_; }
     const kivui::ui::Theme& Theme() const noexcept { return theme_; }
-    kivmetadataui::DialogModel& Model() noexcept { return session_->Model(); }
+    kivmetadataui::DialogModel& Model() noexcept { return dialog_->Model(); }
 
     /// Design units as whole pixels.
     int Px(double units) const;
@@ -50,19 +50,19 @@ public:
     /// Runs a callback so that nothing passes the toolkit's frames.
     void Contain(const std::function<void()>& callback) noexcept
     {
-        if (session_ != nullptr) {
-            session_->Run(callback);
+        if (dialog_ != nullptr) {
+            dialog_->Run(callback);
         }
     }
     /// The same for one that may change something: what it left to be done follows at once.
     void Run(const std::function<void()>& callback) noexcept;
-    /// Nothing runs any more: the session goes, and windows that cannot be taken down stay.
-    void Detach() noexcept { session_ = nullptr; }
+    /// Nothing runs any more: the dialog goes, and windows that cannot be taken down stay.
+    void Detach() noexcept { dialog_ = nullptr; }
     /// Runs behind every callback, contained like it.
     void SetAfterCallback(std::function<void()> after) { after_ = std::move(after); }
 
 private:
-    kivmetadataui::DialogSession* session_;
+    kivmetadataui::ShownDialog* dialog_;
     const kivui::ui::Theme& theme_;
     double scale_;
     bool mirrored_;

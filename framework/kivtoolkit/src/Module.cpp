@@ -29,12 +29,11 @@ class Module : public kivmetadataui::ToolkitModule {
 public:
     void Start() override { life_.Start(); }
 
-    kivmetadataui::DialogResult RunDialog(kivmetadataui::DialogSession& session,
-                                          HWND parent) override
+    kivmetadataui::DialogResult RunDialog(kivmetadataui::ShownDialog& dialog, HWND parent) override
     {
         const std::shared_ptr<void> display = RequireDisplay();  // it may have gone meanwhile
         const GuestGuard guard;
-        auto window = std::make_unique<DialogWindow>(session, parent);
+        auto window = std::make_unique<DialogWindow>(dialog, parent);
         running = window.get();
         SetEndingHandler([] {
             if (running != nullptr) {

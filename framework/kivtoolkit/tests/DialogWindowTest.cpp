@@ -4,7 +4,7 @@
 
 #include "framework/kivtoolkit/src/Accessible.h"
 #include "framework/kivtoolkit/src/Texts.h"
-#include "framework/kivtoolkit/tests/ScriptedSession.h"
+#include "framework/kivtoolkit/tests/ScriptedDialog.h"
 
 #include <wx/app.h>
 #include <wx/display.h>
@@ -50,14 +50,14 @@ class DialogWindowTest : public ToolkitTest {};
 
 TEST_F(DialogWindowTest, OkConfirmsAndCancelCancels)
 {
-    ScriptedSession ok("");
+    ScriptedDialog ok("");
     ok.Then([](auto&, DialogSurface& surface) { surface.PressButton(DialogButton::kOk); });
     EXPECT_EQ(ok.Show(), DialogResult::kConfirmed);
-    ScriptedSession cancel("");
+    ScriptedDialog cancel("");
     cancel.Then([](auto&, DialogSurface& surface) { surface.PressButton(DialogButton::kCancel); });
     EXPECT_EQ(cancel.Show(), DialogResult::kCancelled);
     // A script that ends without a press.
-    EXPECT_EQ(ScriptedSession("").Show(), DialogResult::kCancelled);
+    EXPECT_EQ(ScriptedDialog("").Show(), DialogResult::kCancelled);
 }
 
 struct KeyCase {
@@ -76,56 +76,56 @@ TEST_F(DialogWindowTest, KeysThatClose)
     };
     for (const KeyCase& row : cases) {
         SCOPED_TRACE(row.name);
-        ScriptedSession session("");
+        ScriptedDialog dialog("");
         bool isOpenAfterwards = false;
-        session.Then([&](auto&, DialogSurface& surface) { surface.PressKey(row.press); });
-        session.Then([&](auto&, auto&) { isOpenAfterwards = true; });
-        EXPECT_EQ(session.Show(), row.want);
+        dialog.Then([&](auto&, DialogSurface& surface) { surface.PressKey(row.press); });
+        dialog.Then([&](auto&, auto&) { isOpenAfterwards = true; });
+        EXPECT_EQ(dialog.Show(), row.want);
         EXPECT_EQ(isOpenAfterwards, std::string(row.name) == "Enter");
     }
 }
 
 TEST_F(DialogWindowTest, ARefusedConfirmLeavesItOpenAndShowsTheError)
 {
-    ScriptedSession session("");
-    session
-        .Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("");
+    dialog
+        .Then([](ScriptedDialog& s, DialogSurface& surface) {
             surface.TypeInto(s.FieldAt("t:date"), {}, u"2024-02-31");
             surface.ChooseView(1);
         })
         .Then([](auto&, DialogSurface& surface) { surface.PressButton(DialogButton::kOk); })
-        .Then([](ScriptedSession& s, DialogSurface& surface) {
+        .Then([](ScriptedDialog& s, DialogSurface& surface) {
             EXPECT_EQ(s.Model().CurrentView(), 0U) << "the view with the error is opened";
             EXPECT_EQ(FocusName(), "date");
             EXPECT_FALSE(s.Model().Message().empty());
             surface.TypeInto(s.FieldAt("t:date"), {}, u"2024-02-28");
             surface.PressButton(DialogButton::kOk);
         });
-    EXPECT_EQ(session.Show(), DialogResult::kConfirmed);
-    EXPECT_EQ(session.Content("t:date"), "2024-02-28");
+    EXPECT_EQ(dialog.Show(), DialogResult::kConfirmed);
+    EXPECT_EQ(dialog.Content("t:date"), "2024-02-28");
 }
 
 TEST_F(DialogWindowTest, AFailingCallbackLeavesItOpenWithAMessage)
 {
-    ScriptedSession session("");
+    ScriptedDialog dialog("");
     bool isOpenAfterwards = false;
-    session.Then([](auto&, auto&) {
-        ScriptedSession::Window().GetLook().Run([] { throw std::runtime_error("it broke"); });
+    dialog.Then([](auto&, auto&) {
+        ScriptedDialog::Window().GetLook().Run([] { throw std::runtime_error("it broke"); });
     });
-    session.Then([&](ScriptedSession& s, auto&) {
+    dialog.Then([&](ScriptedDialog& s, auto&) {
         isOpenAfterwards = true;
         EXPECT_EQ(s.Model().Message(), u"it broke");
     });
-    session.Show();
+    dialog.Show();
     EXPECT_TRUE(isOpenAfterwards);
-    EXPECT_EQ(session.failures, std::vector<std::string>{"it broke"});
+    EXPECT_EQ(dialog.failures, std::vector<std::string>{"it broke"});
 }
 
 TEST_F(DialogWindowTest, ViewsByKeys)
 {
-    ScriptedSession session("");
-    session
-        .Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("");
+    dialog
+        .Then([](ScriptedDialog& s, DialogSurface& surface) {
             EXPECT_EQ(s.Model().CurrentView(), 0U);
             surface.PressKey(Control(U'2'));
             EXPECT_EQ(s.Model().CurrentView(), 1U);
@@ -138,23 +138,23 @@ TEST_F(DialogWindowTest, ViewsByKeys)
             surface.PressKey(Control(U'9'));
             EXPECT_EQ(s.Model().CurrentView(), 2U) << "there is no ninth view";
         })
-        .Then([](ScriptedSession& s, DialogSurface& surface) {
-            ScriptedSession::Window().Side().List().SetFocus();
+        .Then([](ScriptedDialog& s, DialogSurface& surface) {
+            ScriptedDialog::Window().Side().List().SetFocus();
             surface.PressKey(Key(DriverKey::kHome));
             EXPECT_EQ(s.Model().CurrentView(), 0U);
             surface.PressKey(Key(DriverKey::kDown));
             EXPECT_EQ(s.Model().CurrentView(), 1U);
             EXPECT_EQ(FocusName(), "Views") << "arrows stay in the list";
         });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty());
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 TEST_F(DialogWindowTest, TabGoesThroughEverythingInReadingOrderAndAround)
 {
-    ScriptedSession session("<t:fixed>F</t:fixed>");
+    ScriptedDialog dialog("<t:fixed>F</t:fixed>");
     std::vector<std::string> names;
-    session.Then([&](auto&, DialogSurface& surface) {
+    dialog.Then([&](auto&, DialogSurface& surface) {
         surface.PressKey(Control(U'f'));
         for (int i = 0; i < 19; ++i) {
             names.push_back(FocusName());
@@ -164,7 +164,7 @@ TEST_F(DialogWindowTest, TabGoesThroughEverythingInReadingOrderAndAround)
         surface.PressKey(Key(DriverKey::kTab, false, true));
         EXPECT_EQ(FocusName(), names.back()) << "and back";
     });
-    session.Show();
+    dialog.Show();
     std::vector<std::string> want = {"Search", "Views",
                                      "text",   "long",
                                      "alt",    "Language: Default",
@@ -182,32 +182,32 @@ TEST_F(DialogWindowTest, TabGoesThroughEverythingInReadingOrderAndAround)
 
 TEST_F(DialogWindowTest, SearchFindsAndEscClearsBeforeItCancels)
 {
-    ScriptedSession session("");
-    session
+    ScriptedDialog dialog("");
+    dialog
         .Then([](auto&, DialogSurface& surface) {
             surface.PressKey(Control(U'f'));
             surface.TypeText(u"other");
         })
-        .Then([](ScriptedSession& s, DialogSurface& surface) {
-            EXPECT_TRUE(ScriptedSession::Window().Pages().IsSearchShown());
+        .Then([](ScriptedDialog& s, DialogSurface& surface) {
+            EXPECT_TRUE(ScriptedDialog::Window().Pages().IsSearchShown());
             // Enter goes to what was found, which can be edited there.
             surface.PressKey(Key(DriverKey::kEnter));
             EXPECT_EQ(FocusName(), "other");
             surface.TypeText(u"x");
             EXPECT_EQ(s.Content("t:other"), "x");
             surface.PressKey(Key(DriverKey::kEscape));
-            EXPECT_FALSE(ScriptedSession::Window().Pages().IsSearchShown());
+            EXPECT_FALSE(ScriptedDialog::Window().Pages().IsSearchShown());
             surface.PressKey(Key(DriverKey::kEscape));
         })
         .Then([](auto&, auto&) { FAIL() << "the second Esc cancels"; });
-    EXPECT_EQ(session.Show(), DialogResult::kCancelled);
+    EXPECT_EQ(dialog.Show(), DialogResult::kCancelled);
 }
 
 TEST_F(DialogWindowTest, EscClosesAPopupFirst)
 {
-    ScriptedSession session("");
+    ScriptedDialog dialog("");
     bool isOpenAfterwards = false;
-    session
+    dialog
         .Then([](auto&, DialogSurface& surface) {
             surface.PressKey(Control(U'f'));
             for (int i = 0; i < 10; ++i) {
@@ -215,20 +215,20 @@ TEST_F(DialogWindowTest, EscClosesAPopupFirst)
             }
             EXPECT_EQ(FocusName(), "closed");
             surface.PressKey(Key(DriverKey::kDown));
-            EXPECT_NE(ScriptedSession::Window().Popup(), nullptr);
+            EXPECT_NE(ScriptedDialog::Window().Popup(), nullptr);
             surface.PressKey(Key(DriverKey::kEscape));
-            EXPECT_EQ(ScriptedSession::Window().Popup(), nullptr);
+            EXPECT_EQ(ScriptedDialog::Window().Popup(), nullptr);
         })
         .Then([&](auto&, auto&) { isOpenAfterwards = true; });
-    session.Show();
+    dialog.Show();
     EXPECT_TRUE(isOpenAfterwards);
-    EXPECT_TRUE(session.failures.empty());
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 TEST_F(DialogWindowTest, UndoAndRedo)
 {
-    ScriptedSession session("<t:text>old</t:text>");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("<t:text>old</t:text>");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         surface.TypeInto(s.FieldAt("t:text"), {}, u"new");
         EXPECT_EQ(s.Content("t:text"), "new");
         surface.PressKey(Control(U'z'));
@@ -243,50 +243,50 @@ TEST_F(DialogWindowTest, UndoAndRedo)
         surface.TypeText(u"er");
         EXPECT_EQ(s.Content("t:text"), "newer");
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty());
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 TEST_F(DialogWindowTest, TitleAndSummaryFollowTheChanges)
 {
-    ScriptedSession session("");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
-        DialogWindow& window = ScriptedSession::Window();
+    ScriptedDialog dialog("");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
+        DialogWindow& window = ScriptedDialog::Window();
         EXPECT_EQ(window.GetTitle(), "sea.jpg");
         surface.TypeInto(s.FieldAt("t:text"), {}, u"x");
         EXPECT_EQ(window.GetTitle(), ToWx(s.Model().WindowTitle()));
         EXPECT_NE(window.GetTitle(), "sea.jpg");
         EXPECT_EQ(AccessibleNameOf(window.Bar()), s.Model().SummaryText());
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty());
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 TEST_F(DialogWindowTest, FirstFocusIsTheFirstEmptyField)
 {
-    ScriptedSession session("<t:text>x</t:text>");
-    session.Then([](auto&, auto&) { EXPECT_EQ(FocusName(), "long"); });
-    session.Show();
+    ScriptedDialog dialog("<t:text>x</t:text>");
+    dialog.Then([](auto&, auto&) { EXPECT_EQ(FocusName(), "long"); });
+    dialog.Show();
 }
 
 TEST_F(DialogWindowTest, ReadOnlyHasNoOk)
 {
     kivmetadataui::DialogOptions options;
     options.isReadOnly = true;
-    ScriptedSession session("<t:text>x</t:text>", options);
+    ScriptedDialog dialog("<t:text>x</t:text>", options);
     bool isOpenAfterwards = false;
-    session
+    dialog
         .Then([](auto&, DialogSurface& surface) {
             EXPECT_THROW(surface.PressButton(DialogButton::kOk), std::runtime_error);
             surface.PressKey(Key(DriverKey::kEnter, true));
         })
-        .Then([&](ScriptedSession& s, DialogSurface& surface) {
+        .Then([&](ScriptedDialog& s, DialogSurface& surface) {
             isOpenAfterwards = true;
             EXPECT_THROW(surface.TypeInto(s.FieldAt("t:text"), {}, u"y"), std::runtime_error);
         });
-    EXPECT_EQ(session.Show(), DialogResult::kCancelled);
+    EXPECT_EQ(dialog.Show(), DialogResult::kCancelled);
     EXPECT_TRUE(isOpenAfterwards);
-    EXPECT_EQ(session.Content("t:text"), "x");
+    EXPECT_EQ(dialog.Content("t:text"), "x");
 }
 
 TEST_F(DialogWindowTest, PlaceIsRememberedAndFitsTheScreen)
@@ -297,9 +297,9 @@ TEST_F(DialogWindowTest, PlaceIsRememberedAndFitsTheScreen)
     options.clientName = u"host";
     wxSize client;
     wxPoint corner;
-    ScriptedSession first("", options);
+    ScriptedDialog first("", options);
     first.Then([&](auto&, auto&) {
-        DialogWindow& window = ScriptedSession::Window();
+        DialogWindow& window = ScriptedDialog::Window();
         client = window.GetClientSize();
         EXPECT_EQ(client, wxSize(880, 640));
         window.SetClientSize(700, 500);
@@ -307,25 +307,25 @@ TEST_F(DialogWindowTest, PlaceIsRememberedAndFitsTheScreen)
     });
     first.Then([&](auto&, auto&) {});
     first.Then([&](auto&, auto&) {
-        client = ScriptedSession::Window().GetClientSize();
-        corner = ScriptedSession::Window().GetPosition();
+        client = ScriptedDialog::Window().GetClientSize();
+        corner = ScriptedDialog::Window().GetPosition();
     });
     first.Show();
     EXPECT_EQ(client, wxSize(700, 500));
-    ScriptedSession second("", options);
+    ScriptedDialog second("", options);
     second.Then([&](auto&, auto&) {});
     second.Then([&](auto&, auto&) {
-        EXPECT_EQ(ScriptedSession::Window().GetClientSize(), client);
-        EXPECT_EQ(ScriptedSession::Window().GetPosition(), corner);
+        EXPECT_EQ(ScriptedDialog::Window().GetClientSize(), client);
+        EXPECT_EQ(ScriptedDialog::Window().GetPosition(), corner);
     });
     second.Show();
 
     // Larger than the screen, and on one that is gone.
-    ScriptedSession distant("", options);
+    ScriptedDialog distant("", options);
     distant.Model().RememberPlace({100000, -5000, 9000, 9000, false});
     distant.Then([&](auto&, auto&) {
         const wxRect area = wxDisplay(0U).GetClientArea();
-        const wxRect window = ScriptedSession::Window().GetRect();
+        const wxRect window = ScriptedDialog::Window().GetRect();
         EXPECT_TRUE(area.Contains(window))
             << window.x << " " << window.y << " " << window.width << " " << window.height;
     });
@@ -334,14 +334,14 @@ TEST_F(DialogWindowTest, PlaceIsRememberedAndFitsTheScreen)
 
 TEST_F(DialogWindowTest, CancelFromOutsideEndsTheLoop)
 {
-    ScriptedSession session("");
-    session.Then(
+    ScriptedDialog dialog("");
+    dialog.Then(
         [](auto&, auto&) { KivToolkitOpen(kivmetadataui::kToolkitVersion)->CancelDialog(); });
     for (int i = 0; i < 5; ++i) {
-        session.Then([](auto&, auto&) {});
+        dialog.Then([](auto&, auto&) {});
     }
-    session.Then([](auto&, auto&) { FAIL() << "it should be closed"; });
-    EXPECT_EQ(session.Show(), DialogResult::kCancelled);
+    dialog.Then([](auto&, auto&) { FAIL() << "it should be closed"; });
+    EXPECT_EQ(dialog.Show(), DialogResult::kCancelled);
 }
 
 TEST_F(DialogWindowTest, EveryScaleAndBrightnessOpens)
@@ -350,15 +350,15 @@ TEST_F(DialogWindowTest, EveryScaleAndBrightnessOpens)
         SCOPED_TRACE(scale);
         SetScale(scale);
         SetBrightness(scale / 4);
-        ScriptedSession session("");
+        ScriptedDialog dialog("");
         bool wasOpen = false;
-        session.Then([&](auto&, auto&) {
+        dialog.Then([&](auto&, auto&) {
             wasOpen = true;
-            EXPECT_EQ(ScriptedSession::Window().GetLook().Scale(), scale);
+            EXPECT_EQ(ScriptedDialog::Window().GetLook().Scale(), scale);
             const wxRect area = wxDisplay(0U).GetClientArea();
-            EXPECT_TRUE(area.Contains(ScriptedSession::Window().GetRect()));
+            EXPECT_TRUE(area.Contains(ScriptedDialog::Window().GetRect()));
         });
-        session.Show();
+        dialog.Show();
         EXPECT_TRUE(wasOpen);
     }
 }
@@ -366,28 +366,28 @@ TEST_F(DialogWindowTest, EveryScaleAndBrightnessOpens)
 TEST_F(DialogWindowTest, MirroredForRightToLeft)
 {
     kivcore::Locale::Initialize(u"ar_EG", {});
-    ScriptedSession session("");
-    session.Then([](auto&, auto&) {
-        DialogWindow& window = ScriptedSession::Window();
+    ScriptedDialog dialog("");
+    dialog.Then([](auto&, auto&) {
+        DialogWindow& window = ScriptedDialog::Window();
         EXPECT_GT(window.Side().GetPosition().x, window.Pages().Current()->GetPosition().x);
         EXPECT_EQ(window.Bar().Ok().GetPosition().x < window.Bar().Cancel().GetPosition().x,
                   ConfirmingButtonStandsLast());
     });
-    session.Show();
+    dialog.Show();
     kivcore::Locale::Reset();
-    EXPECT_TRUE(session.failures.empty());
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 TEST_F(DialogWindowTest, ManyRounds)
 {
     for (int round = 0; round < 15; ++round) {
-        ScriptedSession session("");
-        session.Then([&](ScriptedSession& s, DialogSurface& surface) {
+        ScriptedDialog dialog("");
+        dialog.Then([&](ScriptedDialog& s, DialogSurface& surface) {
             surface.TypeInto(s.FieldAt("t:text"), {}, u"x");
             surface.ChooseView(1);
         });
-        session.Then([](auto&, DialogSurface& surface) { surface.PressButton(DialogButton::kOk); });
-        ASSERT_EQ(session.Show(), DialogResult::kConfirmed);
+        dialog.Then([](auto&, DialogSurface& surface) { surface.PressButton(DialogButton::kOk); });
+        ASSERT_EQ(dialog.Show(), DialogResult::kConfirmed);
         if (round % 5 == 4) {
             KivToolkitOpen(kivmetadataui::kToolkitVersion)->Stop();
             EXPECT_EQ(wxAppConsole::GetInstance(), nullptr);

@@ -3,7 +3,7 @@
 #include "framework/kivtoolkit/src/FieldView.h"
 
 #include "framework/kivtoolkit/src/ListFieldView.h"
-#include "framework/kivtoolkit/tests/ScriptedSession.h"
+#include "framework/kivtoolkit/tests/ScriptedDialog.h"
 
 namespace kivtoolkit::tests {
 namespace {
@@ -47,22 +47,22 @@ TEST_F(FieldViewTest, Typing)
 {
     for (const TypeCase& row : kTypeCases) {
         SCOPED_TRACE(row.want);
-        ScriptedSession session("<t:text>before</t:text>");
-        session.Then([&](ScriptedSession& s, DialogSurface& surface) {
+        ScriptedDialog dialog("<t:text>before</t:text>");
+        dialog.Then([&](ScriptedDialog& s, DialogSurface& surface) {
             surface.TypeInto(s.FieldAt(row.path), {}, row.typed);
         });
-        session.Show();
-        EXPECT_EQ(session.Content(row.path), row.want);
-        EXPECT_TRUE(session.failures.empty());
+        dialog.Show();
+        EXPECT_EQ(dialog.Content(row.path), row.want);
+        EXPECT_TRUE(dialog.failures.empty());
     }
 }
 
 TEST_F(FieldViewTest, Languages)
 {
-    ScriptedSession session(
+    ScriptedDialog dialog(
         "<t:alt><rdf:Alt><rdf:li xml:lang='x-default'>Sea</rdf:li>"
         "<rdf:li xml:lang='en'>Sea</rdf:li></rdf:Alt></t:alt>");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         surface.TypeInto(s.FieldAt("t:alt"), {FieldPart::Kind::kLanguage, "de", 0}, u"Meer");
         EXPECT_EQ(s.Content("t:alt"), "x-default=Sea|en=Sea|de=Meer");
         surface.TypeInto(s.FieldAt("t:alt"), {FieldPart::Kind::kLanguage, "en", 0}, u"Ocean");
@@ -73,16 +73,16 @@ TEST_F(FieldViewTest, Languages)
                                       {FieldPart::Kind::kLanguage, "not a tag", 0}, u"x"),
                      std::runtime_error);
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty()) << session.failures.front();
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty()) << dialog.failures.front();
 }
 
 TEST_F(FieldViewTest, ListByTyping)
 {
-    ScriptedSession session(
+    ScriptedDialog dialog(
         "<t:order><rdf:Seq><rdf:li>a</rdf:li><rdf:li>b</rdf:li><rdf:li>c</rdf:li></rdf:Seq>"
         "</t:order>");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         kivmetadataui::Field& order = s.FieldAt("t:order");
         surface.TypeInto(order, {FieldPart::Kind::kNewItem, {}, 0}, u"d");
         EXPECT_EQ(s.Content("t:order"), "a|b|c|d");
@@ -96,16 +96,16 @@ TEST_F(FieldViewTest, ListByTyping)
                      std::runtime_error);
         EXPECT_THROW(surface.RemoveItem(order, 2), std::runtime_error);
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty()) << session.failures.front();
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty()) << dialog.failures.front();
 }
 
 TEST_F(FieldViewTest, ListByKeys)
 {
-    ScriptedSession session(
+    ScriptedDialog dialog(
         "<t:order><rdf:Seq><rdf:li>a</rdf:li><rdf:li>b</rdf:li><rdf:li>c</rdf:li></rdf:Seq>"
         "</t:order>");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         surface.TypeInto(s.FieldAt("t:order"), {FieldPart::Kind::kNewItem, {}, 0}, u"d");
         // Backspace in the empty entry goes to the last chip, the next one removes it.
         surface.PressKey(Key(DriverKey::kBackspace));
@@ -124,24 +124,24 @@ TEST_F(FieldViewTest, ListByKeys)
         EXPECT_EQ(s.Content("t:order"), "b|a|c");
     });
     bool isOpenAfterwards = false;
-    session.Then([&](auto&, auto&) { isOpenAfterwards = true; });
-    session.Show();
+    dialog.Then([&](auto&, auto&) { isOpenAfterwards = true; });
+    dialog.Show();
     EXPECT_TRUE(isOpenAfterwards);
-    EXPECT_TRUE(session.failures.empty()) << session.failures.front();
+    EXPECT_TRUE(dialog.failures.empty()) << dialog.failures.front();
 }
 
 TEST_F(FieldViewTest, WhatIsBeingTypedIsHandedOver)
 {
-    ScriptedSession session("");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         surface.TypeInto(s.FieldAt("t:list"), {FieldPart::Kind::kNewItem, {}, 0}, u"first");
         surface.TypeText(u"second");
         DriverKeyPress confirm = Key(DriverKey::kEnter);
         confirm.control = true;
         surface.PressKey(confirm);
     });
-    EXPECT_EQ(session.Show(), kivmetadataui::DialogResult::kConfirmed);
-    EXPECT_EQ(session.Content("t:list"), "first|second");
+    EXPECT_EQ(dialog.Show(), kivmetadataui::DialogResult::kConfirmed);
+    EXPECT_EQ(dialog.Content("t:list"), "first|second");
 }
 
 TEST_F(FieldViewTest, LongListsFoldAndUnfold)
@@ -150,26 +150,26 @@ TEST_F(FieldViewTest, LongListsFoldAndUnfold)
     for (int i = 0; i < 200; ++i) {
         items += "<rdf:li>keyword " + std::to_string(i) + "</rdf:li>";
     }
-    ScriptedSession session("<t:list><rdf:Bag>" + items + "</rdf:Bag></t:list>");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
-        FieldView* view = ScriptedSession::Window().Pages().Reveal(s.FieldAt("t:list"));
+    ScriptedDialog dialog("<t:list><rdf:Bag>" + items + "</rdf:Bag></t:list>");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
+        FieldView* view = ScriptedDialog::Window().Pages().Reveal(s.FieldAt("t:list"));
         ASSERT_NE(view, nullptr);
         const int folded = view->Area().height;
         EXPECT_LT(folded, 180);
         // A chip that is folded away is unfolded to be removed.
         surface.RemoveItem(s.FieldAt("t:list"), 150);
         EXPECT_GT(view->Area().height, folded);
-        EXPECT_LT(ScriptedSession::Window().Pages().Current()->GetChildren().size(), 250U);
+        EXPECT_LT(ScriptedDialog::Window().Pages().Current()->GetChildren().size(), 250U);
         EXPECT_EQ(static_cast<kivmetadataui::ListField&>(s.FieldAt("t:list")).Count(), 199U);
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty()) << session.failures.front();
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty()) << dialog.failures.front();
 }
 
 TEST_F(FieldViewTest, Choices)
 {
-    ScriptedSession session("");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         for (const char* path : {"t:closed", "t:open"}) {
             SCOPED_TRACE(path);
             surface.Choose(s.FieldAt(path), 2);
@@ -181,14 +181,14 @@ TEST_F(FieldViewTest, Choices)
         }
         EXPECT_THROW(surface.TypeInto(s.FieldAt("t:closed"), {}, u"Low"), std::runtime_error);
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty()) << session.failures.front();
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty()) << dialog.failures.front();
 }
 
 TEST_F(FieldViewTest, RatingAndYesNo)
 {
-    ScriptedSession session("<t:rating>2</t:rating>");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("<t:rating>2</t:rating>");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         for (const std::size_t stars : {5U, 1U, 1U, 3U}) {
             surface.Choose(s.FieldAt("t:rating"), stars);
             EXPECT_EQ(s.Content("t:rating"), std::to_string(stars));
@@ -206,16 +206,16 @@ TEST_F(FieldViewTest, RatingAndYesNo)
         surface.Choose(s.FieldAt("t:flag"), std::nullopt);
         EXPECT_EQ(s.Content("t:flag"), "");
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty()) << session.failures.front();
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty()) << dialog.failures.front();
 }
 
 TEST_F(FieldViewTest, LongTextGrowsToItsLimit)
 {
-    ScriptedSession session("");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         kivmetadataui::Field& field = s.FieldAt("t:long");
-        FieldView* view = ScriptedSession::Window().Pages().Reveal(field);
+        FieldView* view = ScriptedDialog::Window().Pages().Reveal(field);
         ASSERT_NE(view, nullptr);
         const int three = view->Area().height;
         surface.TypeInto(field, {}, u"1\n2\n3");
@@ -229,29 +229,29 @@ TEST_F(FieldViewTest, LongTextGrowsToItsLimit)
         surface.TypeInto(field, {}, u"1\n2\n3\n4\n5\n6\n7\n8\n9\n10");
         EXPECT_EQ(view->Area().height, eight);
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty()) << session.failures.front();
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty()) << dialog.failures.front();
 }
 
 TEST_F(FieldViewTest, AClickElsewhereClosesAPopup)
 {
-    ScriptedSession session("");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         surface.Choose(s.FieldAt("t:closed"), 1);
         surface.PressKey(Key(DriverKey::kDown));
-        ASSERT_NE(ScriptedSession::Window().Popup(), nullptr);
+        ASSERT_NE(ScriptedDialog::Window().Popup(), nullptr);
         surface.ChooseView(1);
-        EXPECT_EQ(ScriptedSession::Window().Popup(), nullptr);
+        EXPECT_EQ(ScriptedDialog::Window().Popup(), nullptr);
         EXPECT_EQ(s.Content("t:closed"), "5");
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty());
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 TEST_F(FieldViewTest, ChoicesByLetter)
 {
-    ScriptedSession session("");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         surface.Choose(s.FieldAt("t:closed"), 0);
         surface.PressKey(Key(DriverKey::kSpace));
         surface.TypeText(u"l");
@@ -262,14 +262,14 @@ TEST_F(FieldViewTest, ChoicesByLetter)
         surface.PressKey(Key(DriverKey::kEnter));
         EXPECT_EQ(s.Content("t:closed"), "") << "the first entry empties the field";
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty());
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 TEST_F(FieldViewTest, TypingLeavesWhatIsTypedAloneUntilTheEditEnds)
 {
-    ScriptedSession session("");
-    session.Then([](ScriptedSession& s, DialogSurface& surface) {
+    ScriptedDialog dialog("");
+    dialog.Then([](ScriptedDialog& s, DialogSurface& surface) {
         kivmetadataui::Field& date = s.FieldAt("t:date");
         surface.TypeInto(date, {}, u"2024-05-17T14");
         surface.TypeText(u":30");
@@ -280,8 +280,8 @@ TEST_F(FieldViewTest, TypingLeavesWhatIsTypedAloneUntilTheEditEnds)
         surface.TypeText(u":05");
         EXPECT_EQ(s.Content("t:date"), "2024-05-17 14:30:05") << "the tidy text is shown";
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty());
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 TEST_F(FieldViewTest, OnlyWhatIsInSightHasWindows)
@@ -290,10 +290,10 @@ TEST_F(FieldViewTest, OnlyWhatIsInSightHasWindows)
     for (int i = 0; i < 3000; ++i) {
         all += "<t:p" + std::to_string(i) + ">v</t:p" + std::to_string(i) + ">";
     }
-    ScriptedSession session(all);
-    session.Then([](auto&, DialogSurface& surface) { surface.ChooseView(2); });
-    session.Then([](auto&, auto&) {
-        Page& page = *ScriptedSession::Window().Pages().Current();
+    ScriptedDialog dialog(all);
+    dialog.Then([](auto&, DialogSurface& surface) { surface.ChooseView(2); });
+    dialog.Then([](auto&, auto&) {
+        Page& page = *ScriptedDialog::Window().Pages().Current();
         EXPECT_GE(page.Slots().size(), 3000U);
         EXPECT_LT(page.GetChildren().size(), 150U);
         EXPECT_GT(page.GetChildren().size(), 10U);
@@ -301,11 +301,11 @@ TEST_F(FieldViewTest, OnlyWhatIsInSightHasWindows)
         EXPECT_TRUE(page.GetClientRect().Intersects(page.Slots().back().item->Area()))
             << "the last row is in sight";
     });
-    session.Then([](auto&, auto&) {
-        EXPECT_LT(ScriptedSession::Window().Pages().Current()->GetChildren().size(), 150U);
+    dialog.Then([](auto&, auto&) {
+        EXPECT_LT(ScriptedDialog::Window().Pages().Current()->GetChildren().size(), 150U);
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty());
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 }  // namespace

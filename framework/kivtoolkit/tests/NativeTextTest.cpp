@@ -1,7 +1,7 @@
 #include "framework/kivtoolkit/src/NativeText.h"
 
 #include "framework/kivtoolkit/src/WxPainter.h"
-#include "framework/kivtoolkit/tests/ScriptedSession.h"
+#include "framework/kivtoolkit/tests/ScriptedDialog.h"
 
 namespace kivtoolkit::tests {
 namespace {

@@ -6,7 +6,7 @@
 #include "framework/kivtoolkit/src/Accessible.h"
 #include "framework/kivtoolkit/src/TextEntry.h"
 #include "framework/kivtoolkit/src/WxPainter.h"
-#include "framework/kivtoolkit/tests/ScriptedSession.h"
+#include "framework/kivtoolkit/tests/ScriptedDialog.h"
 
 #include <kivcore/StringConversion.h>
 
@@ -37,18 +37,18 @@ protected:
     static void With(const char* path, std::string_view properties,
                      const std::function<void(TextEntry& entry, DialogSurface& surface)>& step)
     {
-        ScriptedSession session(properties);
+        ScriptedDialog dialog(properties);
         bool wasOpen = false;
-        session.Then([&](ScriptedSession& s, DialogSurface& surface) {
-            FieldView* view = ScriptedSession::Window().Pages().Reveal(s.FieldAt(path));
+        dialog.Then([&](ScriptedDialog& s, DialogSurface& surface) {
+            FieldView* view = ScriptedDialog::Window().Pages().Reveal(s.FieldAt(path));
             TextEntry* entry = view != nullptr ? view->EntryFor({}) : nullptr;
             ASSERT_NE(entry, nullptr);
             wasOpen = true;
             step(*entry, surface);
         });
-        session.Show();
+        dialog.Show();
         EXPECT_TRUE(wasOpen);
-        EXPECT_TRUE(session.failures.empty());
+        EXPECT_TRUE(dialog.failures.empty());
     }
 };
 
@@ -133,11 +133,11 @@ TEST_F(NativeTextOnWindows, ALongLineIsShownFromItsBeginning)
         entry.SetFocus();
         surface.PressKey(Key(kivmetadataui::DriverKey::kEnd));
         EXPECT_LT(beginning(), 0) << "the caret is in sight";
-        ScriptedSession::Window().Side().List().SetFocus();
+        ScriptedDialog::Window().Side().List().SetFocus();
         EXPECT_GE(beginning(), 0) << "without the focus";
         entry.SetFocus();
         EXPECT_LT(beginning(), 0) << "the caret is where it was";
-        ScriptedSession::Window().Side().List().SetFocus();
+        ScriptedDialog::Window().Side().List().SetFocus();
         entry.SetText(kivcore::UString(300, u'm'));
         EXPECT_GE(beginning(), 0);
         entry.SetFocus();
@@ -182,9 +182,9 @@ Told Ask(wxWindow& window)
 
 TEST_F(NativeTextOnWindows, AssistiveTechnologyGetsNamesRolesAndStates)
 {
-    ScriptedSession session("<t:flag>True</t:flag>");
-    session.Then([](ScriptedSession& s, DialogSurface&) {
-        DialogWindow& window = ScriptedSession::Window();
+    ScriptedDialog dialog("<t:flag>True</t:flag>");
+    dialog.Then([](ScriptedDialog& s, DialogSurface&) {
+        DialogWindow& window = ScriptedDialog::Window();
         const Told ok = Ask(window.Bar().Ok());
         EXPECT_EQ(ok.name, "OK");
         EXPECT_EQ(ok.role, wxROLE_SYSTEM_PUSHBUTTON);
@@ -201,8 +201,8 @@ TEST_F(NativeTextOnWindows, AssistiveTechnologyGetsNamesRolesAndStates)
         EXPECT_EQ(flag.role, wxROLE_SYSTEM_CHECKBUTTON);
         EXPECT_NE(flag.state & wxACC_STATE_SYSTEM_CHECKED, 0);
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty());
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 }  // namespace

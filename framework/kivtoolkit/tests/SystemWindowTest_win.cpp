@@ -2,7 +2,7 @@
 
 #include "framework/kivtoolkit/src/SystemWindow.h"
 
-#include "framework/kivtoolkit/tests/ScriptedSession.h"
+#include "framework/kivtoolkit/tests/ScriptedDialog.h"
 
 // Behind all others: it defines macros of common words.
 #include <wx/msw/private.h>
@@ -14,10 +14,10 @@ using SystemWindowOnWindows = ToolkitTest;
 
 TEST_F(SystemWindowOnWindows, CanBeResizedDownToItsLeastSizeAndHasNoGrip)
 {
-    ScriptedSession session("");
+    ScriptedDialog dialog("");
     bool wasOpen = false;
-    session.Then([&](auto&, auto&) {
-        HWND window = static_cast<HWND>(ScriptedSession::Window().GetHandle());
+    dialog.Then([&](auto&, auto&) {
+        HWND window = static_cast<HWND>(ScriptedDialog::Window().GetHandle());
         EXPECT_NE(GetWindowLongPtrW(window, GWL_STYLE) & WS_THICKFRAME, 0);
         EXPECT_EQ(FindWindowExW(window, nullptr, L"SCROLLBAR", nullptr), nullptr);
         MINMAXINFO limits = {};
@@ -28,15 +28,15 @@ TEST_F(SystemWindowOnWindows, CanBeResizedDownToItsLeastSizeAndHasNoGrip)
         EXPECT_LT(limits.ptMinTrackSize.y, 520);
         wasOpen = true;
     });
-    session.Show();
+    dialog.Show();
     EXPECT_TRUE(wasOpen);
 }
 
 TEST_F(SystemWindowOnWindows, AnotherScreensScaleChangesNothing)
 {
-    ScriptedSession session("");
-    session.Then([](auto&, auto&) {
-        DialogWindow& window = ScriptedSession::Window();
+    ScriptedDialog dialog("");
+    dialog.Then([](auto&, auto&) {
+        DialogWindow& window = ScriptedDialog::Window();
         const wxRect before = window.GetRect();
         const int field = window.Side().Search().Control().GetSize().y;
         RECT suggested = {10, 10, 2000, 1500};
@@ -45,8 +45,8 @@ TEST_F(SystemWindowOnWindows, AnotherScreensScaleChangesNothing)
         EXPECT_EQ(window.GetRect(), before);
         EXPECT_EQ(window.Side().Search().Control().GetSize().y, field);
     });
-    session.Show();
-    EXPECT_TRUE(session.failures.empty());
+    dialog.Show();
+    EXPECT_TRUE(dialog.failures.empty());
 }
 
 }  // namespace

@@ -1,6 +1,6 @@
 #include "framework/kivtoolkit/src/WxPainter.h"
 
-#include "framework/kivtoolkit/tests/ScriptedSession.h"
+#include "framework/kivtoolkit/tests/ScriptedDialog.h"
 
 #include <wx/image.h>
 

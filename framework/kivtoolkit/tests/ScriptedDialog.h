@@ -25,15 +25,14 @@ namespace kivtoolkit::tests {
 
 /// Views "first" (one field of every kind: t:text, t:long, t:alt, t:rights, t:list, t:order,
 /// t:closed, t:open, t:date, t:number, t:rating, t:flag, t:fixed) and "second" (t:text, t:other).
-class ScriptedSession : public kivmetadataui::DialogSession {
+class ScriptedDialog : public kivmetadataui::ShownDialog {
 public:
-    using Step = std::function<void(ScriptedSession&, kivmetadataui::DialogSurface&)>;
+    using Step = std::function<void(ScriptedDialog&, kivmetadataui::DialogSurface&)>;
 
-    explicit ScriptedSession(std::string_view properties,
-                             kivmetadataui::DialogOptions options = {});
-    ~ScriptedSession() override;
+    explicit ScriptedDialog(std::string_view properties, kivmetadataui::DialogOptions options = {});
+    ~ScriptedDialog() override;
 
-    ScriptedSession& Then(Step step)
+    ScriptedDialog& Then(Step step)
     {
         steps_.push_back(std::move(step));
         return *this;

@@ -1,4 +1,4 @@
-#include "framework/kivtoolkit/tests/ScriptedSession.h"
+#include "framework/kivtoolkit/tests/ScriptedDialog.h"
 
 #include <stdexcept>
 
@@ -91,7 +91,7 @@ std::unique_ptr<__XMPMeta__> Parse(std::string_view properties)
 
 }  // namespace
 
-ScriptedSession::ScriptedSession(std::string_view properties, kivmetadataui::DialogOptions options)
+ScriptedDialog::ScriptedDialog(std::string_view properties, kivmetadataui::DialogOptions options)
     : meta_(Parse(properties)),
       views_({View("first", {"text", "long", "alt", "rights", "list", "order", "closed", "open",
                              "date", "number", "rating", "flag", "fixed"}),
@@ -105,15 +105,15 @@ ScriptedSession::ScriptedSession(std::string_view properties, kivmetadataui::Dia
         std::make_unique<kivmetadataui::DialogModel>(*meta_, views_, schemas_, std::move(options));
 }
 
-ScriptedSession::~ScriptedSession() = default;
+ScriptedDialog::~ScriptedDialog() = default;
 
-DialogResult ScriptedSession::Show(HWND parent)
+DialogResult ScriptedDialog::Show(HWND parent)
 {
     next_ = 0;
     return KivToolkitOpen(kivmetadataui::kToolkitVersion)->RunDialog(*this, parent);
 }
 
-bool ScriptedSession::Run(const std::function<void()>& callback) noexcept
+bool ScriptedDialog::Run(const std::function<void()>& callback) noexcept
 {
     try {
         callback();
@@ -125,7 +125,7 @@ bool ScriptedSession::Run(const std::function<void()>& callback) noexcept
     return false;
 }
 
-bool ScriptedSession::Confirm() noexcept
+bool ScriptedDialog::Confirm() noexcept
 {
     model_->EndEdits();
     if (refuses || model_->ErrorCount() > 0) {
@@ -135,7 +135,7 @@ bool ScriptedSession::Confirm() noexcept
     return true;
 }
 
-bool ScriptedSession::RunScriptStep(kivmetadataui::DialogSurface& surface) noexcept
+bool ScriptedDialog::RunScriptStep(kivmetadataui::DialogSurface& surface) noexcept
 {
     if (next_ >= steps_.size()) {
         return false;
@@ -145,7 +145,7 @@ bool ScriptedSession::RunScriptStep(kivmetadataui::DialogSurface& surface) noexc
     return true;
 }
 
-DialogWindow& ScriptedSession::Window()
+DialogWindow& ScriptedDialog::Window()
 {
     for (wxWindow* window : wxTopLevelWindows) {
         if (auto* dialog = dynamic_cast<DialogWindow*>(window); dialog != nullptr) {
@@ -155,7 +155,7 @@ DialogWindow& ScriptedSession::Window()
     throw std::runtime_error("no dialog is open");
 }
 
-kivmetadataui::Field& ScriptedSession::FieldAt(const char* path)
+kivmetadataui::Field& ScriptedDialog::FieldAt(const char* path)
 {
     kivmetadataui::Field* field = model_->FindField(path);
     if (field == nullptr) {
@@ -164,7 +164,7 @@ kivmetadataui::Field& ScriptedSession::FieldAt(const char* path)
     return *field;
 }
 
-std::string ScriptedSession::Content(const char* path)
+std::string ScriptedDialog::Content(const char* path)
 {
     std::string text;
     for (const kivmetadataui::FieldItem& item : FieldAt(path).Items()) {
