@@ -1,8 +1,10 @@
 // What the SVG benchmarks share: the pictures that fetch_artwork.py put into a folder, librsvg as a
-// library to compare with, and medians of several contestants that take turns.
+// library to compare with, medians of several contestants that take turns, and the run of what was
+// registered.
 
 #pragma once
 
+#include <benchmark/benchmark.h>
 #include <librsvg/rsvg.h>
 
 #include <algorithm>
@@ -23,9 +25,9 @@ namespace bench {
 /// The sets of icons, by the names of their folders.
 inline constexpr std::array kCorpusNames = {"material", "bootstrap", "flags", "twemoji"};
 
-/// The texts of all pictures of a set, in the order of their names; empty if they are not there.
-/// The environment's KIV_BENCH_ARTWORK names the folder.
-inline std::vector<std::string> LoadCorpus(const std::string& name)
+/// The texts of all pictures of a set, in the order of their names. The environment's
+/// KIV_BENCH_ARTWORK names the folder. If they are not there: empty, and `state` says so.
+inline std::vector<std::string> LoadCorpus(benchmark::State& state, const std::string& name)
 {
     const char* const folder = std::getenv("KIV_BENCH_ARTWORK");
     const std::filesystem::path place = std::filesystem::path(folder != nullptr ? folder : ".");
@@ -42,6 +44,9 @@ inline std::vector<std::string> LoadCorpus(const std::string& name)
     for (const std::filesystem::path& path : paths) {
         std::ifstream file(path, std::ios_base::binary);
         texts.emplace_back(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>());
+    }
+    if (texts.empty()) {
+        state.SkipWithError("no artwork: see fetch_artwork.py");
     }
     return texts;
 }
@@ -92,6 +97,17 @@ inline std::vector<double> MediansInTurn(int rounds,
         medians.push_back(MedianOf(each));
     }
     return medians;
+}
+
+/// Runs what has been registered, as the arguments choose. @return the exit status
+inline int RunRegistered(int argc, char** argv)
+{
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
+        return 1;
+    }
+    benchmark::RunSpecifiedBenchmarks();
+    return 0;
 }
 
 }  // namespace bench

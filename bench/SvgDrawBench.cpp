@@ -34,10 +34,10 @@ namespace {
 namespace scrivel = kivui::scrivel;
 
 // Some pictures of a set, spread over all of it.
-std::vector<std::string> SampleOf(const std::string& name)
+std::vector<std::string> SampleOf(benchmark::State& state, const std::string& name)
 {
     constexpr std::size_t kPictures = 250;
-    const std::vector<std::string> all = bench::LoadCorpus(name);
+    const std::vector<std::string> all = bench::LoadCorpus(state, name);
     std::vector<std::string> some;
     for (std::size_t i = 0; i < std::min(kPictures, all.size()); ++i) {
         some.push_back(all[i * all.size() / std::min(kPictures, all.size())]);
@@ -286,7 +286,7 @@ void Report(benchmark::State& state, const std::vector<double>& seconds, std::si
 
 void DrawCorpus(benchmark::State& state, const std::string& name, int size)
 {
-    const std::vector<std::string> texts = SampleOf(name);
+    const std::vector<std::string> texts = SampleOf(state, name);
     const auto renderer = std::make_shared<SVGLoom::ScrivelSVGRenderer>();
     std::vector<Document> documents;
     std::vector<bench::RsvgDocument> handles;
@@ -303,7 +303,6 @@ void DrawCorpus(benchmark::State& state, const std::string& name, int size)
         }
     }
     if (texts.empty()) {
-        state.SkipWithError("no artwork: see fetch_artwork.py");
         return;
     }
     Pixels pixels(size);
@@ -328,9 +327,8 @@ void DrawCorpus(benchmark::State& state, const std::string& name, int size)
 
 void ParseAndDrawCorpus(benchmark::State& state, const std::string& name, int size)
 {
-    const std::vector<std::string> texts = SampleOf(name);
+    const std::vector<std::string> texts = SampleOf(state, name);
     if (texts.empty()) {
-        state.SkipWithError("no artwork: see fetch_artwork.py");
         return;
     }
     Pixels pixels(size);
@@ -374,10 +372,5 @@ int main(int argc, char** argv)
                 ->Unit(benchmark::kMillisecond);
         }
     }
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
+    return bench::RunRegistered(argc, argv);
 }
