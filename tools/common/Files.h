@@ -24,8 +24,8 @@ std::string ReadInput(const std::string& name);
 /// Failure, which names the file, and what `write` throws.
 void WriteOutput(const std::string& name, const std::function<void(std::ostream& out)>& write);
 
-/// Writes a file that can be made again at any time, as one of many: quickly, over what was there. A
-/// file that could not be written whole is removed. Throws Failure, which names the file.
+/// Writes a file that can be made again at any time, as one of many: quickly, over what was there.
+/// A file that could not be written whole is removed. Throws Failure, which names the file.
 void WriteQuickly(const std::string& name, std::string_view content);
 
 /// A line of a file of JSON strings.

@@ -30,8 +30,11 @@ class OutlinePoints {
 public:
     using value_type = OutlinePoint;
 
-    void add(const OutlinePoint& point) { points_.push_back(point); }
-    void remove_all() { points_.clear(); }
+    void add(const OutlinePoint& point)  // NOLINT(readability-identifier-naming): AGG's name
+    {
+        points_.push_back(point);
+    }
+    void remove_all() { points_.clear(); }  // NOLINT(readability-identifier-naming)
     const std::vector<OutlinePoint>& All() const { return points_; }
 
 private:
