@@ -63,6 +63,20 @@ function(kiv_add_test name)
         TIMEOUT ${arg_TIMEOUT} LABELS "${arg_LABELS}" ENVIRONMENT "${arg_ENVIRONMENT}")
 endfunction()
 
+# kiv_add_tool_test(NAME PROGRAM SCRIPT): a script of this folder that runs a command-line program many
+# times, and is told the folder that it lies in.
+function(kiv_add_tool_test name program script)
+    if(NOT KIV_BUILD_TESTS)
+        return()
+    endif()
+    find_package(Python3 REQUIRED COMPONENTS Interpreter)
+    add_test(NAME ${name}
+        COMMAND ${KIV_TOGETHER} $<TARGET_FILE:Python3::Interpreter>
+            "${CMAKE_CURRENT_SOURCE_DIR}/${script}" "$<TARGET_FILE_DIR:${program}>")
+    set_tests_properties(${name} PROPERTIES TIMEOUT 1800 ENVIRONMENT
+        "LSAN_OPTIONS=suppressions=${PROJECT_SOURCE_DIR}/tests/lsan.supp:print_suppressions=0")
+endfunction()
+
 # kiv_add_fuzzer(NAME LIBS...): fuzz/NAME.cpp with the seeds in fuzz/seeds/NAME.
 function(kiv_add_fuzzer name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "LIBS")
