@@ -5,11 +5,13 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <limits>
 
 #include "svgloom/src/ArcToCurve.h"
 #include "svgloom/src/Characters.h"
 #include "svgloom/src/NumberReader.h"
+#include "svgloom/src/NumberWindow.h"
 #include "svgloom/src/PathBuffer.h"
 #include "svgloom/src/SVGStringParser.h"
 #include "svgloom/src/TraceText.h"
@@ -53,46 +55,106 @@ struct NumberAt {
                : NumberAt{current, std::numeric_limits<float>::quiet_NaN()};
 }
 
-// Everything else is inlined into Read(), so that the state stays in registers: its only other home
-// would be memory that each number has to pass through.
+/// A text with the operations of NumberWindow, read byte by byte.
+class PlainText {
+public:
+    using Place = const char*;
+    struct Outcome {
+        Place next;
+        bool isRead;
+    };
+
+    PlainText(const char* text, const char* end) : text_(text), end_(end) {}
+
+    Place First() const { return text_; }
+    static Place Behind(Place at) { return at + 1; }
+    static const char* PointerTo(Place at) { return at; }
+    bool Look(Place& at, char& c) const
+    {
+        if (at == end_) {
+            return false;
+        }
+        c = *at;
+        return true;
+    }
+    bool LookBehindSpace(Place& at, char& c) const
+    {
+        SkipSpace(at, end_);
+        return Look(at, c);
+    }
+    bool ReadFlag(Place& at, bool& flag) const
+    {
+        SkipSeparator(at, end_);
+        if (at == end_ || (*at != '0' && *at != '1')) {
+            return false;
+        }
+        flag = *at++ == '1';
+        return true;
+    }
+    template <std::size_t count>
+    [[gnu::always_inline]] Outcome Read(Place at, float (&numbers)[count]) const
+    {
+// The end of a loop is hard to foresee.
+#pragma GCC unroll 6
+        for (float& number : numbers) {
+            const NumberAt read = ReadSeparated(at, end_);
+            at = read.next;
+            number = read.number;
+            if (std::isnan(number)) {
+                return {at, false};
+            }
+        }
+        return {at, true};
+    }
+
+private:
+    const char* const text_;
+    const char* const end_;
+};
+
+// Everything but the numbers is inlined into Read(), so that the state stays in registers: its only
+// other home would be memory that each number has to pass through.
+template <class Text>
 class PathReader {
 public:
-    PathReader(const char* current, const char* end, PathBuffer& path, PathNotes* notes)
-        : current_(current), end_(end), path_(path), notes_(notes)
+    PathReader(Text& text, PathBuffer& path, PathNotes* notes)
+        : text_(text), path_(path), notes_(notes), at_(text.First())
     {
     }
 
     void Read()
     {
         if (!ReadCommands()) {
-            Note(PathNote::kStopped, current_);
+            Note(PathNote::kStopped, at_);
         }
         path_.Flush();
     }
 
 private:
+    using Place = typename Text::Place;
+
     enum class Outcome { kDone, kUnreadable, kUnknown };
 
-    void Note(PathNote note, const char* place)
+    void Note(PathNote note, Place place)
     {
         if (notes_ != nullptr) {
-            notes_->Add(note, place);
+            notes_->Add(note, text_.PointerTo(place));
         }
     }
 
     /// False if it stopped early.
     [[gnu::always_inline]] bool ReadCommands()
     {
-        if (!SkipSpace(current_, end_)) {
+        char command = '\0';
+        if (!text_.LookBehindSpace(at_, command)) {
             return true;
         }
-        if (ToLower(*current_) != 'm') {
+        if (ToLower(command) != 'm') {
             return false;
         }
-        while (SkipSpace(current_, end_)) {
-            char command = *current_;
+        while (text_.LookBehindSpace(at_, command)) {
             if (!RepeatsCommand(command)) {
-                ++current_;
+                at_ = text_.Behind(at_);
             } else if (IsClose(previous_)) {
                 return false;
             } else {
@@ -119,7 +181,7 @@ private:
                     // the true start. ParsePath.TheMoveBehindACloseTakesXTwice holds this.
                     path_.MoveTo(position_.x, position_.x);
                     if (position_.x != position_.y) {
-                        Note(PathNote::kMoveBehindClose, current_);
+                        Note(PathNote::kMoveBehindClose, at_);
                     }
                 }
             }
@@ -128,15 +190,17 @@ private:
             if (outcome != Outcome::kUnknown) {
                 return outcome == Outcome::kDone;
             }
-            Note(PathNote::kUnknownCommand, current_ - 1);
+            if (notes_ != nullptr) {
+                notes_->Add(PathNote::kUnknownCommand, text_.PointerTo(at_) - 1);
+            }
             if (unhandledSite.Enabled()) {
                 unhandledSite.Write((TraceText("parsePathString UNHANDLED: ") << command).Text());
             }
             // Whatever comes next is the next command, white space included.
-            if (current_ == end_) {
+            if (!text_.Look(at_, command)) {
                 return false;
             }
-            command = *current_++;
+            at_ = text_.Behind(at_);
         }
     }
 
@@ -145,9 +209,9 @@ private:
         const bool relative = command >= 'a';
         // Negative zero adds nothing, not even to the sign of a zero.
         const Point origin = relative ? position_ : Point{-0.0f, -0.0f};
-        const char* const start = current_;
+        const char* const start = text_.PointerTo(at_);
         Point points[3];
-        float number = 0;
+        float number[1] = {};
         switch (ToLower(command)) {
             case 'm':
                 if (!ReadPoints<1>(origin, points)) {
@@ -162,11 +226,11 @@ private:
                 }
                 return LineTo(points[0]);
             case 'h':
-                return ReadNext(number) ? LineTo({number + origin.x, position_.y})
-                                        : Outcome::kUnreadable;
+                return ReadNumbers(number) ? LineTo({number[0] + origin.x, position_.y})
+                                           : Outcome::kUnreadable;
             case 'v':
-                return ReadNext(number) ? LineTo({position_.x, number + origin.y})
-                                        : Outcome::kUnreadable;
+                return ReadNumbers(number) ? LineTo({position_.x, number[0] + origin.y})
+                                           : Outcome::kUnreadable;
             case 'c':
                 if (!ReadPoints<3>(origin, points)) {
                     return Outcome::kUnreadable;
@@ -196,11 +260,14 @@ private:
             }
             case 'a': {
                 Arc arc;
-                if (!ReadNext(arc.rx) || !ReadNext(arc.ry) || !ReadNext(arc.rotationDegrees) ||
-                    !ReadFlag(arc.large) || !ReadFlag(arc.sweep) ||
-                    !ReadPoints<1>(origin, points)) {
+                float shape[3] = {};
+                if (!ReadNumbers(shape) || !text_.ReadFlag(at_, arc.large) ||
+                    !text_.ReadFlag(at_, arc.sweep) || !ReadPoints<1>(origin, points)) {
                     return Outcome::kUnreadable;
                 }
+                arc.rx = shape[0];
+                arc.ry = shape[1];
+                arc.rotationDegrees = shape[2];
                 arc.to = points[0];
                 return ArcTo(arc, start);
             }
@@ -213,24 +280,23 @@ private:
         }
     }
 
-    [[gnu::always_inline]] bool ReadNext(float& number)
+    template <std::size_t count>
+    [[gnu::always_inline]] bool ReadNumbers(float (&numbers)[count])
     {
-        const NumberAt read = ReadSeparated(current_, end_);
-        current_ = read.next;
-        number = read.number;
-        return !std::isnan(number);
+        const auto outcome = text_.Read(at_, numbers);
+        at_ = outcome.next;
+        return outcome.isRead;
     }
 
-    template <int count>
+    template <std::size_t count>
     [[gnu::always_inline]] bool ReadPoints(const Point& origin, Point (&points)[3])
     {
-        for (int i = 0; i < count; ++i) {
-            float x = 0;
-            float y = 0;
-            if (!ReadNext(x) || !ReadNext(y)) {
-                return false;
-            }
-            points[i] = {x + origin.x, y + origin.y};
+        float numbers[2 * count] = {};
+        if (!ReadNumbers(numbers)) {
+            return false;
+        }
+        for (std::size_t i = 0; i < count; ++i) {
+            points[i] = {numbers[2 * i] + origin.x, numbers[2 * i + 1] + origin.y};
         }
         return true;
     }
@@ -310,7 +376,7 @@ private:
         const char before = ToLower(previous_);
         if (before != 'c' && before != 's' &&
             (cubicControl_.x != position_.x || cubicControl_.y != position_.y)) {
-            Note(PathNote::kSmoothStart, start);
+            notes_->Add(PathNote::kSmoothStart, start);
         }
     }
 
@@ -319,21 +385,10 @@ private:
         return {2 * position_.x - control.x, 2 * position_.y - control.y};
     }
 
-    /// A single "0" or "1"; flags may touch each other and the number behind them.
-    bool ReadFlag(bool& flag)
-    {
-        SkipSeparator(current_, end_);
-        if (current_ == end_ || (*current_ != '0' && *current_ != '1')) {
-            return false;
-        }
-        flag = *current_++ == '1';
-        return true;
-    }
-
-    const char* current_;
-    const char* const end_;
+    Text& text_;
     PathBuffer& path_;
     PathNotes* const notes_;
+    Place at_;
     char previous_ = 'm';
     Point position_;
     Point start_;
@@ -347,7 +402,16 @@ void SVGStringParser::ParsePath(std::string_view text, Path& path, PathNotes* no
 {
     const bool traces = unhandledSite.Enabled();
     PathBuffer buffer(path, traces ? PathBuffer::Mode::kEachAtOnce : PathBuffer::Mode::kPacked);
-    PathReader(text.data(), text.data() + text.size(), buffer, notes).Read();
+    // From here on what a window costs pays.
+    constexpr std::size_t kLong = 1024;
+    const char* const end = text.data() + text.size();
+    if (text.size() < kLong) {
+        PlainText plain(text.data(), end);
+        PathReader(plain, buffer, notes).Read();
+    } else {
+        NumberWindow window(text.data(), end);
+        PathReader(window, buffer, notes).Read();
+    }
 }
 
 }  // namespace SVGLoom

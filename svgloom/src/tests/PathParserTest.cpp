@@ -32,6 +32,10 @@ void ExpectCases(std::initializer_list<PathCase> cases)
     for (const PathCase& row : cases) {
         SCOPED_TRACE(row.input);
         EXPECT_EQ(Parse(row.input), row.want);
+        // Long texts are read in another way, 64 bytes at a time.
+        for (std::size_t spaces = 1024; spaces < 1024 + 64; ++spaces) {
+            EXPECT_EQ(Parse(std::string(spaces, ' ').append(row.input)), row.want) << spaces;
+        }
     }
 }
 
