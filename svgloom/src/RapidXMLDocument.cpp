@@ -151,11 +151,17 @@ RapidXMLDocument::RapidXMLDocument(char* text)
     if (tooDeep != nullptr) {
         throw rapidxml::parse_error("elements are nested too deeply", text + (tooDeep - text));
     }
-    TameReferences(text, end);
-    if (HasSection({text, static_cast<std::size_t>(end - text)})) {
+    const auto size = static_cast<std::size_t>(end - text);
+    const bool hasReferences = std::memchr(text, '&', size) != nullptr;
+    if (hasReferences) {
+        TameReferences(text, end);
+    }
+    if (HasSection({text, size})) {
         document_.parse<kFlags>(text);
-    } else {
+    } else if (hasReferences) {
         document_.parse<kFlagsWithoutTexts>(text);
+    } else {
+        document_.parse<kPlainFlags>(text);
     }
 }
 

@@ -139,6 +139,19 @@ TEST(RapidXMLDocument, Cases)
     }
 }
 
+// Texts with references, and with sections, are parsed in other ways; all find the same.
+TEST(RapidXMLDocument, AllWaysOfParsing)
+{
+    for (const std::string_view element :
+         {R"(<a b="1" c='2"3' d="4'5" e="">text</a>)", R"(<a b = "1 > 2"/>)", R"(<a b="1)",
+          R"(<a b=")", R"(<a b='1)", R"(<a b="1"c="2">1</a>)", R"(<a b="1" "2"/>)",
+          R"(<a b="M0 0 L1 1 2 2 3 3 4 4 5 5 6 6 7 7 8 8 9 9 10 10 11 11 12 12"><c/></b>)"}) {
+        const std::string plain = Parse(element);
+        EXPECT_EQ(Parse("<!-- & -->" + std::string(element)), plain) << element;
+        EXPECT_EQ(Parse("<!--![CDATA[-->" + std::string(element)), plain) << element;
+    }
+}
+
 TEST(RapidXMLDocument, TheFirstNulEndsTheText)
 {
     EXPECT_EQ(Parse(std::string_view("<a/>\0<b/>", 9)), "a");
