@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "svgloom/src/Characters.h"
@@ -36,6 +38,20 @@ bool SkipCharacter(const char*& current, const char* end, char c)
     return true;
 }
 
+/// The value of hexadecimal digits. As std::stoi, which would need a copy of the text.
+int HexNumber(std::string_view digits)
+{
+    constexpr std::size_t kMostDigits = 7;
+    if (digits.size() > kMostDigits) {
+        throw std::out_of_range("HexNumber");
+    }
+    int number = 0;
+    for (const char c : digits) {
+        number = number * 16 + (IsDigit(c) ? c - '0' : ToLower(c) - 'a' + 10);
+    }
+    return number;
+}
+
 /// The digits behind a "#", which has been consumed.
 bool ReadHex(const char*& current, const char* end, Color& color)
 {
@@ -49,7 +65,7 @@ bool ReadHex(const char*& current, const char* end, Color& color)
     }
     int number = 0;
     if (!ConvertOrAssert([start, end = current, &number] {
-            number = std::stoi(std::string(start, end), nullptr, 16);
+            number = HexNumber({start, static_cast<std::size_t>(end - start)});
         })) {
         return false;
     }
