@@ -56,6 +56,7 @@ inline int FuzzPhotoFormat(const std::uint8_t* data, std::size_t size, PhotoRead
     photo::PacketParts packet{std::string(packetBytes, 'p'), {}};
     if (format->TakesExtended() && packetBytes % 2 == 1) {
         packet.extended = std::string(packetBytes * 3, 'e');
+        format->TakeExtended(photo::PacketDigest(packet.extended), source);
     }
     std::string saved;
     photo::SavePlan plan;

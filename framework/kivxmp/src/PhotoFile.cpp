@@ -300,6 +300,10 @@ public:
                                                     " file has room for " + std::to_string(limit) +
                                                     "; nothing was written");
         }
+        if (!packet_.extended.empty()) {
+            // Pieces of the same part that nobody named until now would be in its way.
+            origin.format->TakeExtended(photo::PacketDigest(packet_.extended), *source_);
+        }
         plan_ = origin.format->Plan(packet_);
     }
 

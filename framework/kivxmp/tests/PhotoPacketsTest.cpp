@@ -294,6 +294,28 @@ TEST_F(PhotoPacketsTest, APacketThatOutgrowsItsSegmentIsSplit)
     EXPECT_THAT(folder_.Names(), ElementsAre("p.jpg"));
 }
 
+// A program that knows nothing of extended parts took the packet away and left them behind.
+TEST_F(PhotoPacketsTest, PiecesOfTheSamePartThatWereLeftBehindAreReplaced)
+{
+    const std::string text(70000, 'x');
+    folder_.Write("first.jpg", Jpeg().Exif().Scan().Bytes());
+    std::unique_ptr<__XMPMeta__> meta = Open("first.jpg");
+    meta->SetText("dc:source", text);
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    const PhotoInfo info = GetPhotoInfo(*meta);
+    std::string left = folder_.Read("first.jpg");
+    constexpr std::size_t kSegmentHead = 2 + 2 + 29;
+    left.erase(info.packetOffset - kSegmentHead, info.packetBytes + kSegmentHead);
+    folder_.Write("p.jpg", left);
+
+    meta = Open("p.jpg");
+    EXPECT_EQ(meta->PropertyCount(), 0u);
+    meta->SetText("dc:source", text);
+    EXPECT_EQ(Failure([&] { SavePhoto(*meta); }), "");
+    EXPECT_EQ(TextOf(Open("p.jpg")->Find("dc:source")), text);
+    EXPECT_TRUE(folder_.Read("p.jpg") == folder_.Read("first.jpg"));
+}
+
 // A packet that nobody can move away, because it holds a property twice.
 TEST_F(PhotoPacketsTest, APacketThatCannotBeSplitHasNoPlace)
 {
