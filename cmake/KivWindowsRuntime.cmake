@@ -43,3 +43,5 @@ install(FILES /usr/share/doc/mingw-w64-x86-64-dev/copyright
     DESTINATION ${licences} RENAME mingw-w64.txt)
 install(FILES /usr/share/doc/libz-mingw-w64-dev/copyright
     DESTINATION ${licences} RENAME zlib.txt)
+install(FILES /usr/share/doc/libagg-dev/copyright
+    DESTINATION ${licences} RENAME agg.txt)
