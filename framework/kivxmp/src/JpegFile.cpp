@@ -42,8 +42,7 @@ static_assert(kLengthBytes + kPacketSignature.size() + kJpegPacketLimitBytes <= 
 constexpr std::size_t kExtendedHeadBytes = kExtensionSignature.size() + kDigestCharacters + 4 + 4;
 constexpr std::size_t kExtendedPieceLimitBytes = 65535 - kLengthBytes - kExtendedHeadBytes;
 
-// More of either than any writer leaves; the rest is not remembered, and the file not saved.
-constexpr std::size_t kMaxPackets = 64;
+// More than any writer leaves; the rest is not remembered, and the file not saved.
 constexpr std::size_t kMaxExtendedPieces = 4096;
 constexpr std::size_t kMaxIndexes = 4;
 
@@ -87,12 +86,8 @@ class JpegFile final : public PhotoFormat {
 public:
     explicit JpegFile(ByteSource& source);
 
-    const std::vector<ByteRange>& Packets() const noexcept override { return packets_; }
-    const std::optional<PhotoError>& Refusal() const noexcept override { return refusal_; }
-    std::size_t PacketLimitBytes() const noexcept override { return kJpegPacketLimitBytes; }
     bool TakesExtended() const noexcept override { return true; }
     std::optional<std::string> TakeExtended(std::string_view digest, ByteSource& source) override;
-    SavePlan Plan(const PacketParts& packet) const override;
     std::vector<ByteRange> Changeable() const override;
     std::vector<std::uint64_t> PointerTargets() const override;
 
@@ -104,19 +99,18 @@ private:
     void NoteSegment(HeaderReader& reader, const Segment& segment);
     void NoteExtendedPiece(HeaderReader& reader, const Segment& segment);
     void NoteCutSegment(HeaderReader& reader, const Segment& segment);
-    void Refuse(PhotoError::Kind kind, const std::string& reason);
+    SavePlan PlanPlace(const PacketParts& packet) const override;
     ByteRange PacketSegment(const ByteRange& packet) const;
 
-    std::vector<ByteRange> packets_;
     std::vector<MultiPictureIndex> indexes_;
     std::uint64_t app0End_ = 0;
     std::uint64_t exifEnd_ = 0;
     std::vector<ExtendedPiece> pieces_;
     bool cutInPacket_ = false;
-    std::optional<PhotoError> refusal_;
 };
 
 JpegFile::JpegFile(ByteSource& source)
+    : PhotoFormat({kJpegPacketLimitBytes, "one segment of a JPEG file holds"})
 {
     HeaderReader reader(source);
     std::uint64_t position = kMarkerBytes;
@@ -129,19 +123,11 @@ JpegFile::JpegFile(ByteSource& source)
         // A packet that is there in full is the place, and what is missing lies behind it. Without
         // one nobody can tell whether the missing part held it.
         NoteCutSegment(reader, segment);
-        if (packets_.empty()) {
+        if (Packets().empty()) {
             Refuse(PhotoError::Kind::kBroken, cutInPacket_
                                                   ? "the file is cut off within its metadata packet"
                                                   : "the file is cut off before its image data");
         }
-    }
-}
-
-void JpegFile::Refuse(PhotoError::Kind kind, const std::string& reason)
-{
-    // The first reason lies nearest to the beginning of the file.
-    if (!refusal_) {
-        refusal_.emplace(kind, reason);
     }
 }
 
@@ -217,12 +203,8 @@ void JpegFile::NoteSegment(HeaderReader& reader, const Segment& segment)
         segment.payload, std::min<std::uint64_t>(segment.PayloadBytes(), kLongestSignature));
     if (segment.marker == kApp1) {
         if (head.starts_with(kPacketSignature)) {
-            if (packets_.size() < kMaxPackets) {
-                const std::uint64_t packet = segment.payload + kPacketSignature.size();
-                packets_.push_back({packet, segment.end - packet});
-            } else {
-                Refuse(PhotoError::Kind::kRefused, "it holds more metadata packets than any photo");
-            }
+            const std::uint64_t packet = segment.payload + kPacketSignature.size();
+            NotePacket({packet, segment.end - packet});
         } else if (head.starts_with(kExtensionSignature)) {
             NoteExtendedPiece(reader, segment);
         } else if (head.starts_with(kExifSignature) && exifEnd_ == 0) {
@@ -252,7 +234,7 @@ void JpegFile::NoteCutSegment(HeaderReader& reader, const Segment& segment)
     const std::string head = reader.Bytes(segment.payload, kLongestSignature);
     if (segment.marker == kApp1 && head.starts_with(kPacketSignature)) {
         cutInPacket_ = true;
-        if (!packets_.empty()) {
+        if (!Packets().empty()) {
             Refuse(PhotoError::Kind::kRefused,
                    "it holds several metadata packets, and is cut off within one of them");
         }
@@ -320,22 +302,13 @@ ByteRange JpegFile::PacketSegment(const ByteRange& packet) const
     return {packet.offset - kBefore, packet.bytes + kBefore};
 }
 
-SavePlan JpegFile::Plan(const PacketParts& packet) const
+SavePlan JpegFile::PlanPlace(const PacketParts& packet) const
 {
-    if (refusal_) {
-        throw PhotoError(*refusal_);
-    }
-    if (packet.main.size() > kJpegPacketLimitBytes) {
-        throw PhotoError(PhotoError::Kind::kRefused,
-                         "the metadata takes " + std::to_string(packet.main.size()) +
-                             " bytes; one segment of a JPEG file holds " +
-                             std::to_string(kJpegPacketLimitBytes));
-    }
     SavePlan plan;
-    for (const ByteRange& old : packets_) {
+    for (const ByteRange& old : Packets()) {
         plan.push_back({PacketSegment(old), {}});
     }
-    if (packets_.empty()) {
+    if (Packets().empty()) {
         const std::uint64_t place = exifEnd_ != 0   ? exifEnd_
                                     : app0End_ != 0 ? app0End_
                                                     : kMarkerBytes;
@@ -387,7 +360,7 @@ SavePlan JpegFile::Plan(const PacketParts& packet) const
 std::vector<ByteRange> JpegFile::Changeable() const
 {
     std::vector<ByteRange> ranges;
-    for (const ByteRange& packet : packets_) {
+    for (const ByteRange& packet : Packets()) {
         ranges.push_back(PacketSegment(packet));
     }
     for (const ExtendedPiece& piece : pieces_) {

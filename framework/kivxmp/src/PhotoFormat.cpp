@@ -94,6 +94,37 @@ private:
 
 PhotoFormat::~PhotoFormat() = default;
 
+SavePlan PhotoFormat::Plan(const PacketParts& packet) const
+{
+    if (refusal_) {
+        throw PhotoError(*refusal_);
+    }
+    if (packet.main.size() > limit_.bytes) {
+        throw PhotoError(PhotoError::Kind::kRefused,
+                         "the metadata takes " + std::to_string(packet.main.size()) + " bytes; " +
+                             limit_.words + " " + std::to_string(limit_.bytes));
+    }
+    return PlanPlace(packet);
+}
+
+void PhotoFormat::Refuse(PhotoError::Kind kind, const std::string& reason)
+{
+    if (!refusal_) {
+        refusal_.emplace(kind, reason);
+    }
+}
+
+bool PhotoFormat::NotePacket(const ByteRange& packet)
+{
+    constexpr std::size_t kMaxPackets = 64;
+    if (packets_.size() == kMaxPackets) {
+        Refuse(PhotoError::Kind::kRefused, "it holds more metadata packets than any photo");
+        return false;
+    }
+    packets_.push_back(packet);
+    return true;
+}
+
 std::string PhotoFormat::ReadPacket(std::size_t number, ByteSource& source) const
 {
     return ReadRange(source, Packets().at(number));

@@ -48,7 +48,7 @@ public:
     virtual ~PhotoFormat();
 
     /// Where the main packets lie, in file order. The first one counts.
-    virtual const std::vector<ByteRange>& Packets() const noexcept = 0;
+    const std::vector<ByteRange>& Packets() const noexcept { return packets_; }
 
     /// The text of main packet `number`; not all formats hold it as it is.
     /// Throws PhotoError (kBroken), FileError.
@@ -60,10 +60,10 @@ public:
     virtual std::optional<std::string> TakeExtended(std::string_view digest, ByteSource& source);
 
     /// Why saving is impossible (kBroken or kRefused); nothing if it is possible.
-    virtual const std::optional<PhotoError>& Refusal() const noexcept = 0;
+    const std::optional<PhotoError>& Refusal() const noexcept { return refusal_; }
 
     /// Longest main packet that the place takes.
-    virtual std::size_t PacketLimitBytes() const noexcept = 0;
+    std::size_t PacketLimitBytes() const noexcept { return limit_.bytes; }
     /// True if what does not fit can be an extended part.
     virtual bool TakesExtended() const noexcept { return false; }
     /// Bytes that are there for the packet already: a shorter one is to be filled up to them.
@@ -71,7 +71,7 @@ public:
 
     /// What to change so that the file holds `packet`, and no other one besides. Throws PhotoError
     /// (the Refusal() first of all) if the packet is too long or a pointer cannot be corrected.
-    virtual SavePlan Plan(const PacketParts& packet) const = 0;
+    SavePlan Plan(const PacketParts& packet) const;
 
     /// The bytes that belong to packets or point past them (lengths, checksums, offsets), in file
     /// order and not overlapping. All other bytes survive a save.
@@ -83,6 +83,28 @@ public:
 
     /// What the changeable bytes say besides, in a form of the format's own. A save keeps it.
     virtual std::string OtherContent() const { return {}; }
+
+protected:
+    /// The longest packet, and the words in front of that number.
+    struct Limit {
+        std::size_t bytes = kPacketBytesLimit;
+        const char* words = "the limit is";
+    };
+    PhotoFormat() = default;
+    explicit PhotoFormat(const Limit& limit) : limit_(limit) {}
+
+    /// The first reason counts: it lies nearest to the beginning of the file.
+    void Refuse(PhotoError::Kind kind, const std::string& reason);
+    /// False for one more than any photo holds; the file is refused then.
+    bool NotePacket(const ByteRange& packet);
+
+private:
+    /// Plan() of a packet that is not too long, for a file that is not refused.
+    virtual SavePlan PlanPlace(const PacketParts& packet) const = 0;
+
+    Limit limit_;
+    std::vector<ByteRange> packets_;
+    std::optional<PhotoError> refusal_;
 };
 
 /// One format that is recognised by its content; some have several rows.

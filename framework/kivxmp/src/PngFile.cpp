@@ -26,8 +26,6 @@ constexpr std::string_view kPlainText = "\0\0\0\0"sv;
 // Longer language and keyword texts than any writer's; such a chunk is none of ours.
 constexpr std::uint64_t kLongestTextHead = 1024;
 
-constexpr std::size_t kMaxPackets = 64;
-
 struct Chunk {
     std::uint64_t begin = 0;
     std::uint64_t contentBytes = 0;
@@ -95,11 +93,7 @@ class PngFile final : public PhotoFormat {
 public:
     explicit PngFile(ByteSource& source);
 
-    const std::vector<ByteRange>& Packets() const noexcept override { return packets_; }
     std::string ReadPacket(std::size_t number, ByteSource& source) const override;
-    const std::optional<PhotoError>& Refusal() const noexcept override { return refusal_; }
-    std::size_t PacketLimitBytes() const noexcept override { return kPacketBytesLimit; }
-    SavePlan Plan(const PacketParts& packet) const override;
     std::vector<ByteRange> Changeable() const override;
 
 private:
@@ -107,11 +101,9 @@ private:
 
     Next ReadChunk(HeaderReader& reader, std::uint64_t& position, Chunk& chunk);
     void NoteText(HeaderReader& reader, const Chunk& chunk, ByteSource& source);
-    void Refuse(PhotoError::Kind kind, const std::string& reason);
+    SavePlan PlanPlace(const PacketParts& packet) const override;
 
-    std::vector<ByteRange> packets_;
     std::vector<PacketChunk> chunks_;  // one for each packet
-    std::optional<PhotoError> refusal_;
 };
 
 PngFile::PngFile(ByteSource& source)
@@ -127,15 +119,8 @@ PngFile::PngFile(ByteSource& source)
     }
     // A packet that is there in full is the place, and what is missing lies behind it. Without one
     // nobody can tell whether the missing part held it.
-    if (next == Next::kCut && packets_.empty()) {
+    if (next == Next::kCut && Packets().empty()) {
         Refuse(PhotoError::Kind::kBroken, "the file is cut off before its end");
-    }
-}
-
-void PngFile::Refuse(PhotoError::Kind kind, const std::string& reason)
-{
-    if (!refusal_) {
-        refusal_.emplace(kind, reason);
     }
 }
 
@@ -182,16 +167,14 @@ void PngFile::NoteText(HeaderReader& reader, const Chunk& chunk, ByteSource& sou
                "its structure is damaged: a text chunk that cannot be read" + AtByte(chunk.begin));
         return;
     }
-    if (packets_.size() == kMaxPackets) {
-        Refuse(PhotoError::Kind::kRefused, "it holds more metadata packets than any photo");
-        return;
-    }
     if (chunk.contentBytes > kPacketBytesLimit) {
         Refuse(PhotoError::Kind::kRefused, "it holds a metadata packet that is too large");
         return;
     }
     const std::uint64_t text = chunk.Content() + keyword + 1;
-    packets_.push_back({text, chunk.ContentEnd() - text});
+    if (!NotePacket({text, chunk.ContentEnd() - text})) {
+        return;
+    }
     chunks_.push_back({{chunk.begin, chunk.End() - chunk.begin}, isCompressed});
     // A wrong checksum is not made right: whoever looks at it should see that something happened.
     const std::string checked =
@@ -206,7 +189,7 @@ void PngFile::NoteText(HeaderReader& reader, const Chunk& chunk, ByteSource& sou
 
 std::string PngFile::ReadPacket(std::size_t number, ByteSource& source) const
 {
-    std::string text = ReadRange(source, packets_.at(number));
+    std::string text = ReadRange(source, Packets().at(number));
     if (!chunks_[number].isCompressed) {
         return text;
     }
@@ -218,16 +201,8 @@ std::string PngFile::ReadPacket(std::size_t number, ByteSource& source) const
     return std::move(*unpacked);
 }
 
-SavePlan PngFile::Plan(const PacketParts& packet) const
+SavePlan PngFile::PlanPlace(const PacketParts& packet) const
 {
-    if (refusal_) {
-        throw PhotoError(*refusal_);
-    }
-    if (packet.main.size() > kPacketBytesLimit) {
-        throw PhotoError(PhotoError::Kind::kRefused,
-                         "the metadata takes " + std::to_string(packet.main.size()) +
-                             " bytes; the limit is " + std::to_string(kPacketBytesLimit));
-    }
     SavePlan plan;
     for (const PacketChunk& old : chunks_) {
         plan.push_back({old.chunk, {}});

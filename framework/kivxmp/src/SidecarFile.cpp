@@ -14,33 +14,20 @@ public:
     explicit SidecarFormat(std::uint64_t sizeBytes)
     {
         if (sizeBytes > 0) {
-            packets_.push_back({0, sizeBytes});
+            NotePacket({0, sizeBytes});
         }
         if (sizeBytes > kPacketBytesLimit) {
-            refusal_.emplace(PhotoError::Kind::kRefused, "it is larger than any metadata packet");
+            Refuse(PhotoError::Kind::kRefused, "it is larger than any metadata packet");
         }
     }
 
-    const std::vector<ByteRange>& Packets() const noexcept override { return packets_; }
-    const std::optional<PhotoError>& Refusal() const noexcept override { return refusal_; }
-    std::size_t PacketLimitBytes() const noexcept override { return kPacketBytesLimit; }
-
-    SavePlan Plan(const PacketParts& packet) const override
-    {
-        if (packet.main.size() > kPacketBytesLimit) {
-            throw PhotoError(PhotoError::Kind::kRefused,
-                             "the metadata takes " + std::to_string(packet.main.size()) +
-                                 " bytes; the limit is " + std::to_string(kPacketBytesLimit));
-        }
-        const ByteRange all = packets_.empty() ? ByteRange{} : packets_.front();
-        return {{all, packet.main}};
-    }
-
-    std::vector<ByteRange> Changeable() const override { return packets_; }
+    std::vector<ByteRange> Changeable() const override { return Packets(); }
 
 private:
-    std::vector<ByteRange> packets_;
-    std::optional<PhotoError> refusal_;
+    SavePlan PlanPlace(const PacketParts& packet) const override
+    {
+        return {{Packets().empty() ? ByteRange{} : Packets().front(), packet.main}};
+    }
 };
 
 /// Where the last component's extension begins, with its dot; the end where it has none. A dot that

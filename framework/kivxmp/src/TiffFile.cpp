@@ -40,11 +40,7 @@ class TiffFile final : public PhotoFormat {
 public:
     explicit TiffFile(ByteSource& source);
 
-    const std::vector<ByteRange>& Packets() const noexcept override { return packets_; }
-    const std::optional<PhotoError>& Refusal() const noexcept override { return refusal_; }
-    std::size_t PacketLimitBytes() const noexcept override { return kPacketBytesLimit; }
     std::size_t PacketRoomBytes() const noexcept override;
-    SavePlan Plan(const PacketParts& packet) const override;
     std::vector<ByteRange> Changeable() const override;
     std::string OtherContent() const override;
 
@@ -54,8 +50,8 @@ public:
 private:
     bool ReadHeader(HeaderReader& reader);
     void ReadDirectory(HeaderReader& reader);
-    void NotePacket(std::uint64_t number);
-    void Refuse(PhotoError::Kind kind, const std::string& reason);
+    void NotePacketEntry(std::uint64_t number);
+    SavePlan PlanPlace(const PacketParts& packet) const override;
 
     std::uint64_t Number(std::string_view bytes, std::uint64_t at, std::size_t count) const
     {
@@ -77,10 +73,8 @@ private:
     std::string entries_;
     std::string nextDirectory_;
     std::optional<std::uint64_t> packetEntry_;
-    std::vector<ByteRange> packets_;
     bool isInline_ = false;  // the packet's few bytes stand in the entry
     bool isDng_ = false;
-    std::optional<PhotoError> refusal_;
 };
 
 TiffFile::TiffFile(ByteSource& source) : fileBytes_(source.SizeBytes())
@@ -88,13 +82,6 @@ TiffFile::TiffFile(ByteSource& source) : fileBytes_(source.SizeBytes())
     HeaderReader reader(source);
     if (ReadHeader(reader)) {
         ReadDirectory(reader);
-    }
-}
-
-void TiffFile::Refuse(PhotoError::Kind kind, const std::string& reason)
-{
-    if (!refusal_) {
-        refusal_.emplace(kind, reason);
     }
 }
 
@@ -153,12 +140,12 @@ void TiffFile::ReadDirectory(HeaderReader& reader)
         const std::uint64_t tag = Number(Entry(number), 0, 2);
         isDng_ = isDng_ || tag == kTagDngVersion;
         if (tag == kTagPacket) {
-            NotePacket(number);
+            NotePacketEntry(number);
         }
     }
 }
 
-void TiffFile::NotePacket(std::uint64_t number)
+void TiffFile::NotePacketEntry(std::uint64_t number)
 {
     if (packetEntry_) {
         Refuse(PhotoError::Kind::kRefused,
@@ -183,7 +170,7 @@ void TiffFile::NotePacket(std::uint64_t number)
         Refuse(PhotoError::Kind::kBroken, "the file is cut off within its metadata packet");
         return;
     }
-    packets_.push_back(packet);
+    NotePacket(packet);
     const ByteRange header{0, sizes_->firstOffsetAt + sizes_->number};
     if (!isInline_ && (Overlap(packet, header) || Overlap(packet, directory_))) {
         Refuse(PhotoError::Kind::kBroken,
@@ -205,7 +192,7 @@ std::string TiffFile::NumberPair(std::uint64_t count, std::uint64_t offset) cons
 
 std::size_t TiffFile::PacketRoomBytes() const noexcept
 {
-    return packets_.empty() || isInline_ ? 0 : static_cast<std::size_t>(packets_.front().bytes);
+    return Packets().empty() || isInline_ ? 0 : static_cast<std::size_t>(Packets().front().bytes);
 }
 
 std::string TiffFile::GrownDirectory(std::uint64_t packetBytes, std::uint64_t offset) const
@@ -223,14 +210,11 @@ std::string TiffFile::GrownDirectory(std::uint64_t packetBytes, std::uint64_t of
     return NumberBytes(count + 1, sizes_->entryCount, order_) + entries + nextDirectory_;
 }
 
-SavePlan TiffFile::Plan(const PacketParts& packet) const
+SavePlan TiffFile::PlanPlace(const PacketParts& packet) const
 {
-    if (refusal_) {
-        throw PhotoError(*refusal_);
-    }
     const std::size_t bytes = packet.main.size();
-    if (!packets_.empty() && !isInline_ && packets_.front().bytes == bytes) {
-        return {{packets_.front(), packet.main}};
+    if (!Packets().empty() && !isInline_ && Packets().front().bytes == bytes) {
+        return {{Packets().front(), packet.main}};
     }
     if (bytes <= sizes_->number) {
         throw PhotoError(PhotoError::Kind::kRefused, "the metadata is too short for a TIFF file");
@@ -239,10 +223,10 @@ SavePlan TiffFile::Plan(const PacketParts& packet) const
     // What is appended begins at an even byte, as the format wants it.
     std::string appended(fileBytes_ & 1, '\0');
     std::uint64_t end = 0;
-    if (packetEntry_ && packets_.front().End() == fileBytes_ && !isInline_) {
-        plan.push_back({PacketFields(), NumberPair(bytes, packets_.front().offset)});
-        plan.push_back({packets_.front(), packet.main});
-        end = packets_.front().offset + bytes;
+    if (packetEntry_ && Packets().front().End() == fileBytes_ && !isInline_) {
+        plan.push_back({PacketFields(), NumberPair(bytes, Packets().front().offset)});
+        plan.push_back({Packets().front(), packet.main});
+        end = Packets().front().offset + bytes;
     } else if (packetEntry_) {
         const std::uint64_t offset = fileBytes_ + appended.size();
         plan.push_back({PacketFields(), NumberPair(bytes, offset)});
@@ -271,8 +255,8 @@ std::vector<ByteRange> TiffFile::Changeable() const
     if (packetEntry_) {
         ranges.push_back(PacketFields());
     }
-    if (!packets_.empty() && !isInline_) {
-        ranges.push_back(packets_.front());
+    if (!Packets().empty() && !isInline_) {
+        ranges.push_back(Packets().front());
     }
     SortRanges(ranges);
     return ranges;

@@ -23,8 +23,6 @@ constexpr std::uint64_t kExtendedBytes = 10;
 constexpr unsigned char kPacketFlag = 0x04;
 constexpr unsigned char kAlphaFlag = 0x10;
 
-constexpr std::size_t kMaxPackets = 64;
-
 struct Chunk {
     std::uint64_t begin = 0;
     std::uint64_t contentBytes = 0;
@@ -57,10 +55,6 @@ class WebpFile final : public PhotoFormat {
 public:
     explicit WebpFile(ByteSource& source);
 
-    const std::vector<ByteRange>& Packets() const noexcept override { return packets_; }
-    const std::optional<PhotoError>& Refusal() const noexcept override { return refusal_; }
-    std::size_t PacketLimitBytes() const noexcept override { return kPacketBytesLimit; }
-    SavePlan Plan(const PacketParts& packet) const override;
     std::vector<ByteRange> Changeable() const override;
     std::vector<std::uint64_t> PointerTargets() const override { return {riffEnd_}; }
     std::string OtherContent() const override;
@@ -69,17 +63,15 @@ private:
     /// Nothing at the end of the RIFF file and where it is damaged, which Refusal() tells.
     std::optional<Chunk> ReadChunk(HeaderReader& reader, std::uint64_t position);
     void NoteFirst(HeaderReader& reader, const Chunk& chunk);
-    void NotePacket(const Chunk& chunk);
-    void Refuse(PhotoError::Kind kind, const std::string& reason);
+    void NotePacketChunk(const Chunk& chunk);
+    SavePlan PlanPlace(const PacketParts& packet) const override;
 
-    std::vector<ByteRange> packets_;
     std::vector<ByteRange> chunks_;      // one for each packet
     std::optional<ByteRange> extended_;  // the VP8X chunk
     std::string content_;                // its content, also where it is yet to be made
     std::uint64_t riffEnd_ = 0;
     std::uint64_t place_ = 0;  // of a new packet
     bool isCut_ = false;
-    std::optional<PhotoError> refusal_;
 };
 
 WebpFile::WebpFile(ByteSource& source)
@@ -103,7 +95,7 @@ WebpFile::WebpFile(ByteSource& source)
             NoteFirst(reader, *chunk);
         }
         if (chunk->name == kPacketName) {
-            NotePacket(*chunk);
+            NotePacketChunk(*chunk);
         } else if (chunk->name == kExtendedName && chunk->begin != kFirstChunk) {
             Refuse(PhotoError::Kind::kBroken,
                    "its structure is damaged: a header out of place" + AtByte(chunk->begin));
@@ -115,15 +107,8 @@ WebpFile::WebpFile(ByteSource& source)
         Refuse(PhotoError::Kind::kBroken,
                "its structure is damaged: no header of an image at byte 12");
     }
-    if (isCut_ && packets_.empty()) {
+    if (isCut_ && Packets().empty()) {
         Refuse(PhotoError::Kind::kBroken, "the file is cut off before its end");
-    }
-}
-
-void WebpFile::Refuse(PhotoError::Kind kind, const std::string& reason)
-{
-    if (!refusal_) {
-        refusal_.emplace(kind, reason);
     }
 }
 
@@ -181,21 +166,15 @@ void WebpFile::NoteFirst(HeaderReader& reader, const Chunk& chunk)
     }
 }
 
-void WebpFile::NotePacket(const Chunk& chunk)
+void WebpFile::NotePacketChunk(const Chunk& chunk)
 {
-    if (packets_.size() == kMaxPackets) {
-        Refuse(PhotoError::Kind::kRefused, "it holds more metadata packets than any photo");
-        return;
+    if (NotePacket({chunk.Content(), chunk.contentBytes})) {
+        chunks_.push_back({chunk.begin, chunk.End() - chunk.begin});
     }
-    packets_.push_back({chunk.Content(), chunk.contentBytes});
-    chunks_.push_back({chunk.begin, chunk.End() - chunk.begin});
 }
 
-SavePlan WebpFile::Plan(const PacketParts& packet) const
+SavePlan WebpFile::PlanPlace(const PacketParts& packet) const
 {
-    if (refusal_) {
-        throw PhotoError(*refusal_);
-    }
     std::string content = content_;
     content[0] = static_cast<char>(static_cast<unsigned char>(content[0]) | kPacketFlag);
     SavePlan plan;

@@ -83,6 +83,29 @@ std::string FormatHarness::Refusal(std::string_view bytes) const
     return format->Refusal() ? format->Refusal()->what() : "";
 }
 
+void FormatHarness::ExpectPlaces(std::span<const PlaceCase> rows) const
+{
+    for (const PlaceCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(Refusal(row.before), "");
+        EXPECT_EQ(Packet(row.before), row.packet);
+        EXPECT_TRUE(Save(row.before, "new") == row.after);
+        EXPECT_EQ(Packet(row.after), "new");
+        EXPECT_TRUE(Save(row.after, "new") == row.after);
+        EXPECT_TRUE(Save(Save(row.after, "a longer packet"), "new") == row.after);
+    }
+}
+
+void FormatHarness::ExpectRefusals(std::span<const RefusalCase> rows, std::string_view packet) const
+{
+    for (const RefusalCase& row : rows) {
+        SCOPED_TRACE(row.name);
+        EXPECT_EQ(Refusal(row.bytes), row.reason);
+        EXPECT_EQ(Packet(row.bytes), row.packet);
+        EXPECT_EQ(Save(row.bytes, packet), row.reason);
+    }
+}
+
 void FormatHarness::ExpectEveryByteIsChecked(std::string_view bytes, std::string_view packet) const
 {
     MemorySource original(bytes);

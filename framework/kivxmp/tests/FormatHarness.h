@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <memory>
+#include <span>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,22 @@ private:
     photo::MemorySource memory_;
 };
 
+/// A file, the packet that is found in it, and the file with the packet "new".
+struct PlaceCase {
+    const char* name;
+    std::string before;
+    std::string packet;
+    std::string after;
+};
+
+/// A file that is not saved, the packet that is shown all the same ("-" for none), and the reason.
+struct RefusalCase {
+    const char* name;
+    std::string bytes;
+    const char* packet;
+    const char* reason;
+};
+
 class FormatHarness {
 public:
     using Reader = std::unique_ptr<photo::PhotoFormat> (*)(photo::ByteSource& source);
@@ -49,6 +66,12 @@ public:
     std::string Packet(std::string_view bytes) const;
     /// "" where there is none.
     std::string Refusal(std::string_view bytes) const;
+
+    /// Expects that each file is read and saved as its row says, and that saving again, or another
+    /// packet in between, gives the same file.
+    void ExpectPlaces(std::span<const PlaceCase> rows) const;
+    /// Expects that each file is refused as its row says, whatever `packet` is to be saved.
+    void ExpectRefusals(std::span<const RefusalCase> rows, std::string_view packet) const;
 
     /// Expects that a save of `packet` into `bytes` would not pass with any byte of it wrong, or
     /// with any part of it missing.

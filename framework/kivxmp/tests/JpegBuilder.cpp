@@ -2,6 +2,8 @@
 
 #include <stdexcept>
 
+#include "framework/kivxmp/src/ByteNumbers.h"
+
 namespace kivxmp::test {
 
 namespace {
@@ -12,23 +14,14 @@ using namespace std::string_view_literals;
 constexpr std::size_t kIndexPictures = 4;
 constexpr std::size_t kIndexDirectoryBytes = 8 + 2 + 3 * 12 + 4;
 
-std::string Number(std::uint64_t value, std::size_t bytes, bool bigEndian)
+photo::ByteOrder OrderOf(bool bigEndian)
 {
-    std::string text;
-    for (std::size_t i = 0; i < bytes; ++i) {
-        const std::size_t place = bigEndian ? bytes - 1 - i : i;
-        text.push_back(static_cast<char>(value >> (8 * place) & 0xFF));
-    }
-    return text;
+    return bigEndian ? photo::ByteOrder::kBig : photo::ByteOrder::kLittle;
 }
 
-std::uint32_t ReadNumber(std::string_view bytes, std::size_t at, bool bigEndian)
+std::string Number(std::uint64_t value, std::size_t bytes, bool bigEndian)
 {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < 4; ++i) {
-        value = value << 8 | static_cast<unsigned char>(bytes.at(at + (bigEndian ? i : 3 - i)));
-    }
-    return value;
+    return photo::NumberBytes(value, bytes, OrderOf(bigEndian));
 }
 
 std::string PictureEntry(std::size_t bytes, std::size_t offset, bool bigEndian)
@@ -192,8 +185,8 @@ std::vector<std::string> PicturesByIndex(std::string_view file)
     const bool bigEndian = file.at(index) == 'M';
     for (std::size_t i = 0; i < kIndexPictures; ++i) {
         const std::size_t entry = index + kIndexDirectoryBytes + 16 * i;
-        const std::uint32_t bytes = ReadNumber(file, entry + 4, bigEndian);
-        const std::uint32_t offset = ReadNumber(file, entry + 8, bigEndian);
+        const std::uint64_t bytes = photo::GetNumber(file, entry + 4, 4, OrderOf(bigEndian));
+        const std::uint64_t offset = photo::GetNumber(file, entry + 8, 4, OrderOf(bigEndian));
         if (bytes == 0) {
             break;
         }

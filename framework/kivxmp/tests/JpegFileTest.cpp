@@ -19,16 +19,11 @@ using test::FormatHarness;
 using test::Jpeg;
 using test::PacketOfSize;
 using test::PicturesByIndex;
+using test::PlaceCase;
+using test::RefusalCase;
 using test::WatchedSource;
 
 const FormatHarness kJpeg(ReadJpeg);
-
-struct PlaceCase {
-    const char* name;
-    std::string before;
-    std::string packet;  // found in `before`
-    std::string after;   // with the packet "new"
-};
 
 std::vector<PlaceCase> PlaceCases()
 {
@@ -98,24 +93,8 @@ std::vector<PlaceCase> PlaceCases()
 
 TEST(JpegFile, PlacesThePacket)
 {
-    for (const PlaceCase& row : PlaceCases()) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(kJpeg.Refusal(row.before), "");
-        EXPECT_EQ(kJpeg.Packet(row.before), row.packet);
-        EXPECT_TRUE(kJpeg.Save(row.before, "new") == row.after);
-        EXPECT_EQ(kJpeg.Packet(row.after), "new");
-        // Setting the packet again, and another one and this one again, changes nothing more.
-        EXPECT_TRUE(kJpeg.Save(row.after, "new") == row.after);
-        EXPECT_TRUE(kJpeg.Save(kJpeg.Save(row.after, "a longer packet"), "new") == row.after);
-    }
+    kJpeg.ExpectPlaces(PlaceCases());
 }
-
-struct RefusalCase {
-    const char* name;
-    std::string bytes;
-    const char* packet;
-    const char* reason;
-};
 
 TEST(JpegFile, Refusals)
 {
@@ -157,12 +136,7 @@ TEST(JpegFile, Refusals)
         {"cut within the index", Jpeg().Xmp("p").Index(true).Bytes().substr(0, 90), "p",
          "it is cut off within its index of further pictures"},
     };
-    for (const RefusalCase& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(kJpeg.Refusal(row.bytes), row.reason);
-        EXPECT_EQ(kJpeg.Packet(row.bytes), row.packet);
-        EXPECT_EQ(kJpeg.Save(row.bytes, "new"), row.reason);
-    }
+    kJpeg.ExpectRefusals(rows, "new");
 }
 
 // Up to the packet's end a cut file is refused; behind it, it is saved as it is.

@@ -13,17 +13,12 @@ namespace {
 
 using namespace std::string_view_literals;
 using test::FormatHarness;
+using test::PlaceCase;
 using test::Png;
+using test::RefusalCase;
 using test::WatchedSource;
 
 const FormatHarness kPng(ReadPng);
-
-struct PlaceCase {
-    const char* name;
-    std::string before;
-    std::string packet;  // found in `before`
-    std::string after;   // with the packet "new"
-};
 
 TEST(PngFile, PlacesThePacket)
 {
@@ -48,22 +43,8 @@ TEST(PngFile, PlacesThePacket)
         {"bytes behind the end", Png().Xmp("old").Image().Raw("trailer iTXt").Bytes(), "old",
          Png().Xmp("new").Image().Raw("trailer iTXt").Bytes()},
     };
-    for (const PlaceCase& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(kPng.Refusal(row.before), "");
-        EXPECT_EQ(kPng.Packet(row.before), row.packet);
-        EXPECT_TRUE(kPng.Save(row.before, "new") == row.after);
-        EXPECT_EQ(kPng.Packet(row.after), "new");
-        EXPECT_TRUE(kPng.Save(kPng.Save(row.after, "a longer packet"), "new") == row.after);
-    }
+    kPng.ExpectPlaces(rows);
 }
-
-struct RefusalCase {
-    const char* name;
-    std::string bytes;
-    const char* packet;
-    const char* reason;
-};
 
 TEST(PngFile, Refusals)
 {
@@ -99,12 +80,7 @@ TEST(PngFile, Refusals)
         {"no text", Png().Chunk("iTXt", "XML:com.adobe.xmp\0\0"sv).Image().Bytes(), "-",
          "its structure is damaged: a text chunk that cannot be read at byte 33"},
     };
-    for (const RefusalCase& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(kPng.Refusal(row.bytes), row.reason);
-        EXPECT_EQ(kPng.Packet(row.bytes), row.packet);
-        EXPECT_EQ(kPng.Save(row.bytes, "new"), row.reason);
-    }
+    kPng.ExpectRefusals(rows, "new");
     EXPECT_EQ(kPng.Packet(Png().Chunk("iTXt", notPacked).Image().Bytes()),
               "its compressed metadata cannot be unpacked at byte 33");
 }

@@ -14,6 +14,7 @@ namespace {
 
 using namespace std::string_view_literals;
 using test::FormatHarness;
+using test::RefusalCase;
 using test::Tiff;
 using test::TiffLayout;
 using test::WatchedSource;
@@ -135,13 +136,6 @@ TEST(TiffFile, APacketOfFewBytesIsRefused)
               "the metadata is too short for a TIFF file");
 }
 
-struct RefusalCase {
-    const char* name;
-    std::string bytes;
-    const char* packet;
-    const char* reason;
-};
-
 TEST(TiffFile, Refusals)
 {
     const std::string whole = Photo({}, kOld).Bytes();
@@ -173,12 +167,7 @@ TEST(TiffFile, Refusals)
         {"two packets", Tiff().Xmp(kOld).Xmp(kSame).Bytes(), "the old packet, twenty-nine b",
          "it holds several metadata packets, which cannot be put together"},
     };
-    for (const RefusalCase& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(kTiff.Refusal(row.bytes), row.reason);
-        EXPECT_EQ(kTiff.Packet(row.bytes), row.packet);
-        EXPECT_EQ(kTiff.Save(row.bytes, kSame), row.reason);
-    }
+    kTiff.ExpectRefusals(rows, kSame);
     const std::string overDirectory = with(entry + 8, "\x0A\0\0\0"sv);
     EXPECT_EQ(kTiff.Save(overDirectory, kSame),
               "its structure is damaged: its metadata lies over its directory");

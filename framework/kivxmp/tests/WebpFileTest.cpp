@@ -13,6 +13,8 @@ namespace {
 
 using namespace std::string_view_literals;
 using test::FormatHarness;
+using test::PlaceCase;
+using test::RefusalCase;
 using test::WatchedSource;
 using test::Webp;
 
@@ -21,13 +23,6 @@ const FormatHarness kWebp(ReadWebp);
 constexpr unsigned char kAlpha = 0x10;
 constexpr unsigned char kExif = 0x08;
 constexpr unsigned char kXmp = 0x04;
-
-struct PlaceCase {
-    const char* name;
-    std::string before;
-    std::string packet;  // found in `before`
-    std::string after;   // with the packet "new"
-};
 
 TEST(WebpFile, PlacesThePacket)
 {
@@ -53,22 +48,8 @@ TEST(WebpFile, PlacesThePacket)
         {"an empty packet", Webp().Extended(kXmp).Image().Xmp("").Bytes(), "",
          Webp().Extended(kXmp).Image().Xmp("new").Bytes()},
     };
-    for (const PlaceCase& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(kWebp.Refusal(row.before), "");
-        EXPECT_EQ(kWebp.Packet(row.before), row.packet);
-        EXPECT_TRUE(kWebp.Save(row.before, "new") == row.after);
-        EXPECT_EQ(kWebp.Packet(row.after), "new");
-        EXPECT_TRUE(kWebp.Save(kWebp.Save(row.after, "a longer packet"), "new") == row.after);
-    }
+    kWebp.ExpectPlaces(rows);
 }
-
-struct RefusalCase {
-    const char* name;
-    std::string bytes;
-    const char* packet;
-    const char* reason;
-};
 
 TEST(WebpFile, Refusals)
 {
@@ -100,12 +81,7 @@ TEST(WebpFile, Refusals)
         {"cut behind the header", Webp().Extended(0).Image().Bytes().substr(0, 40), "-",
          "the file is cut off before its end"},
     };
-    for (const RefusalCase& row : rows) {
-        SCOPED_TRACE(row.name);
-        EXPECT_EQ(kWebp.Refusal(row.bytes), row.reason);
-        EXPECT_EQ(kWebp.Packet(row.bytes), row.packet);
-        EXPECT_EQ(kWebp.Save(row.bytes, "new"), row.reason);
-    }
+    kWebp.ExpectRefusals(rows, "new");
 }
 
 // Up to the packet's end a cut file is refused; behind it, it is saved as it is, and its size goes
