@@ -36,10 +36,8 @@ inline int FuzzPhotoFormat(const std::uint8_t* data, std::size_t size, PhotoRead
     if (row == nullptr || row->read != read) {
         return 0;
     }
-    if (row->nameOf != nullptr) {
-        static_cast<void>(row->nameOf(source, "tif"));
-    }
     const std::unique_ptr<photo::PhotoFormat> format = read(source);
+    static_cast<void>(format->NameOf(row->name, "tif"));
     for (std::size_t number = 0; number < format->Packets().size(); ++number) {
         try {
             const std::string text = format->ReadPacket(number, source);

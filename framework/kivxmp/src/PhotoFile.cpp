@@ -73,6 +73,8 @@ struct Place {
     std::string format;
     PhotoOrigin::Reader read = nullptr;
     std::string note;
+    /// Of the file at `path`, where it was read to find that out.
+    std::unique_ptr<PhotoFormat> content;
 };
 
 UString SidecarOf(const UString& photoPath, SidecarName name)
@@ -87,7 +89,7 @@ UString SidecarOf(const UString& photoPath, SidecarName name)
 
 Place SidecarPlace(const UString& path, std::string note)
 {
-    return {PacketPlace::kSidecar, path, "sidecar", ReadSidecar, std::move(note)};
+    return {PacketPlace::kSidecar, path, "sidecar", ReadSidecar, std::move(note), nullptr};
 }
 
 /// What the content of a photo asks for.
@@ -113,22 +115,30 @@ Place FindPlace(const UString& path, ByteSource& source, const OpenOptions& opti
         }
     }
     const char* name = row != nullptr ? row->name : "unknown";
-    bool embeds = row != nullptr && row->read != nullptr;
-    if (embeds && row->nameOf != nullptr) {
-        const char* const own = row->nameOf(source, extension);
-        embeds = own != nullptr;
-        name = embeds ? own : name;
+    std::unique_ptr<PhotoFormat> content;
+    if (row != nullptr && row->read != nullptr) {
+        content = row->read(source);
+        if (const char* const own = content->NameOf(name, extension)) {
+            name = own;
+        } else {
+            content.reset();
+        }
     }
+    const bool embeds = content != nullptr;
     if (options.place == PacketPlace::kEmbedded && !embeds) {
         throw PhotoError(PhotoError::Kind::kRefused,
                          std::string("metadata embedded in ") + name + " files cannot be read yet");
     }
     if (embeds && options.place != PacketPlace::kSidecar) {
-        return {PacketPlace::kEmbedded, path, name, row->read,
+        return {PacketPlace::kEmbedded,
+                path,
+                name,
+                row->read,
                 sidecarExists
                     ? "there is a sidecar besides, but the metadata in the photo counts: " +
                           PathToUTF8(sidecar)
-                    : ""};
+                    : "",
+                std::move(content)};
     }
     Place place =
         SidecarPlace(sidecar, row == nullptr ? ""
@@ -140,7 +150,7 @@ Place FindPlace(const UString& path, ByteSource& source, const OpenOptions& opti
 }
 
 /// Opens the place, where it is there, and fills `origin`.
-std::unique_ptr<__XMPMeta__> OpenPlace(const Place& place, InputFile* file)
+std::unique_ptr<__XMPMeta__> OpenPlace(Place place, InputFile* file)
 {
     const auto origin = std::make_shared<PhotoOrigin>();
     origin->info.format = place.format;
@@ -157,7 +167,8 @@ std::unique_ptr<__XMPMeta__> OpenPlace(const Place& place, InputFile* file)
         meta = __XMPMeta__::Create();
     } else {
         FileSource source(*file);
-        origin->Note(place.read(source), file->Identity());
+        origin->Note(place.content ? std::move(place.content) : place.read(source),
+                     file->Identity());
         if (origin->refusal && origin->format->Packets().empty() &&
             origin->refusal->GetKind() == PhotoError::Kind::kBroken) {
             throw PhotoError(*origin->refusal);
@@ -193,15 +204,15 @@ std::unique_ptr<__XMPMeta__> Open(const UString& path, const OpenOptions& option
     RecoverReplacedFile(photo::FullSidecarName(path));
     RecoverReplacedFile(photo::ShortSidecarName(path));
     FileSource source(file);
-    const Place place = FindPlace(path, source, options);
+    Place place = FindPlace(path, source, options);
     if (place.kind == PacketPlace::kEmbedded) {
-        return OpenPlace(place, &file);
+        return OpenPlace(std::move(place), &file);
     }
     if (!File(place.path).Exists()) {
-        return OpenPlace(place, nullptr);
+        return OpenPlace(std::move(place), nullptr);
     }
     InputFile sidecar(place.path);
-    return OpenPlace(place, &sidecar);
+    return OpenPlace(std::move(place), &sidecar);
 }
 
 std::vector<const Node*> Pointers(const std::vector<Node>& nodes)

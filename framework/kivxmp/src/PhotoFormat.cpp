@@ -94,6 +94,11 @@ private:
 
 PhotoFormat::~PhotoFormat() = default;
 
+const char* PhotoFormat::NameOf(const char* signatureName, std::string_view) const
+{
+    return signatureName;
+}
+
 SavePlan PhotoFormat::Plan(const PacketParts& packet) const
 {
     if (refusal_) {

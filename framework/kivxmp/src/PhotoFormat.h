@@ -47,6 +47,10 @@ class PhotoFormat {
 public:
     virtual ~PhotoFormat();
 
+    /// What a file of this content is called, given what its signature says and the extension of
+    /// its name (lower case, without the dot); null if packets in it are not ours to read or write.
+    virtual const char* NameOf(const char* signatureName, std::string_view extension) const;
+
     /// Where the main packets lie, in file order. The first one counts.
     const std::vector<ByteRange>& Packets() const noexcept { return packets_; }
 
@@ -114,9 +118,6 @@ struct FormatRow {
     std::string_view signature;
     /// Null: packets in such files are not read, they have a sidecar.
     std::unique_ptr<PhotoFormat> (*read)(ByteSource& source);
-    /// Where the content alone does not tell: the name of the format of a file with that extension
-    /// (lower case, without the dot); null if its packets are not to be read either.
-    const char* (*nameOf)(ByteSource& source, std::string_view extension);
     /// Extensions that promise this format: lower case, a space around each. A file with such a
     /// name and unknown content is damaged, not foreign.
     std::string_view extensions;

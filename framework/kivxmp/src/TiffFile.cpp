@@ -40,14 +40,13 @@ class TiffFile final : public PhotoFormat {
 public:
     explicit TiffFile(ByteSource& source);
 
+    const char* NameOf(const char* signatureName, std::string_view extension) const override;
     std::size_t PacketRoomBytes() const noexcept override;
     std::vector<ByteRange> Changeable() const override;
     std::string OtherContent() const override;
 
-    bool IsDng() const { return isDng_; }
-    bool IsBig() const { return sizes_ == &kBig; }
-
 private:
+    bool IsBig() const { return sizes_ == &kBig; }
     bool ReadHeader(HeaderReader& reader);
     void ReadDirectory(HeaderReader& reader);
     void NotePacketEntry(std::uint64_t number);
@@ -83,6 +82,14 @@ TiffFile::TiffFile(ByteSource& source) : fileBytes_(source.SizeBytes())
     if (ReadHeader(reader)) {
         ReadDirectory(reader);
     }
+}
+
+const char* TiffFile::NameOf(const char* signatureName, std::string_view extension) const
+{
+    if (isDng_) {
+        return "DNG";
+    }
+    return extension == "tif" || extension == "tiff" ? signatureName : nullptr;
 }
 
 bool TiffFile::ReadHeader(HeaderReader& reader)
@@ -278,18 +285,6 @@ std::string TiffFile::OtherContent() const
 std::unique_ptr<PhotoFormat> ReadTiff(ByteSource& source)
 {
     return std::make_unique<TiffFile>(source);
-}
-
-const char* TiffName(ByteSource& source, std::string_view extension)
-{
-    const TiffFile file(source);
-    if (file.IsDng()) {
-        return "DNG";
-    }
-    if (extension == "tif" || extension == "tiff") {
-        return file.IsBig() ? "BigTIFF" : "TIFF";
-    }
-    return nullptr;
 }
 
 }  // namespace kivxmp::photo

@@ -4,18 +4,14 @@
 #pragma once
 
 #include <memory>
-#include <string_view>
 
 #include "framework/kivxmp/src/PhotoFormat.h"
 
 namespace kivxmp::photo {
 
-/// A broken structure is told by Refusal(); throws only where the file cannot be read.
+/// A broken structure is told by Refusal(); throws only where the file cannot be read. The file is
+/// "DNG" if its first directory says so, a TIFF file if its extension does; all others are raw
+/// files of camera makers, which only look like one.
 std::unique_ptr<PhotoFormat> ReadTiff(ByteSource& source);
-
-/// What a file that is TIFF inside is: "TIFF" or "BigTIFF" if its extension (lower case, without
-/// the dot) says so, "DNG" if its first directory does; null for a raw file of a camera maker,
-/// which only looks like one.
-const char* TiffName(ByteSource& source, std::string_view extension);
 
 }  // namespace kivxmp::photo
