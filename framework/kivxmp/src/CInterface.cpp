@@ -149,6 +149,15 @@ KivXmpCode KivXmpClone(const __XMPMeta__* meta, __XMPMeta__** clone)
     });
 }
 
+KivXmpCode KivXmpReplacePacket(__XMPMeta__* meta, const __XMPMeta__* other)
+{
+    return RunGuarded([&] {
+        ThrowIfNull(meta, "meta");
+        ThrowIfNull(other, "other");
+        meta->ReplacePacket(*other);
+    });
+}
+
 void KivXmpRelease(__XMPMeta__* meta)
 {
     delete meta;

@@ -55,6 +55,8 @@ public:
     std::vector<Slot> slots;
     std::size_t nodeCount = 0;
     std::shared_ptr<Origin> origin;
+    /// The packet that ReplacePacket put aside for this one; null unless it was called.
+    std::shared_ptr<const Packet> replaced;
 
     /// Number of the first slot of that name; kNowhere where there is none.
     std::size_t SlotOf(const NameKey* key) const noexcept

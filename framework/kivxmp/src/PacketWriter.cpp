@@ -398,7 +398,9 @@ std::string WritePacket(const ObjectState& object, const SerializeOptions& optio
 {
     const bool isChanged = std::any_of(object.slots.begin(), object.slots.end(),
                                        [](const Slot& slot) { return slot.IsChanged(); });
-    if (!isChanged && !object.packet->isNew) {
+    const bool isKept = !options.shortensUnchanged || !object.packet->hasWrapper ||
+                        object.packet->bytes.size() <= options.maxBytes;
+    if (!isChanged && !object.packet->isNew && isKept) {
         return object.packet->bytes;
     }
     return PacketWriter(object, options).Write();

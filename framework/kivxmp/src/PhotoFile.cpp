@@ -8,6 +8,7 @@
 #include <exception>
 #include <utility>
 
+#include "framework/kivxmp/src/Encoding.h"
 #include "framework/kivxmp/src/PacketDigest.h"
 #include "framework/kivxmp/src/PhotoOrigin.h"
 #include "framework/kivxmp/src/PhotoPackets.h"
@@ -287,6 +288,12 @@ void RefusePhoto(const UString& path)
     }
 }
 
+bool IsUtf8(std::string_view packet)
+{
+    const Encoding encoding = DetectEncoding(packet);
+    return encoding == Encoding::kUtf8 || encoding == Encoding::kAscii;
+}
+
 /// One save: what is put together before the file is touched, and what is found out about the copy.
 class Save {
 public:
@@ -311,11 +318,23 @@ public:
                                                     " file has room for " + std::to_string(limit) +
                                                     "; nothing was written");
         }
+        RefuseUnsuited(origin);
         if (!packet_.extended.empty()) {
             // Pieces of the same part that nobody named until now would be in its way.
-            origin.format->TakeExtended(photo::PacketDigest(packet_.extended), *source_);
+            extendedThere_ =
+                origin.format->TakeExtended(photo::PacketDigest(packet_.extended), *source_)
+                    .value_or(std::string());
         }
         plan_ = origin.format->Plan(packet_);
+    }
+
+    /// True if the file holds this packet already, and no other one. An edit cannot lead there, a
+    /// packet that was put in place of the file's own can.
+    bool IsThere() const
+    {
+        const PhotoFormat& format = *origin_.format;
+        return file_ && file_->Identity() == origin_.identity && format.Packets().size() == 1 &&
+               format.ReadPacket(0, *source_) == packet_.main && extendedThere_ == packet_.extended;
     }
 
     FileIdentity Run()
@@ -331,6 +350,25 @@ public:
     std::unique_ptr<__XMPMeta__> TakeObject() { return std::move(writtenObject_); }
 
 private:
+    /// A packet that comes from elsewhere may be one that no photo should have.
+    void RefuseUnsuited(const PhotoOrigin& origin) const
+    {
+        if (origin.info.place != PacketPlace::kEmbedded) {
+            return;
+        }
+        // A photo that has such a packet already keeps its encoding.
+        if (!IsUtf8(packet_.main) &&
+            (origin.format->Packets().empty() || IsUtf8(origin.format->ReadPacket(0, *source_)))) {
+            throw PhotoError(PhotoError::Kind::kRefused,
+                             "a photo takes a packet in UTF-8 only, and this one is in another "
+                             "encoding");
+        }
+        if (origin.format->TakesExtended() && NamesExtended(meta_)) {
+            throw PhotoError(PhotoError::Kind::kRefused,
+                             "the packet tells of an extended part that does not come with it");
+        }
+    }
+
     void Write(OutputFile& out)
     {
         photo::ApplyPlan(
@@ -372,6 +410,7 @@ private:
     std::optional<InputFile> file_;
     std::unique_ptr<ByteSource> source_;
     photo::PacketParts packet_;
+    std::string extendedThere_;  // the part of that name that the file holds already
     photo::SavePlan plan_;
     std::unique_ptr<PhotoFormat> writtenFormat_;
     std::unique_ptr<__XMPMeta__> writtenObject_;
@@ -437,6 +476,9 @@ SaveResult SavePhoto(__XMPMeta__& meta)
     }
     try {
         Save save(meta, origin);
+        if (save.IsThere()) {
+            return SaveResult::kNothingToSave;
+        }
         const FileIdentity identity = save.Run();
         origin.Note(save.TakeFormat(), identity);
         const std::unique_ptr<__XMPMeta__> saved = save.TakeObject();

@@ -73,14 +73,18 @@ std::unique_ptr<__XMPMeta__> Settled(const __XMPMeta__& meta)
     return __XMPMeta__::Parse(meta.Serialize({.paddingBytes = 0}));
 }
 
+std::optional<std::string> NameOfExtended(const __XMPMeta__& meta)
+{
+    return TextOf(meta.FindProperty(kNoteUri, kExtendedName));
+}
+
 /// Adds the extended part that the packet names.
 void JoinExtended(PhotoObject& object, ByteSource& source, PhotoFormat& format)
 {
     if (!format.TakesExtended()) {
         return;
     }
-    const std::optional<std::string> digest =
-        TextOf(object.meta->FindProperty(kNoteUri, kExtendedName));
+    const std::optional<std::string> digest = NameOfExtended(*object.meta);
     if (!digest) {
         return;
     }
@@ -212,11 +216,16 @@ PhotoObject ReadPackets(ByteSource& source, PhotoFormat& format)
     return object;
 }
 
+bool NamesExtended(const __XMPMeta__& meta)
+{
+    return NameOfExtended(meta).has_value();
+}
+
 PacketParts SplitPacket(const __XMPMeta__& meta, const PhotoFormat& format)
 {
     const std::size_t limit = format.PacketLimitBytes();
     PacketParts parts;
-    parts.main = meta.Serialize({.maxBytes = limit});
+    parts.main = meta.Serialize({.maxBytes = limit, .shortensUnchanged = true});
     if (parts.main.size() <= limit || !format.TakesExtended()) {
         FillUp(parts.main, std::min(format.PacketRoomBytes(), limit));
         return parts;

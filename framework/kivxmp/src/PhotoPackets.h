@@ -23,6 +23,9 @@ struct PhotoObject {
 /// Throws XMP_Error, PhotoError, FileError.
 PhotoObject ReadPackets(photo::ByteSource& source, photo::PhotoFormat& format);
 
+/// True if the object names an extended part that is not in it.
+bool NamesExtended(const __XMPMeta__& meta);
+
 /// The object as its place takes it. If it takes it not, `main` is longer than the format's limit.
 /// Throws XMP_Error.
 photo::PacketParts SplitPacket(const __XMPMeta__& meta, const photo::PhotoFormat& format);

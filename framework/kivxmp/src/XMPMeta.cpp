@@ -151,6 +151,17 @@ void __XMPMeta__::Swap(__XMPMeta__& other) noexcept
     state_.swap(other.state_);
 }
 
+void __XMPMeta__::ReplacePacket(const __XMPMeta__& other)
+{
+    if (&other == this) {
+        return;
+    }
+    auto state = std::make_unique<kivxmp::ObjectState>(*other.state_);
+    state->origin = state_->origin;
+    state->replaced = state_->replaced != nullptr ? state_->replaced : state_->packet;
+    state_ = std::move(state);
+}
+
 std::string __XMPMeta__::Serialize(const kivxmp::SerializeOptions& options) const
 {
     return kivxmp::WritePacket(*state_, options);
@@ -158,6 +169,9 @@ std::string __XMPMeta__::Serialize(const kivxmp::SerializeOptions& options) cons
 
 bool __XMPMeta__::IsChanged() const
 {
+    if (state_->replaced != nullptr && state_->replaced->bytes != state_->packet->bytes) {
+        return true;
+    }
     return std::any_of(state_->slots.begin(), state_->slots.end(),
                        [](const kivxmp::Slot& slot) { return slot.IsChanged(); });
 }

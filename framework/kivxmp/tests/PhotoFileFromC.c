@@ -15,6 +15,7 @@
 int KivXmpTryPhotoFromC(const char* path, const char* packetPath)
 {
     __XMPMeta__* meta = NULL;
+    __XMPMeta__* packet = NULL;
     KivXmpPhotoInfo info;
     KivXmpOpenOptions options = {kKivXmpPlaceEmbedded, kKivXmpSidecarAuto};
     char* text = NULL;
@@ -46,6 +47,21 @@ int KivXmpTryPhotoFromC(const char* path, const char* packetPath)
     EXPECT(KivXmpOpenPhoto(packetPath, NULL, &meta) == kKivXmpOk);
     EXPECT(KivXmpGetText(meta, "dc:title[@de]", &text) == kKivXmpOk && strcmp(text, "aus C") == 0);
     KivXmpFree(text);
+
+    /* The packet by itself, and back into the photo in place of another one. */
+    EXPECT(KivXmpOpenPhoto(path, NULL, &packet) == kKivXmpOk);
+    EXPECT(KivXmpRemove(packet, "dc:title") == kKivXmpOk);
+    EXPECT(KivXmpSavePhoto(packet, &written) == kKivXmpOk && written == 1);
+    EXPECT(KivXmpReplacePacket(packet, NULL) == kKivXmpBadArgument);
+    EXPECT(KivXmpReplacePacket(packet, meta) == kKivXmpOk);
+    EXPECT(KivXmpIsChanged(packet, &written) == kKivXmpOk && written == 1);
+    EXPECT(KivXmpSavePhoto(packet, &written) == kKivXmpOk && written == 1);
+    EXPECT(KivXmpReplacePacket(packet, meta) == kKivXmpOk);
+    EXPECT(KivXmpSavePhoto(packet, &written) == kKivXmpOk && written == 0);
+    EXPECT(KivXmpGetText(packet, "dc:title[@de]", &text) == kKivXmpOk);
+    EXPECT(strcmp(text, "aus C") == 0);
+    KivXmpFree(text);
+    KivXmpRelease(packet);
     KivXmpRelease(meta);
 
     EXPECT(KivXmpCreate(&meta) == kKivXmpOk);

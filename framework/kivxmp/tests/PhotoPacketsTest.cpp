@@ -332,5 +332,111 @@ TEST_F(PhotoPacketsTest, APacketThatCannotBeSplitHasNoPlace)
     EXPECT_TRUE(folder_.Read("p.jpg") == photo);
 }
 
+/// A packet with its wrapper and that much padding.
+std::string Wrapped(std::string_view rdf, std::size_t paddingBytes)
+{
+    return "<?xpacket begin='\xEF\xBB\xBF' id='W5M0MpCehiHzreSzNTczkc9d'?>\n" + std::string(rdf) +
+           std::string(paddingBytes, ' ') + "<?xpacket end='w'?>";
+}
+
+/// Puts the packet in place of the photo's own; "written", "unchanged", or why not.
+std::string Insert(__XMPMeta__& meta, const std::string& packet)
+{
+    meta.ReplacePacket(*__XMPMeta__::Parse(packet));
+    try {
+        return SavePhoto(meta) == SaveResult::kSaved ? "written" : "unchanged";
+    } catch (const XMP_Error& error) {
+        const std::string text = error.Text();
+        return text.substr(text.rfind(": ") + 2);
+    }
+}
+
+TEST_F(PhotoPacketsTest, AWholePacketIsReplacedByteForByte)
+{
+    // Longer and shorter than what it replaces, with and without a wrapper.
+    const std::string packets[] = {
+        Wrapped(Rdf("<my:a>1</my:a><!-- kept -->"), 4000),
+        Wrapped(Rdf("<my:b>2</my:b>"), 10),
+        Rdf("<my:c>3</my:c>", "my:d = '4'") + "\n",
+    };
+    for (const FormatCase& row : kFormats) {
+        for (const bool hadOne : {false, true}) {
+            SCOPED_TRACE(row.format + std::string(hadOne ? " with a packet" : " without"));
+            folder_.Write(row.name, row.build(hadOne ? SmallPacket("old") : ""));
+            for (const std::string& packet : packets) {
+                EXPECT_EQ(Insert(*Open(row.name), packet), "written");
+                const PhotoInfo info = GetPhotoInfo(*Open(row.name));
+                const std::string there =
+                    folder_.Read(row.name).substr(info.packetOffset, info.packetBytes);
+                // Where the place is longer, spaces fill it.
+                EXPECT_EQ(there.substr(0, packet.size()), packet);
+                EXPECT_EQ(there.find_first_not_of(' ', packet.size()), std::string::npos);
+                EXPECT_EQ(Title(row.name), "-");
+
+                const std::string saved = folder_.Read(row.name);
+                EXPECT_EQ(Insert(*Open(row.name), packet), "unchanged");
+                EXPECT_TRUE(folder_.Read(row.name) == saved);
+            }
+        }
+    }
+}
+
+TEST_F(PhotoPacketsTest, ASidecarIsReplacedByteForByte)
+{
+    const std::string packet = "\xFF\xFE" + [] {
+        std::string wide;
+        for (const char c : Rdf("<my:a>1</my:a>")) {
+            wide += {c, '\0'};
+        }
+        return wide;
+    }();
+    folder_.Write("p.xmp", SmallPacket("old"));
+    EXPECT_EQ(Insert(*Open("p.xmp"), packet), "written");
+    EXPECT_TRUE(folder_.Read("p.xmp") == packet);
+    EXPECT_EQ(Insert(*Open("p.xmp"), packet), "unchanged");
+
+    // In a photo only UTF-8 is at home.
+    folder_.Write("p.jpg", Jpeg().Exif().Scan().Bytes());
+    EXPECT_THAT(Insert(*Open("p.jpg"), packet), ::testing::StartsWith("a photo takes"));
+}
+
+TEST_F(PhotoPacketsTest, AReplacingPacketThatDoesNotFitGivesUpItsPadding)
+{
+    folder_.Write("p.jpg", Jpeg().Exif().Scan().Bytes());
+    EXPECT_EQ(Insert(*Open("p.jpg"), Wrapped(Rdf("<my:a>1</my:a>"), 70000)), "written");
+    const PhotoInfo info = GetPhotoInfo(*Open("p.jpg"));
+    EXPECT_EQ(info.packetBytes, 65502u);
+    EXPECT_EQ(TextOf(Open("p.jpg")->Find("my:a")), "1");
+
+    // What has no room without padding either goes into an extended part.
+    const std::string big = Wrapped(Rdf("<my:a>" + std::string(80000, 'x') + "</my:a>"), 0);
+    EXPECT_EQ(Insert(*Open("p.jpg"), big), "written");
+    EXPECT_EQ(TextOf(Open("p.jpg")->Find("my:a"))->size(), 80000u);
+    const std::string saved = folder_.Read("p.jpg");
+    EXPECT_EQ(Insert(*Open("p.jpg"), big), "unchanged");
+    EXPECT_TRUE(folder_.Read("p.jpg") == saved);
+
+    // As another program extracts it: the part in the segment alone. The rest must not be lost.
+    const std::string main = saved.substr(GetPhotoInfo(*Open("p.jpg")).packetOffset,
+                                          GetPhotoInfo(*Open("p.jpg")).packetBytes);
+    EXPECT_THAT(Insert(*Open("p.jpg"), main), ::testing::StartsWith("the packet tells of"));
+    EXPECT_TRUE(folder_.Read("p.jpg") == saved);
+}
+
+TEST_F(PhotoPacketsTest, AReplacingPacketIsHeldToTheFilesState)
+{
+    const std::string packet = Wrapped(Rdf("<my:a>1</my:a>"), 10);
+    folder_.Write("p.jpg", Jpeg().Exif().Xmp(SmallPacket("old")).Scan().Bytes());
+    const std::unique_ptr<__XMPMeta__> meta = Open("p.jpg");
+    // The very packet comes there by another program: the file is not the one that was opened.
+    folder_.Write("p.jpg", Jpeg().Exif().Xmp(packet).Scan().Bytes());
+    EXPECT_THAT(Insert(*meta, packet), ::testing::HasSubstr("nothing was written"));
+
+    // Several packets become that one.
+    folder_.Write("p.jpg", Jpeg().Xmp(packet).Xmp(SmallPacket("second")).Scan().Bytes());
+    EXPECT_EQ(Insert(*Open("p.jpg"), packet), "written");
+    EXPECT_TRUE(folder_.Read("p.jpg") == Jpeg().Xmp(packet).Scan().Bytes());
+}
+
 }  // namespace
 }  // namespace kivxmp

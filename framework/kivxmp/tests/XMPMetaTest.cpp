@@ -341,6 +341,33 @@ TEST(XMPMeta, ClonesAndSwaps)
     EXPECT_EQ(meta->SourceBytes(), InDescription(kContent));
 }
 
+TEST(XMPMeta, AReplacedPacketKeepsItsBytesAndTheOrigin)
+{
+    class Place : public Origin {};
+    const std::string other = InDescription("<ex:t>other</ex:t>") + "\n<!-- behind -->";
+    const auto meta = Parse(InDescription(kContent));
+    meta->SetOrigin(std::make_shared<Place>());
+    const auto place = meta->GetOrigin();
+    meta->ReplacePacket(*meta);
+    EXPECT_FALSE(meta->IsChanged());
+
+    meta->ReplacePacket(*Parse(other));
+    EXPECT_EQ(meta->GetOrigin(), place);
+    EXPECT_TRUE(meta->IsChanged());
+    EXPECT_TRUE(meta->Clone()->IsChanged());
+    EXPECT_EQ(meta->Serialize(), other);
+    EXPECT_EQ(meta->PropertyCount(), 1u);
+
+    // The very bytes that were there at first are no change, whatever stood between.
+    meta->ReplacePacket(*Parse(InDescription(kContent)));
+    EXPECT_FALSE(meta->IsChanged());
+    meta->SetText("ex:n", "y");
+    EXPECT_TRUE(meta->IsChanged());
+    meta->ReplacePacket(*__XMPMeta__::Create());
+    EXPECT_TRUE(meta->IsChanged());
+    EXPECT_EQ(meta->PropertyCount(), 0u);
+}
+
 TEST(XMPMeta, ClonesOutliveTheOriginal)
 {
     auto meta = Parse(InDescription(kContent));

@@ -126,6 +126,7 @@ static int TestFailures(void)
     EXPECT(KivXmpParse("<a/>", 4, NULL) == kKivXmpBadArgument);
     EXPECT(KivXmpCreate(NULL) == kKivXmpBadArgument);
     EXPECT(KivXmpClone(NULL, &meta) == kKivXmpBadArgument);
+    EXPECT(KivXmpReplacePacket(NULL, NULL) == kKivXmpBadArgument);
     EXPECT(KivXmpSerialize(NULL, 0, &bytes, &size) == kKivXmpBadArgument);
     EXPECT(bytes == NULL && size == 0);
     EXPECT(KivXmpIsChanged(NULL, &changed) == kKivXmpBadArgument);

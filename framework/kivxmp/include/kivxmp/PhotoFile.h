@@ -64,10 +64,10 @@ KIVXMP_API PhotoInfo GetPhotoInfo(const __XMPMeta__& meta);
 enum class SaveResult { kSaved, kNothingToSave };
 
 /// Puts the packet of `meta` into the file it comes from. Nothing is written, and the file not even
-/// looked at, if nothing in the object was changed. The file must be in the state in which it was
-/// read or last saved. Afterwards the object is unchanged against the new file and can be edited
-/// and saved again; pointers to its nodes are no longer valid. After a failure file and object are
-/// as they were.
+/// looked at, if nothing in the object was changed; nothing is written if the file holds that
+/// packet already. The file must be in the state in which it was read or last saved. Afterwards the
+/// object is unchanged against the new file and can be edited and saved again; pointers to its
+/// nodes are no longer valid. After a failure file and object are as they were.
 KIVXMP_API SaveResult SavePhoto(__XMPMeta__& meta);
 
 /// Writes the packet of `meta` alone to the file at `path`, in place of one that is there (which

@@ -39,6 +39,8 @@ struct SerializeOptions {
     /// Whether an object that was not parsed from bytes gets the xpacket wrapper (and with it
     /// padding). A parsed packet stays with or without, as it was.
     bool wrapNew = true;
+    /// Whether padding is given up as well where nothing was changed; else the bytes stay as read.
+    bool shortensUnchanged = false;
 };
 
 /// A text of a language alternative.
@@ -77,10 +79,15 @@ public:
     /// clone: `meta.Swap(*clone)`.
     void Swap(__XMPMeta__& other) noexcept;
 
+    /// Becomes what `other` is, down to the bytes of its packet, but keeps its own origin: saving
+    /// then puts that packet in place of the whole old one. The two are clones from then on.
+    void ReplacePacket(const __XMPMeta__& other);
+
     /// The packet. The very bytes it was read from if nothing differs from them, also when a change
     /// was taken back; else with the bytes of the properties that did not change. Throws XMP_Error.
     std::string Serialize(const kivxmp::SerializeOptions& options = {}) const;
-    /// True if something differs from the packet that was read (for a new object: from nothing).
+    /// True if something differs from the packet that was read (for a new object: from nothing), or
+    /// if ReplacePacket put other bytes in its place.
     bool IsChanged() const;
     /// The bytes that were read; empty for a new object. Valid as long as this object or a clone.
     std::string_view SourceBytes() const noexcept;

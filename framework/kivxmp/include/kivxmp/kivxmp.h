@@ -91,6 +91,12 @@ KIVXMP_API KivXmpCode KivXmpParse(const void* bytes, size_t size, __XMPMeta__** 
 /* Makes a copy that is changed on its own. Cheap: both share what neither changes. */
 KIVXMP_API KivXmpCode KivXmpClone(const __XMPMeta__* meta, __XMPMeta__** clone);
 
+/* Makes `meta` hold what `other` holds, down to the bytes of its packet, in place of all that it held.
+ * The file that `meta` was opened from stays: KivXmpSavePhoto then puts that packet there, byte for
+ * byte where it fits; in a place that is longer spaces follow it. `other` stays as it is; the two
+ * are clones from then on. */
+KIVXMP_API KivXmpCode KivXmpReplacePacket(__XMPMeta__* meta, const __XMPMeta__* other);
+
 /* Ends an object; null is ignored. */
 KIVXMP_API void KivXmpRelease(__XMPMeta__* meta);
 
@@ -101,7 +107,8 @@ KIVXMP_API void KivXmpRelease(__XMPMeta__* meta);
 KIVXMP_API KivXmpCode KivXmpSerialize(const __XMPMeta__* meta, size_t maxBytes, void** bytes,
                                       size_t* size);
 
-/* Stores 1 in `*changed` if the object differs from the packet it was parsed from, else 0. */
+/* Stores 1 in `*changed` if the object differs from the packet it was parsed from, or if
+ * KivXmpReplacePacket put other bytes in that one's place, else 0. */
 KIVXMP_API KivXmpCode KivXmpIsChanged(const __XMPMeta__* meta, int* changed);
 
 /* One node, as a walk shows it. The texts are valid during the callback. */

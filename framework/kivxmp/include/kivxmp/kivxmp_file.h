@@ -68,7 +68,8 @@ KIVXMP_API KivXmpCode KivXmpOpenPhoto(const char* path, const KivXmpOpenOptions*
 KIVXMP_API KivXmpCode KivXmpGetPhotoInfo(const __XMPMeta__* meta, KivXmpPhotoInfo* info);
 
 /* Puts the object's packet into the file it comes from, and stores 1 in `*written` (which may be
- * null). If nothing in the object was changed, nothing is written and `*written` is 0.
+ * null). If nothing in the object was changed, or the file holds that packet already, nothing is
+ * written and `*written` is 0.
  * kKivXmpFileChanged if the file is not in the state in which it was read or last saved. After a
  * failure file and object are as they were. */
 KIVXMP_API KivXmpCode KivXmpSavePhoto(__XMPMeta__* meta, int* written);
