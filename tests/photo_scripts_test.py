@@ -149,6 +149,25 @@ FORMS = [
         "</rdf:Description>",
         ["e:q\tv", "e:q/?e:r\tw"],
     ),
+    (
+        '<rdf:Description about="" xml:lang="de" rdf:type="http://t"><e:n rdf:datatype="d">5</e:n>'
+        "</rdf:Description>",
+        ["rdf:type\t<http://t>", "e:n\t5", "e:n/?rdf:datatype\t<d>"],
+    ),
+    (
+        '<rdf:Description><dc:title><rdf:Alt><rdf:li xml:lang="de">a</rdf:li>'
+        '<rdf:li xml:lang="DE">b</rdf:li></rdf:Alt></dc:title></rdf:Description>',
+        [
+            "dc:title[1]\ta",
+            "dc:title[1]/?xml:lang\tde",
+            "dc:title[2]\tb",
+            "dc:title[2]/?xml:lang\tDE",
+        ],
+    ),
+    (
+        '<rdf:Description><e:s><e:K e:f="a"/></e:s></rdf:Description>',
+        ["e:s/?rdf:type\t<http://example.org/e/K>", "e:s/e:f\ta"],
+    ),
     ("<rdf:Description/>", []),
 ]
 

@@ -48,9 +48,9 @@ class Node:
 def with_attributes(element):
     """The attributes that are properties, in order."""
     return [
-        (name, Node("simple", value))
+        (name, Node("uri" if name == rdf("type") else "simple", value))
         for name, value in element.attrib.items()
-        if name not in SYNTAX and name != LANGUAGE and not name.startswith("{%s}" % XML)
+        if name not in SYNTAX and name != "about" and not name.startswith("{%s}" % XML)
     ]
 
 
@@ -77,12 +77,13 @@ def read_resource(element):
             node.parts.append(read_property(item))
         return node
     fields = with_attributes(element)
+    fields += [(child.tag, read_property(child)) for child in element]
+    node = from_fields(fields)
     if element.tag != rdf("Description"):
         # A typed node: its type is a qualifier.
         uri, local = element.tag[1:].split("}")
-        fields.insert(0, (rdf("type"), Node("uri", uri + local)))
-    fields += [(child.tag, read_property(child)) for child in element]
-    return from_fields(fields)
+        node.qualifiers.insert(0, (rdf("type"), Node("uri", uri + local)))
+    return node
 
 
 def read_property(element):
@@ -106,6 +107,8 @@ def read_property(element):
             node = from_fields(fields)
         else:
             node = Node("simple", element.text or "")
+            if element.get(rdf("datatype")) is not None:
+                node.qualifiers.append((rdf("datatype"), Node("uri", element.get(rdf("datatype")))))
     if element.get(LANGUAGE) is not None:
         node.qualifiers.insert(0, (LANGUAGE, Node("simple", element.get(LANGUAGE))))
     return node
@@ -137,9 +140,10 @@ class Printer:
             for name, part in node.parts:
                 self.print("%s/%s" % (path, self.name(name)), part)
             return
-        languages = [self.language(part) for part in node.parts]
-        for number, (part, language) in enumerate(zip(node.parts, languages), 1):
-            own = node.form == "alt" and language and languages.count(language) == 1
+        languages = [self.language(part).lower() for part in node.parts]
+        for number, part in enumerate(node.parts, 1):
+            language = self.language(part)
+            own = node.form == "alt" and language and languages.count(language.lower()) == 1
             self.print("%s[%s]" % (path, "@" + language if own else number), part)
 
     @staticmethod
@@ -148,8 +152,8 @@ class Printer:
         return found[0] if found else ""
 
 
-def read_packet(data):
-    """The lines for a packet."""
+def read_properties(data):
+    """The properties of a packet, and the first prefix of each namespace."""
     prefixes = {XML: "xml"}
     root = None
     # Zeros behind a packet are legal padding; in UTF-16 and UTF-32 they are halves of characters.
@@ -168,12 +172,19 @@ def read_packet(data):
     rdf_root = root if root.tag == rdf("RDF") else root.find(".//" + rdf("RDF"))
     if rdf_root is None:
         raise Unreadable("there is no rdf:RDF in it")
-    printer = Printer(prefixes)
+    properties = []
     for description in rdf_root:
-        for name, node in with_attributes(description):
-            printer.print(printer.name(name), node)
-        for element in description:
-            printer.print(printer.name(element.tag), read_property(element))
+        properties += with_attributes(description)
+        properties += [(element.tag, read_property(element)) for element in description]
+    return properties, prefixes
+
+
+def read_packet(data):
+    """The lines for a packet."""
+    properties, prefixes = read_properties(data)
+    printer = Printer(prefixes)
+    for name, node in properties:
+        printer.print(printer.name(name), node)
     return printer.lines
 
 

@@ -125,11 +125,28 @@ void TreeEditor::CheckSlot() const
     }
 }
 
+void TreeEditor::CheckTwins(const NameKey* key) const
+{
+    const std::size_t number = object_.SlotOf(key);
+    if (number == kNowhere || !object_.slots[number].hasTwins) {
+        return;
+    }
+    const Slot& first = object_.slots[number];
+    for (const Slot& slot : object_.slots) {
+        if (&slot != &first && slot.place == Slot::Place::kAttribute && first.place == slot.place &&
+            slot.description == first.description && slot.Current() != nullptr &&
+            NodeAccess::Key(*slot.Current()) == key) {
+            Fail(kKivXmpNotEditable, "an element of the packet has this attribute twice");
+        }
+    }
+}
+
 void TreeEditor::CheckWay(std::size_t inside) const
 {
     CheckNames();
     CheckSlot();
     const PathStep& first = path_.front();
+    CheckTwins(object_.names->FindKey(first.uri, first.local));
     const Node* node = object_.FindProperty(object_.names->FindKey(first.uri, first.local));
     constexpr std::size_t kUsualDepth = 4;  // x:xmpmeta, rdf:RDF, rdf:Description, the property
     std::size_t depth = object_.packet->descriptions.empty()

@@ -33,6 +33,9 @@ public:
 private:
     void CheckNames() const;
     void CheckSlot() const;
+    /// The first of a name counts, and a changed attribute is written as an element, behind what
+    /// stays an attribute of the same one.
+    void CheckTwins(const NameKey* key) const;
     /// Checks that the path can be followed, or made, and has room for so many elements inside.
     void CheckWay(std::size_t inside) const;
     void CheckStep(const Node* node, const PathStep& step) const;

@@ -216,6 +216,26 @@ TEST(PacketWriter, ChangesWhatWasChanged)
     }
 }
 
+// Written as an element, the first one would come behind the second. No XML with namespaces has two
+// such attributes, but what is there is shown, kept, and can go.
+TEST(PacketWriter, APropertyTwiceAsAnAttributeCanOnlyBeRemoved)
+{
+    const std::string packet = InDescription("", "ex:a=\"1\" xmlns:p=\"http://ex/\" p:a=\"2\"");
+    const auto meta = Parse(packet);
+    EXPECT_EQ(CodeThrownBy([&] { meta->SetText("ex:a", "3"); }), kKivXmpNotEditable);
+    EXPECT_EQ(CodeThrownBy([&] { meta->SetText("ex:a[@de]", "3"); }), kKivXmpNotEditable);
+    EXPECT_EQ(meta->Serialize(), packet);
+    EXPECT_EQ(After(packet, [](__XMPMeta__& one) { one.SetText("ex:b", "3"); }),
+              InDescription("<ex:b>3</ex:b>", "ex:a=\"1\" xmlns:p=\"http://ex/\" p:a=\"2\""));
+    EXPECT_EQ(After(packet, [](__XMPMeta__& one) { one.Remove("ex:a"); }),
+              InDescription("", "xmlns:p=\"http://ex/\""));
+    // In two descriptions they are two attributes of two elements.
+    EXPECT_EQ(After(InRdf("<rdf:Description ex:a=\"1\"/><rdf:Description ex:a=\"2\"/>"),
+                    [](__XMPMeta__& one) { one.SetText("ex:a", "3"); }),
+              InRdf("<rdf:Description><ex:a>3</ex:a></rdf:Description><rdf:Description"
+                    " ex:a=\"2\"/>"));
+}
+
 TEST(PacketWriter, SpellsEveryForm)
 {
     // Each property is touched by setting the text T somewhere in it.

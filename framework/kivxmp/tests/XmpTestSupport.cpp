@@ -11,6 +11,8 @@ constexpr std::string_view kRdfStart =
     " xmlns:dc=\"http://purl.org/dc/elements/1.1/\" xmlns:xmp=\"http://ns.adobe.com/xap/1.0/\""
     " xmlns:ex=\"http://ex/\" xmlns:q=\"http://q/\">";
 
+}  // namespace
+
 std::string Shown(std::string_view value)
 {
     std::string shown;
@@ -19,8 +21,6 @@ std::string Shown(std::string_view value)
     }
     return shown;
 }
-
-}  // namespace
 
 std::string Dump(const __XMPMeta__& meta)
 {

@@ -17,6 +17,9 @@ inline constexpr std::string_view kMark = "\xEF\xBB\xBF";
 /// values are written "\n".
 std::string Dump(const __XMPMeta__& meta);
 
+/// A value as Dump writes it.
+std::string Shown(std::string_view value);
+
 /// The lines of Dump for a packet, or "error CODE" where it is refused. Its bytes are read from a
 /// block of exactly their size.
 std::string DumpOf(std::string_view packet);
