@@ -1,9 +1,13 @@
 // kivhost: the sample host. Shows a photo's metadata in the dialog and saves what was confirmed.
 
+#include "host/Batch.h"
 #include "host/Console.h"
+#include "host/Interruption.h"
 #include "host/Listing.h"
 #include "host/Options.h"
 #include "include/kivmetadataapi.h"
+#include "tools/common/Files.h"
+#include "tools/common/Progress.h"
 
 #include <kivcore/LastFailure.h>
 #include <kivmetadataui/DialogDriver.h>
@@ -76,6 +80,73 @@ Meta Open(const std::string& file)
     return Meta(meta);
 }
 
+// The file's name stands in each line where there are several.
+void Dump(const Meta& meta, const std::string& file, const Options& options,
+          tools::Progress& progress)
+{
+    progress.Wipe();
+    DumpTree(*meta, options.files.size() > 1 ? file : "", std::cout);
+    std::cout.flush();
+}
+
+int DumpAll(const Options& options)
+{
+    const Interruption interruption;
+    const BatchResult result =
+        RunBatch(options.files, interruption,
+                 [&options](const std::string& file, tools::Progress& progress) {
+                     Dump(Open(file), file, options, progress);
+                 });
+    if (interruption.IsAskedFor()) {
+        std::cerr << "kivhost: interrupted; " << result.notReached << " files were not reached\n";
+        return interruption.End();
+    }
+    if (result.failed > 0 && options.files.size() > 1) {
+        std::cerr << "kivhost: " << result.failed << " of " << options.files.size()
+                  << " files cannot be read\n";
+    }
+    return result.failed > 0 ? kFailed : kConfirmed;
+}
+
+Meta ReadPacket(const std::string& name)
+{
+    const std::string bytes = tools::ReadInput(name);
+    __XMPMeta__* meta = nullptr;
+    if (KivXmpParse(bytes.data(), bytes.size(), &meta) != kKivXmpOk) {
+        throw std::runtime_error(tools::NameOf(name) + ": " + KivXmpLastErrorText());
+    }
+    return Meta(meta);
+}
+
+int InsertIntoAll(const Options& options)
+{
+    const Meta packet = ReadPacket(options.insertFrom);
+    std::size_t written = 0;
+    std::size_t unchanged = 0;
+    const Interruption interruption;
+    const BatchResult result = RunBatch(
+        options.files, interruption, [&](const std::string& file, tools::Progress& progress) {
+            const Meta meta = Open(file);
+            int isWritten = 0;
+            if (KivXmpReplacePacket(meta.get(), packet.get()) != kKivXmpOk ||
+                KivXmpSavePhoto(meta.get(), &isWritten) != kKivXmpOk) {
+                ThrowXmpError();
+            }
+            ++(isWritten != 0 ? written : unchanged);
+            if (options.dumps) {
+                Dump(meta, file, options, progress);
+            }
+        });
+    std::cerr << "kivhost: " << written << " written, " << unchanged << " unchanged, "
+              << result.failed << " refused";
+    if (interruption.IsAskedFor()) {
+        std::cerr << "; interrupted, " << result.notReached << " not reached\n";
+        return interruption.End();
+    }
+    std::cerr << '\n';
+    return result.failed > 0 ? kFailed : kConfirmed;
+}
+
 // To a file by the library's own safe way; to standard output as it is.
 void Extract(const Meta& meta, const std::string& target)
 {
@@ -130,17 +201,17 @@ void PrintChanges()
 
 int RunDialog(const Options& options)
 {
-    const Meta meta = Open(options.file);
+    const Meta meta = Open(options.files.front());
     KivXmpPhotoInfo info = {};
     if (KivXmpGetPhotoInfo(meta.get(), &info) == kKivXmpOk && info.canSave == 0) {
-        std::cerr << "kivhost: " << options.file << ": can be looked at, not saved: " << info.reason
-                  << '\n';
+        std::cerr << "kivhost: " << options.files.front()
+                  << ": can be looked at, not saved: " << info.reason << '\n';
     }
     const Library library(options);
     if (options.autoPress != AutoPress::kNone) {
         LeaveScript(options);
     }
-    const std::string title = options.hasText ? options.text : FileName(options.file);
+    const std::string title = options.hasText ? options.text : FileName(options.files.front());
     MetadataDialogRequest request = {};
     request.text = title.c_str();
     request.brightnessPercent = options.brightnessPercent;
@@ -172,10 +243,11 @@ int Run(const Options& options)
             std::cout << "kivhost " KIV_VERSION "\n";
             return kConfirmed;
         case Mode::kDump:
-            DumpTree(*Open(options.file), std::cout);
-            return kConfirmed;
+            return DumpAll(options);
+        case Mode::kInsert:
+            return InsertIntoAll(options);
         case Mode::kExtract:
-            Extract(Open(options.file), options.extractTo);
+            Extract(Open(options.files.front()), options.extractTo);
             return kConfirmed;
         case Mode::kListDefinitions: {
             const Library library(options);

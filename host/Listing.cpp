@@ -15,11 +15,17 @@ bool HoldsValue(KivXmpForm form)
     return form == kKivXmpSimple || form == kKivXmpUri || form == kKivXmpRaw;
 }
 
+struct Dump {
+    std::ostream& out;
+    std::string head;  // of each line
+};
+
 int DumpNode(void* context, const KivXmpNode* node)
 {
-    auto& out = *static_cast<std::ostream*>(context);
-    out << R"({"path":)" << JsonString(node->path) << R"(,"form":")" << kFormNames.at(node->form)
-        << R"(","value":)";
+    const auto& dump = *static_cast<const Dump*>(context);
+    std::ostream& out = dump.out;
+    out << dump.head << R"("path":)" << JsonString(node->path) << R"(,"form":")"
+        << kFormNames.at(node->form) << R"(","value":)";
     if (HoldsValue(node->form)) {
         out << JsonString({node->value, node->valueLength});
     } else {
@@ -101,9 +107,10 @@ std::string JsonString(std::string_view text)
     return json + "\"";
 }
 
-void DumpTree(const __XMPMeta__& meta, std::ostream& out)
+void DumpTree(const __XMPMeta__& meta, std::string_view file, std::ostream& out)
 {
-    KivXmpWalk(&meta, &DumpNode, &out);
+    Dump dump = {out, file.empty() ? "{" : R"({"file":)" + JsonString(file) + ","};
+    KivXmpWalk(&meta, &DumpNode, &dump);
 }
 
 void ListDefinitions(std::ostream& out)

@@ -95,8 +95,17 @@ constexpr Row kRows[] = {
      [](Options& options, const std::string& value) { options.autoPress = ParseAuto(value); }},
     {"--screenshot", "OUT.png", "write a picture of the dialog before the button is pressed",
      [](Options& options, const std::string& value) { options.screenshot = value; }},
-    {"--dump", nullptr, "print the metadata as JSON lines (path, form, value); opens no window",
-     [](Options& options, const std::string&) { options.mode = Mode::kDump; }},
+    {"--dump", nullptr,
+     "print the metadata as JSON lines (path, form, value; of several files, the file in\n"
+     "front); opens no window",
+     [](Options& options, const std::string&) { options.dumps = true; }},
+    {"--insert", "IN.xmp",
+     "put that packet ('-': standard input) into each photo or its sidecar, in place of the\n"
+     "whole old one; then --dump, if that is given, too; opens no window",
+     [](Options& options, const std::string& value) {
+         options.inserts = true;
+         options.insertFrom = value;
+     }},
     {"--extract", "OUT.xmp", "write the packet to a file ('-': standard output); opens no window",
      [](Options& options, const std::string& value) {
          options.mode = Mode::kExtract;
@@ -125,13 +134,23 @@ const Row* FindRow(std::string_view name)
 
 void CheckTogether(const Options& options)
 {
-    const bool needsFile = options.mode == Mode::kDialog || options.mode == Mode::kDump ||
-                           options.mode == Mode::kExtract;
-    if (needsFile && options.file.empty()) {
+    const bool takesMany = options.mode == Mode::kDump || options.mode == Mode::kInsert;
+    if (options.mode != Mode::kListDefinitions && options.files.empty()) {
         throw UsageError("no file given");
     }
-    if (options.mode == Mode::kDialog && options.autoPress == AutoPress::kNone &&
-        !options.screenshot.empty()) {
+    if (!takesMany && options.files.size() > 1) {
+        throw UsageError("more than one file given: '" + options.files[1] + "'");
+    }
+    if (!takesMany && (options.inserts || options.dumps)) {
+        throw UsageError("--extract and --list-definitions stand alone");
+    }
+    const bool hasPress = options.autoPress != AutoPress::kNone;
+    if (options.mode != Mode::kDialog &&
+        (hasPress || !options.sets.empty() || !options.screenshot.empty())) {
+        throw UsageError(
+            "--set, --auto and --screenshot are for the dialog, which is not to be opened");
+    }
+    if (!hasPress && !options.screenshot.empty()) {
         throw UsageError("--screenshot needs --auto");
     }
 }
@@ -145,10 +164,7 @@ Options ParseOptions(const std::vector<std::string>& arguments)
     for (std::size_t i = 0; i < arguments.size(); ++i) {
         const std::string& argument = arguments[i];
         if (onlyFiles || argument.size() < 2 || argument[0] != '-') {
-            if (!options.file.empty()) {
-                throw UsageError("more than one file given: '" + argument + "'");
-            }
-            options.file = argument;
+            options.files.push_back(argument);
             continue;
         }
         if (argument == "--") {
@@ -175,6 +191,9 @@ Options ParseOptions(const std::vector<std::string>& arguments)
         }
         row->apply(options, value);
     }
+    if (options.mode == Mode::kDialog && (options.inserts || options.dumps)) {
+        options.mode = options.inserts ? Mode::kInsert : Mode::kDump;
+    }
     if (options.mode != Mode::kHelp && options.mode != Mode::kVersion) {
         CheckTogether(options);
     }
@@ -183,28 +202,42 @@ Options ParseOptions(const std::vector<std::string>& arguments)
 
 std::string HelpText()
 {
+    constexpr std::size_t kHelpColumn = 26;
     std::string text =
         "usage: kivhost [options] FILE\n"
-        "Shows a photo's metadata in the dialog, and saves what was changed.\n"
+        "       kivhost --dump FILE...\n"
+        "       kivhost --insert IN.xmp [--dump] FILE...\n"
+        "Shows a photo's metadata in the dialog, and saves what was changed; or does without the\n"
+        "dialog what the options say. Files are photos and sidecars (.xmp).\n"
         "\n";
     for (const Row& row : kRows) {
         std::string head = std::string("  ") + row.name;
         if (row.argument != nullptr) {
             head += std::string(" ") + row.argument;
         }
-        constexpr std::size_t kHelpColumn = 26;
         if (head.size() + 2 > kHelpColumn) {
             text += head + "\n" + std::string(kHelpColumn, ' ');
         } else {
             text += head + std::string(kHelpColumn - head.size(), ' ');
         }
-        text += std::string(row.help) + "\n";
+        for (const char c : std::string_view(row.help)) {
+            text += c;
+            if (c == '\n') {
+                text += std::string(kHelpColumn, ' ');
+            }
+        }
+        text += '\n';
     }
     text +=
         "\n"
         "Prints \"confirmed\" or \"cancelled\", then each change: path, old and new value as "
         "JSON,\n"
-        "separated by tabs. Exit status: 0 confirmed, 2 cancelled, 1 failed.\n";
+        "separated by tabs. Exit status: 0 confirmed, 2 cancelled, 1 failed.\n"
+        "\n"
+        "Of several files, one that fails does not stop the others: standard error tells the\n"
+        "reason, at the end how many were written, unchanged and refused, and how far a long run\n"
+        "is. A packet that is there already writes nothing. Ctrl-C stops between two files. Exit\n"
+        "status: 0 all done, 1 some failed.\n";
     return text;
 }
 

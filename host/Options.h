@@ -12,7 +12,8 @@ namespace kivhost {
 
 enum class Mode {
     kDialog,
-    kDump,             ///< --dump: the tree, no window
+    kDump,             ///< --dump: the trees, no window
+    kInsert,           ///< --insert: a packet into photos, no window
     kExtract,          ///< --extract: the packet, no window
     kListDefinitions,  ///< --list-definitions: the custom items, no window
     kHelp,
@@ -23,7 +24,10 @@ enum class AutoPress { kNone, kOk, kCancel };
 
 struct Options {
     Mode mode = Mode::kDialog;
-    std::string file;  ///< UTF-8
+    std::vector<std::string> files;  ///< UTF-8; one but for kDump and kInsert
+    bool dumps = false;              ///< in kInsert afterwards
+    bool inserts = false;
+    std::string insertFrom;
     std::string extractTo;
     std::string language = "en_US";
     std::uint32_t brightnessPercent = 50;

@@ -36,7 +36,7 @@ LAYERS = {
         "kivcore", "kivui", "kivxmp", "kivmetadata", "kivmetadataui",
         "framework/kivmetadataui/src", "framework/kivtoolkit/src", "tests/ProcessCounts.h"),
     "framework/kivtoolkit": ("kivcore", "kivui", "kivmetadataui", "framework/kivmetadataui/src"),
-    "host": ("include",),
+    "host": ("include", "tools/common"),
     "tools/common": ("kivcore", "host/Console.h"),
     "tools/pemtext": ("dictionary", "localizer", "kivcore", "tools/common"),
     "tools/svgloom": ("svgloom", "kivcore", "kivui", "tools/common"),

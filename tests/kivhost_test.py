@@ -6,15 +6,19 @@ usage: kivhost_test.py BIN_DIR      under a display (tests/with_display.sh)
 A kivhost for Windows is run under Wine, all runs behind one scripts/wine.sh --together.
 """
 
+import hashlib
 import json
 import os
 import pathlib
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
+import time
 import unittest
 
+import photo_formats
 from programs import Program
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -29,6 +33,14 @@ def sample(choice):
     return pathlib.Path(run.stdout.strip())
 
 
+def pixels(path):
+    """What a decoder of others sees; of a DNG file, which it cannot decode, all image bytes."""
+    if path.suffix == ".dng":
+        return path.read_bytes()[8 : photo_formats.WIDTH * 3 * 100]
+    run = subprocess.run(["convert", path, "rgb:-"], capture_output=True, check=True)
+    return hashlib.sha256(run.stdout).hexdigest()
+
+
 class KivhostTest(unittest.TestCase):
     def setUp(self):
         self.folder = pathlib.Path(tempfile.mkdtemp())
@@ -41,9 +53,11 @@ class KivhostTest(unittest.TestCase):
         self.photo.chmod(0o644)
         self.original = self.photo.read_bytes()
 
-    def run_host(self, *arguments, **environment):
+    def run_host(self, *arguments, stdin=None, **environment):
         run = subprocess.run(
             KIVHOST.command(*arguments),
+            input=stdin,
+            stdin=subprocess.DEVNULL if stdin is None else None,
             capture_output=True,
             timeout=120,
             env=dict(self.environment, **KIVHOST.variables(**environment)),
@@ -226,10 +240,10 @@ class Looks(KivhostTest):
 
 
 class NoDisplayTest(KivhostTest):
-    def run_host(self, *arguments, **environment):
+    def setUp(self):
+        super().setUp()
         if not KIVHOST.is_windows:  # there, programs always have a desktop
-            environment.update(DISPLAY="", WAYLAND_DISPLAY="")
-        return super().run_host(*arguments, **environment)
+            self.environment.update(DISPLAY="", WAYLAND_DISPLAY="")
 
 
 class WithoutAWindow(NoDisplayTest):
@@ -271,6 +285,232 @@ class WithoutAWindow(NoDisplayTest):
         run = self.run_host("--list-definitions", KIV_DEFINITIONS_DIR=self.folder)
         self.expect(run, 0)
         self.assertEqual(run.stdout, "")
+
+
+class Inserts(NoDisplayTest):
+    def setUp(self):
+        super().setUp()
+        self.packet = self.folder / "in.xmp"
+        shutil.copy(HERE / "full_packet.xmp", self.packet)
+
+    def insert(self, *files, status=0, told, stdin=None):
+        run = self.run_host("--insert", "-" if stdin else self.packet, *files, stdin=stdin)
+        self.expect(run, status)
+        self.assertEqual(run.stdout, "")
+        self.assertEqual(run.stderr.splitlines()[-1], "kivhost: " + told)
+        return run.stderr
+
+    def assert_holds_packet(self, path):
+        run = self.run_host("--extract", "-", path)
+        self.expect(run, 0)
+        self.assertEqual(run.stdout.encode(), self.packet.read_bytes())
+
+    def test_every_format_takes_the_packet_byte_for_byte(self):
+        files = photo_formats.make(sample("with-packet"), self.folder)
+        before = [pixels(path) for path in files]
+        sidecar = self.folder / "note.xmp"
+        sidecar.write_bytes(b"<x:xmpmeta xmlns:x='adobe:ns:meta/'/>")
+        raw = self.folder / "photo.nef"  # a TIFF file of a camera's maker, as its name tells
+        shutil.copy(self.folder / "photo.tif", raw)
+        untouched = raw.read_bytes()
+        files += [sidecar, raw]
+        told = self.insert(*files, told=f"{len(files)} written, 0 unchanged, 0 refused")
+        self.assertEqual(len(told.splitlines()), 1)
+        for path, old in zip(files, before):
+            with self.subTest(path.name):
+                self.assert_holds_packet(path)
+                self.assertIn(self.packet.read_bytes(), path.read_bytes())
+                self.assertEqual(pixels(path), old)
+                title = subprocess.run(
+                    ["exiftool", "-s3", "-XMP-dc:Title", path], capture_output=True, check=False
+                )
+                self.assertEqual(title.stdout, b"Evening at the harbour\n", title.stderr)
+        self.assertEqual(sidecar.read_bytes(), self.packet.read_bytes())
+        self.assertEqual(raw.read_bytes(), untouched)
+        beside = self.folder / "photo.nef.xmp"
+        self.assertEqual(beside.read_bytes(), self.packet.read_bytes())
+
+        # What is there already is not written again.
+        states = [path.stat() for path in files]
+        self.insert(*files, told=f"0 written, {len(files)} unchanged, 0 refused")
+        for path, state in zip(files, states):
+            now = path.stat()
+            self.assertEqual((now.st_ino, now.st_mtime_ns), (state.st_ino, state.st_mtime_ns))
+
+    def test_one_bad_photo_does_not_stop_the_others(self):
+        bad, locked, last = (self.folder / name for name in ("bad.jpg", "locked.jpg", "last.jpg"))
+        bad.write_bytes(b"no photo")
+        for path in (locked, last):
+            shutil.copy(self.photo, path)
+            path.chmod(0o644)
+        locked.chmod(0o444)
+        missing = self.folder / "missing.jpg"
+        told = self.insert(
+            bad, self.photo, locked, missing, last, self.photo,
+            status=1, told="2 written, 1 unchanged, 3 refused",
+        )  # fmt: skip
+        reasons = told.splitlines()[:-1]
+        self.assertEqual(len(reasons), 3, told)
+        for path, reason, line in zip(
+            (bad, locked, missing), ("no JPEG file", "read-only", "no such file"), reasons
+        ):
+            self.assertRegex(line, f"^kivhost: .*{path.name}: .*{reason}")
+        self.assertEqual(bad.read_bytes(), b"no photo")
+        self.assertEqual(locked.read_bytes(), self.original)
+        self.assert_holds_packet(last)
+
+    def test_a_broken_packet_is_refused_before_any_photo_is_touched(self):
+        whole = self.packet.read_bytes()
+        for content in (b"", b"no packet", whole[:300], whole.replace(b"</rdf:RDF>", b""),
+                        b"<html/>", self.original):  # fmt: skip
+            with self.subTest(content[:30]):
+                self.packet.write_bytes(content)
+                run = self.run_host("--insert", self.packet, self.photo)
+                self.expect(run, 1)
+                self.assertRegex(run.stderr, r"^kivhost: .*in\.xmp: .+\n$")
+                self.assert_untouched()
+        self.packet.unlink()
+        run = self.run_host("--insert", self.packet, self.photo)
+        self.expect(run, 1)
+        self.assertIn("in.xmp", run.stderr)
+        self.assert_untouched()
+
+    def test_from_standard_input(self):
+        packet = self.packet.read_bytes()
+        self.insert(self.photo, told="1 written, 0 unchanged, 0 refused", stdin=packet)
+        self.assert_holds_packet(self.photo)
+        run = self.run_host("--insert", "-", self.photo, stdin=b"<broken")
+        self.expect(run, 1)
+        self.assertRegex(run.stderr, "^kivhost: standard input: ")
+        self.assert_holds_packet(self.photo)
+
+    def test_a_packet_that_no_photo_takes(self):
+        text = self.packet.read_text("utf-8")
+        self.packet.write_bytes(text.encode("utf-16"))
+        told = self.insert(self.photo, status=1, told="0 written, 0 unchanged, 1 refused")
+        self.assertRegex(told, "photo.jpg: .*UTF-8")
+        self.assert_untouched()
+        sidecar = self.folder / "wide.xmp"
+        sidecar.write_text(text, "utf-8")
+        self.insert(sidecar, told="1 written, 0 unchanged, 0 refused")
+        self.assertEqual(sidecar.read_bytes(), self.packet.read_bytes())
+
+    def test_a_full_disk(self):
+        run = self.run_host(
+            "--insert", self.packet, self.photo, KIV_FILE_FAULT="write:ENOSPC:1"
+        )
+        self.expect(run, 1)
+        self.assertRegex(run.stderr, "photo.jpg.*space")
+        self.assert_untouched()
+
+    def test_dumped_afterwards(self):
+        other = self.folder / "other.jpg"
+        shutil.copy(sample("without-packet"), other)
+        other.chmod(0o644)
+        missing = self.folder / "missing.jpg"
+        run = self.run_host("--insert", self.packet, "--dump", self.photo, missing, other)
+        self.expect(run, 1)
+        self.assertEqual(
+            run.stderr.splitlines()[-1], "kivhost: 2 written, 0 unchanged, 1 refused"
+        )
+        lines = [json.loads(line) for line in run.stdout.splitlines()]
+        expected = list(self.dump(self.packet).values())
+        self.assertEqual([line.pop("file") for line in lines],
+                         [KIVHOST.word(self.photo)] * len(expected)
+                         + [KIVHOST.word(other)] * len(expected))  # fmt: skip
+        self.assertEqual(lines, expected * 2)
+
+
+class ManyFilesTest(NoDisplayTest):
+    COUNT = 120
+
+    def setUp(self):
+        super().setUp()
+        self.packet = self.folder / "in.xmp"
+        shutil.copy(HERE / "full_packet.xmp", self.packet)
+        self.old = b"<x:xmpmeta xmlns:x='adobe:ns:meta/'/>"
+        self.files = [self.folder / f"file{number:03}.xmp" for number in range(self.COUNT)]
+        for path in self.files:
+            path.write_bytes(self.old)
+
+    def start(self, *arguments, **options):
+        return subprocess.Popen(
+            KIVHOST.command(*arguments), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+            bufsize=0, env=self.environment, **options,
+        )  # fmt: skip
+
+    def wait_until_it_stops_writing(self, process):
+        """Until nobody reads its output, it waits with a pipe full of it."""
+        first = process.stdout.read(1)
+        before = -1
+        while (now := sum(p.read_bytes() != self.old for p in self.files)) != before:
+            before = now
+            time.sleep(0.3)
+        return first
+
+
+class ManyFiles(ManyFilesTest):
+    def test_all_are_dumped_and_the_bad_ones_told(self):
+        self.files[5].write_bytes(b"")
+        self.files[7].write_bytes(b"<broken")
+        run = self.run_host("--dump", *self.files)
+        self.expect(run, 1)
+        self.assertEqual(len(run.stderr.splitlines()), 2, run.stderr)  # an empty file holds nothing
+        self.assertRegex(run.stderr.splitlines()[0], r"file007\.xmp: ")
+        self.assertEqual(run.stderr.splitlines()[1], f"kivhost: 1 of {self.COUNT} files cannot be read")
+
+    def test_one_file_is_dumped_as_ever(self):
+        run = self.run_host("--dump", self.packet)
+        self.expect(run, 0)
+        self.assertTrue(run.stdout.startswith('{"path":'))
+        self.assertEqual(run.stderr, "")
+
+
+class ManyFilesOnATerminal(ManyFilesTest):
+    def test_an_interruption_ends_between_two_files(self):
+        for number in (signal.SIGINT, signal.SIGTERM):
+            with self.subTest(number):
+                for path in self.files:
+                    path.write_bytes(self.old)
+                process = self.start(
+                    "--insert", self.packet, "--dump", *self.files, stderr=subprocess.PIPE
+                )
+                self.wait_until_it_stops_writing(process)
+                process.send_signal(number)
+                _, told = process.communicate(timeout=60)
+                self.assertEqual(process.returncode, -number, told)
+                contents = [path.read_bytes() for path in self.files]
+                written = contents.count(self.packet.read_bytes())
+                self.assertGreater(written, 0)
+                self.assertEqual(contents[written:], [self.old] * (self.COUNT - written))
+                self.assertEqual(
+                    told.decode(),
+                    f"kivhost: {written} written, 0 unchanged, 0 refused; interrupted, "
+                    f"{self.COUNT - written} not reached\n",
+                )
+                self.assertEqual([p.name for p in self.folder.iterdir() if p.name[0] == "."], [])
+
+    def test_progress_is_told_on_a_terminal_and_wiped(self):
+        terminal, end = os.openpty()
+        self.addCleanup(os.close, terminal)
+        shutil.copy(self.packet, self.files[0])
+        process = self.start("--insert", self.packet, "--dump", *self.files, stderr=end)
+        os.close(end)
+        first = self.wait_until_it_stops_writing(process)
+        time.sleep(0.6)  # a run that is over soon tells nothing
+        text, _ = process.communicate(timeout=60)
+        self.assertEqual(process.returncode, 0)
+        told = b""
+        try:
+            while block := os.read(terminal, 4096):
+                told += block
+        except OSError:
+            pass  # its other end is closed
+        self.assertRegex(told, rb"^kivhost: \d+ of 120 files \(\d+%\)\r +\r")
+        summary = b"kivhost: 119 written, 1 unchanged, 0 refused\r\n"
+        self.assertTrue(told.endswith(b"\r" + summary), told)
+        for line in (first + text).splitlines():
+            json.loads(line)
 
 
 class WithoutADisplay(NoDisplayTest):
@@ -369,5 +609,5 @@ class BadInput(KivhostTest):
 if __name__ == "__main__":
     KIVHOST = Program(sys.argv.pop(1), "kivhost")
     if KIVHOST.is_windows:
-        del WithoutADisplay
+        del WithoutADisplay, ManyFilesOnATerminal
     unittest.main()

@@ -9,7 +9,7 @@ TEST(Options, DefaultsAreADialog)
 {
     const Options options = ParseOptions({"photo.jpg"});
     EXPECT_EQ(options.mode, Mode::kDialog);
-    EXPECT_EQ(options.file, "photo.jpg");
+    EXPECT_EQ(options.files, std::vector<std::string>{"photo.jpg"});
     EXPECT_EQ(options.language, "en_US");
     EXPECT_EQ(options.brightnessPercent, 50U);
     EXPECT_EQ(options.scale, 1.0f);
@@ -63,8 +63,26 @@ TEST(Options, NamespacesInBracesMayHoldAnEqualsSign)
 
 TEST(Options, FilesMayBeginWithADash)
 {
-    EXPECT_EQ(ParseOptions({"--dump", "--", "-odd.jpg"}).file, "-odd.jpg");
+    EXPECT_EQ(ParseOptions({"--dump", "--", "-odd.jpg"}).files,
+              std::vector<std::string>{"-odd.jpg"});
     EXPECT_EQ(ParseOptions({"--extract", "-", "a.jpg"}).extractTo, "-");
+}
+
+TEST(Options, ManyFilesForDumpAndInsert)
+{
+    const std::vector<std::string> files = {"a.jpg", "b.xmp"};
+    Options options = ParseOptions({"--dump", "a.jpg", "b.xmp"});
+    EXPECT_EQ(options.mode, Mode::kDump);
+    EXPECT_EQ(options.files, files);
+    for (const bool dumps : {false, true}) {
+        std::vector<std::string> line = {"--insert", "-", "a.jpg", "b.xmp"};
+        line.insert(line.end(), dumps, "--dump");
+        options = ParseOptions(line);
+        EXPECT_EQ(options.mode, Mode::kInsert);
+        EXPECT_EQ(options.insertFrom, "-");
+        EXPECT_EQ(options.dumps, dumps);
+        EXPECT_EQ(options.files, files);
+    }
 }
 
 TEST(Options, WrongLinesSaySo)
@@ -88,6 +106,16 @@ TEST(Options, WrongLinesSaySo)
         {{"--auto", "yes", "a"}, "--auto: 'yes' is neither ok nor cancel"},
         {{"--dump=1", "a"}, "--dump takes no value"},
         {{"--screenshot", "o.png", "a"}, "--screenshot needs --auto"},
+        {{"--insert", "p.xmp"}, "no file given"},
+        {{"--insert"}, "--insert needs IN.xmp"},
+        {{"--extract", "o.xmp", "a", "b"}, "more than one file given: 'b'"},
+        {{"--insert", "p.xmp", "--extract", "o.xmp", "a"},
+         "--extract and --list-definitions stand alone"},
+        {{"--list-definitions", "--dump", "a"}, "--extract and --list-definitions stand alone"},
+        {{"--insert", "p.xmp", "--set", "a=b", "a"},
+         "--set, --auto and --screenshot are for the dialog, which is not to be opened"},
+        {{"--dump", "--auto", "ok", "a"},
+         "--set, --auto and --screenshot are for the dialog, which is not to be opened"},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.want);
@@ -103,7 +131,8 @@ TEST(Options, WrongLinesSaySo)
 TEST(Options, HelpNamesEveryOption)
 {
     const std::string help = HelpText();
-    for (const char* const name : {"--language xx_YY", "--set PATH=VALUE", "--list-definitions"}) {
+    for (const char* const name :
+         {"--language xx_YY", "--set PATH=VALUE", "--insert IN.xmp", "--list-definitions"}) {
         EXPECT_NE(help.find(name), std::string::npos) << name;
     }
     EXPECT_EQ(ParseOptions({"--help"}).mode, Mode::kHelp);

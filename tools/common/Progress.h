@@ -26,10 +26,12 @@ public:
     /// Writes a line of its own to standard error.
     void Tell(std::string_view line);
 
+    /// Wipes the line, so that something else can be written to the terminal. The next steps bring
+    /// it back.
+    void Wipe();
+
 private:
     using Clock = std::chrono::steady_clock;
-
-    void Wipe();
 
     const std::string program_;
     const std::string what_;
