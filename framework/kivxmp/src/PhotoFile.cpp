@@ -2,16 +2,17 @@
 
 #include <kivcore/Dir.h>
 #include <kivcore/FileReplacement.h>
-#include <kivcore/StringConversion.h>
 
 #include <algorithm>
 #include <exception>
+#include <new>
 #include <utility>
 
 #include "framework/kivxmp/src/Encoding.h"
 #include "framework/kivxmp/src/PacketDigest.h"
 #include "framework/kivxmp/src/PhotoOrigin.h"
 #include "framework/kivxmp/src/PhotoPackets.h"
+#include "framework/kivxmp/src/PhotoPlace.h"
 #include "framework/kivxmp/src/SidecarFile.h"
 
 namespace kivxmp {
@@ -29,7 +30,6 @@ using kivcore::filesupport::ReplaceWholeFile;
 using photo::ByteRange;
 using photo::ByteSource;
 using photo::FileSource;
-using photo::FormatRow;
 using photo::MemorySource;
 using photo::PhotoError;
 using photo::PhotoFormat;
@@ -62,158 +62,152 @@ KivXmpCode CodeOf(PhotoError::Kind kind)
     }
 }
 
-std::unique_ptr<PhotoFormat> ReadSidecar(ByteSource& source)
-{
-    return photo::MakeSidecarFormat(source.SizeBytes());
-}
-
-/// The place that is meant for the packet of one photo.
-struct Place {
-    PacketPlace kind = PacketPlace::kEmbedded;
-    UString path;
-    std::string format;
-    PhotoOrigin::Reader read = nullptr;
-    std::string note;
-    /// Of the file at `path`, where it was read to find that out.
-    std::unique_ptr<PhotoFormat> content;
+/// A file with its packets read.
+struct OpenedFile {
+    std::unique_ptr<PhotoFormat> format;
+    std::unique_ptr<__XMPMeta__> meta;
+    std::optional<PhotoError> refusal;  // what the packets have against a save
 };
 
-UString SidecarOf(const UString& photoPath, SidecarName name)
+OpenedFile ReadPlace(Place& place, ByteSource& source)
 {
-    const UString full = photo::FullSidecarName(photoPath);
-    const UString brief = photo::ShortSidecarName(photoPath);
-    if (name != SidecarName::kAuto) {
-        return name == SidecarName::kFull ? full : brief;
+    OpenedFile opened;
+    opened.format = place.content ? std::move(place.content) : place.read(source);
+    const std::optional<PhotoError>& refusal = opened.format->Refusal();
+    if (refusal && opened.format->Packets().empty() &&
+        refusal->GetKind() == PhotoError::Kind::kBroken) {
+        throw PhotoError(*refusal);
     }
-    return !File(full).Exists() && File(brief).Exists() ? brief : full;
+    PhotoObject object = ReadPackets(source, *opened.format);
+    opened.meta = std::move(object.meta);
+    opened.refusal = std::move(object.refusal);
+    return opened;
 }
 
-Place SidecarPlace(const UString& path, std::string note)
+/// Inside a catch block: why a file beside the one that was asked for cannot be read. What is about
+/// no file goes on.
+std::string WhyUnreadable(const UString& path)
 {
-    return {PacketPlace::kSidecar, path, "sidecar", ReadSidecar, std::move(note), nullptr};
+    try {
+        throw;
+    } catch (const XMP_Error& error) {
+        return PathToUTF8(path) + ": " + error.Text();
+    } catch (const PhotoError& error) {
+        return PathToUTF8(path) + ": " + error.what();
+    } catch (const FileError& error) {
+        return error.what();  // names the file
+    }
 }
 
-/// What the content of a photo asks for.
-Place FindPlace(const UString& path, ByteSource& source, const OpenOptions& options)
+void AddNote(PhotoInfo& info, const std::string& note)
 {
-    const UString sidecar = SidecarOf(path, options.sidecar);
-    const bool sidecarExists = File(sidecar).Exists();
-    const std::string extension = kivcore::string::UTF16to8(photo::LowerExtension(path));
-    const FormatRow* row = photo::RecogniseFormat(source);
-    if (row == nullptr && options.place != PacketPlace::kSidecar) {
-        const FormatRow* promised = photo::FormatOfExtension(extension);
-        if (promised != nullptr) {
-            throw PhotoError(
-                PhotoError::Kind::kBroken,
-                source.SizeBytes() == 0
-                    ? "the file is empty"
-                    : std::string("the file is no ") + promised->name + " file and no other photo");
-        }
-        if (!sidecarExists || options.place == PacketPlace::kEmbedded) {
-            throw PhotoError(PhotoError::Kind::kRefused,
-                             source.SizeBytes() == 0 ? "the file is empty"
-                                                     : "the file is no photo of a known format");
-        }
-    }
-    const char* name = row != nullptr ? row->name : "unknown";
-    std::unique_ptr<PhotoFormat> content;
-    if (row != nullptr && row->read != nullptr) {
-        content = row->read(source);
-        if (const char* const own = content->NameOf(name, extension)) {
-            name = own;
-        } else {
-            content.reset();
-        }
-    }
-    const bool embeds = content != nullptr;
-    if (options.place == PacketPlace::kEmbedded && !embeds) {
-        throw PhotoError(PhotoError::Kind::kRefused,
-                         std::string("metadata embedded in ") + name + " files cannot be read yet");
-    }
-    if (embeds && options.place != PacketPlace::kSidecar) {
-        return {PacketPlace::kEmbedded,
-                path,
-                name,
-                row->read,
-                sidecarExists
-                    ? "there is a sidecar besides, but the metadata in the photo counts: " +
-                          PathToUTF8(sidecar)
-                    : "",
-                std::move(content)};
-    }
-    Place place =
-        SidecarPlace(sidecar, row == nullptr ? ""
-                              : embeds ? "metadata embedded in the photo is left out of account"
-                                       : std::string("metadata embedded in ") + name +
-                                             " files is not read yet; the sidecar counts");
-    place.format = name;
-    return place;
+    info.note += (info.note.empty() || note.empty() ? "" : "; ") + note;
 }
 
-/// Opens the place, where it is there, and fills `origin`.
-std::unique_ptr<__XMPMeta__> OpenPlace(Place place, InputFile* file)
+/// Puts the packet of the place that counts into an object, and into `origin` what is known of it.
+std::unique_ptr<__XMPMeta__> OpenCounting(Place& place, InputFile* photo, PhotoOrigin& origin)
 {
-    const auto origin = std::make_shared<PhotoOrigin>();
-    origin->info.format = place.format;
-    origin->info.place = place.kind;
-    origin->info.packetPath = place.path;
-    origin->info.note = place.note;
-    origin->packetPathUTF8 = PathToUTF8(place.path);
-    origin->read = place.read;
-
-    std::unique_ptr<__XMPMeta__> meta;
+    std::optional<InputFile> sidecar;
+    InputFile* file = photo;
+    if (place.kind == PacketPlace::kSidecar && photo == nullptr && File(place.path).Exists()) {
+        file = &sidecar.emplace(place.path);
+    }
+    OpenedFile opened;
     if (file == nullptr) {
         MemorySource nothing({});
-        origin->Note(place.read(nothing), std::nullopt);
-        meta = __XMPMeta__::Create();
+        opened = ReadPlace(place, nothing);
+        origin.Note(std::move(opened.format), std::nullopt);
     } else {
         FileSource source(*file);
-        origin->Note(place.content ? std::move(place.content) : place.read(source),
-                     file->Identity());
-        if (origin->refusal && origin->format->Packets().empty() &&
-            origin->refusal->GetKind() == PhotoError::Kind::kBroken) {
-            throw PhotoError(*origin->refusal);
-        }
-        PhotoObject object = ReadPackets(source, *origin->format);
-        meta = std::move(object.meta);
-        if (!origin->refusal) {
-            origin->refusal = object.refusal;
-        }
+        opened = ReadPlace(place, source);
+        origin.Note(std::move(opened.format), file->Identity());
     }
-    if (origin->refusal) {
-        origin->info.canSave = false;
-        origin->info.reason = origin->refusal->what();
+    if (!origin.refusal) {
+        origin.refusal = opened.refusal;
+    }
+    if (origin.refusal) {
+        origin.info.canSave = false;
+        origin.info.reason = origin.refusal->what();
     } else if (file != nullptr) {
         try {
             kivcore::filesupport::CheckReplaceable(place.path);
         } catch (const FileError&) {
-            origin->info.canSave = false;
-            origin->info.reason = "the file is read-only";
+            origin.info.canSave = false;
+            origin.info.reason = "the file is read-only";
         }
     }
-    meta->SetOrigin(origin);
-    return meta;
+    return std::move(opened.meta);
+}
+
+/// The same for a sidecar beside a photo, which is not worth less if its sidecar is broken.
+std::unique_ptr<__XMPMeta__> OpenCountingSidecar(Place& place, PhotoOrigin& origin)
+{
+    try {
+        return OpenCounting(place, nullptr, origin);
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        const std::string reason =
+            "its sidecar cannot be read, and stays as it is: " + WhyUnreadable(place.path);
+        MemorySource nothing({});
+        origin.Note(place.read(nothing), std::nullopt);
+        origin.refusal.emplace(PhotoError::Kind::kRefused, reason);
+        origin.info.canSave = false;
+        origin.info.reason = reason;
+        origin.info.note = reason;
+        return __XMPMeta__::Create();
+    }
+}
+
+/// What the place has that does not count. Its failure is told in the note.
+void OpenOther(Place& place, InputFile& photo, PhotoOrigin& origin)
+{
+    const bool isSidecar = place.kind == PacketPlace::kSidecar;
+    try {
+        std::optional<InputFile> sidecar;
+        FileSource source(isSidecar ? sidecar.emplace(place.path) : photo);
+        origin.derived.AddPacket(ReadPlace(place, source).meta,
+                                 {isSidecar ? DerivedFrom::kSidecar : DerivedFrom::kEmbedded,
+                                  PathToUTF8(File(place.path).Name())});
+    } catch (const std::bad_alloc&) {
+        throw;
+    } catch (const std::exception&) {
+        AddNote(origin.info, (isSidecar ? "the sidecar cannot be read: "
+                                        : "metadata embedded in the photo cannot be read: ") +
+                                 WhyUnreadable(place.path));
+    }
 }
 
 std::unique_ptr<__XMPMeta__> Open(const UString& path, const OpenOptions& options)
 {
     RecoverReplacedFile(path);
     InputFile file(path);
-    if (photo::IsSidecarName(path)) {
-        return OpenPlace(SidecarPlace(path, ""), &file);
+    const bool isSidecarItself = photo::IsSidecarName(path);
+    if (!isSidecarItself) {
+        RecoverReplacedFile(photo::FullSidecarName(path));
+        RecoverReplacedFile(photo::ShortSidecarName(path));
     }
-    RecoverReplacedFile(photo::FullSidecarName(path));
-    RecoverReplacedFile(photo::ShortSidecarName(path));
     FileSource source(file);
-    Place place = FindPlace(path, source, options);
-    if (place.kind == PacketPlace::kEmbedded) {
-        return OpenPlace(std::move(place), &file);
+    PhotoPlaces places =
+        isSidecarItself ? PlacesOfSidecar(path) : FindPlaces(path, source, options);
+    const auto origin = std::make_shared<PhotoOrigin>();
+    origin->info.format = places.format;
+    origin->info.place = places.packet.kind;
+    origin->info.packetPath = places.packet.path;
+    origin->info.note = places.note;
+    origin->packetPathUTF8 = PathToUTF8(places.packet.path);
+    origin->read = places.packet.read;
+    const bool hasOwnSidecar = !isSidecarItself && places.packet.kind == PacketPlace::kSidecar;
+    std::unique_ptr<__XMPMeta__> meta = hasOwnSidecar ? OpenCountingSidecar(places.packet, *origin)
+                                                      : OpenCounting(places.packet, &file, *origin);
+    if (places.other) {
+        OpenOther(*places.other, file, *origin);
     }
-    if (!File(place.path).Exists()) {
-        return OpenPlace(std::move(place), nullptr);
+    if (places.isPhoto) {
+        origin->derived.SetPhoto(path, file.Identity());
     }
-    InputFile sidecar(place.path);
-    return OpenPlace(std::move(place), &sidecar);
+    meta->SetOrigin(origin);
+    return meta;
 }
 
 std::vector<const Node*> Pointers(const std::vector<Node>& nodes)
@@ -418,6 +412,11 @@ private:
 
 }  // namespace
 
+const Node* PhotoOrigin::FindDerived(std::string_view uri, std::string_view local)
+{
+    return derived.Find(uri, local).node;
+}
+
 void PhotoOrigin::Note(std::unique_ptr<PhotoFormat> newFormat,
                        const std::optional<FileIdentity>& newIdentity)
 {
@@ -481,6 +480,9 @@ SaveResult SavePhoto(__XMPMeta__& meta)
         }
         const FileIdentity identity = save.Run();
         origin.Note(save.TakeFormat(), identity);
+        if (origin.info.place == PacketPlace::kEmbedded) {
+            origin.derived.SetPhoto(origin.info.packetPath, identity);
+        }
         const std::unique_ptr<__XMPMeta__> saved = save.TakeObject();
         saved->SetOrigin(meta.GetOrigin());
         meta.Swap(*saved);

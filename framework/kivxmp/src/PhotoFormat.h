@@ -48,7 +48,7 @@ public:
     virtual ~PhotoFormat();
 
     /// What a file of this content is called, given what its signature says and the extension of
-    /// its name (lower case, without the dot); null if packets in it are not ours to read or write.
+    /// its name (lower case, without the dot); null if packets in it are not ours to write.
     virtual const char* NameOf(const char* signatureName, std::string_view extension) const;
 
     /// Where the main packets lie, in file order. The first one counts.

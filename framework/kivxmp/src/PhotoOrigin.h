@@ -10,7 +10,9 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 
+#include "framework/kivxmp/src/DerivedSet.h"
 #include "framework/kivxmp/src/PhotoFormat.h"
 
 namespace kivxmp {
@@ -18,6 +20,8 @@ namespace kivxmp {
 class PhotoOrigin final : public Origin {
 public:
     using Reader = std::unique_ptr<photo::PhotoFormat> (*)(photo::ByteSource& source);
+
+    const Node* FindDerived(std::string_view uri, std::string_view local) override;
 
     /// Takes over what the file looks like now.
     void Note(std::unique_ptr<photo::PhotoFormat> newFormat,
@@ -31,6 +35,7 @@ public:
     std::optional<kivcore::filesupport::FileIdentity> identity;
     /// Why the place cannot be written, whatever the file's permissions.
     std::optional<photo::PhotoError> refusal;
+    DerivedSet derived;
 };
 
 /// Belongs to the object. Throws kKivXmpBadArgument for one that was not opened from a file.

@@ -5,6 +5,7 @@
 #include <unordered_map>
 #include <utility>
 
+#include "framework/kivxmp/src/DerivedEdit.h"
 #include "framework/kivxmp/src/ObjectState.h"
 #include "framework/kivxmp/src/TreeEditor.h"
 
@@ -115,8 +116,14 @@ private:
 
 Origin::~Origin() = default;
 
+const Node* Origin::FindDerived(std::string_view, std::string_view)
+{
+    return nullptr;
+}
+
 }  // namespace kivxmp
 
+using kivxmp::DerivedEdit;
 using kivxmp::LanguageText;
 using kivxmp::Node;
 using kivxmp::NodeForm;
@@ -242,7 +249,9 @@ void __XMPMeta__::SetText(std::string_view path, std::string_view text)
 
 void __XMPMeta__::SetText(const Path& path, std::string_view text)
 {
-    TreeEditor(*state_, path).SetText(NodeForm::kSimple, text);
+    DerivedEdit(*state_, path).Run([&] {
+        TreeEditor(*state_, path).SetText(NodeForm::kSimple, text);
+    });
 }
 
 void __XMPMeta__::SetUri(std::string_view path, std::string_view uri)
@@ -252,7 +261,7 @@ void __XMPMeta__::SetUri(std::string_view path, std::string_view uri)
 
 void __XMPMeta__::SetUri(const Path& path, std::string_view uri)
 {
-    TreeEditor(*state_, path).SetText(NodeForm::kUri, uri);
+    DerivedEdit(*state_, path).Run([&] { TreeEditor(*state_, path).SetText(NodeForm::kUri, uri); });
 }
 
 void __XMPMeta__::SetList(std::string_view path, NodeForm form, std::span<const std::string> items)
@@ -262,7 +271,7 @@ void __XMPMeta__::SetList(std::string_view path, NodeForm form, std::span<const 
 
 void __XMPMeta__::SetList(const Path& path, NodeForm form, std::span<const std::string> items)
 {
-    TreeEditor(*state_, path).SetList(form, items);
+    DerivedEdit(*state_, path).Run([&] { TreeEditor(*state_, path).SetList(form, items); });
 }
 
 void __XMPMeta__::SetLanguages(std::string_view path, std::span<const LanguageText> items)
@@ -272,7 +281,7 @@ void __XMPMeta__::SetLanguages(std::string_view path, std::span<const LanguageTe
 
 void __XMPMeta__::SetLanguages(const Path& path, std::span<const LanguageText> items)
 {
-    TreeEditor(*state_, path).SetLanguages(items);
+    DerivedEdit(*state_, path).Run([&] { TreeEditor(*state_, path).SetLanguages(items); });
 }
 
 void __XMPMeta__::Ensure(std::string_view path, NodeForm form)
@@ -282,7 +291,7 @@ void __XMPMeta__::Ensure(std::string_view path, NodeForm form)
 
 void __XMPMeta__::Ensure(const Path& path, NodeForm form)
 {
-    TreeEditor(*state_, path).Ensure(form);
+    DerivedEdit(*state_, path).Run([&] { TreeEditor(*state_, path).Ensure(form); });
 }
 
 void __XMPMeta__::SetCopy(std::string_view path, const Node& node)
@@ -292,20 +301,22 @@ void __XMPMeta__::SetCopy(std::string_view path, const Node& node)
 
 void __XMPMeta__::SetCopy(const Path& path, const Node& node)
 {
-    TreeEditor(*state_, path).SetCopy(node);
+    DerivedEdit(*state_, path).Run([&] { TreeEditor(*state_, path).SetCopy(node); });
 }
 
 void __XMPMeta__::InsertItem(std::string_view path, std::size_t index, NodeForm form,
                              std::string_view value)
 {
     const Path parsed = ParsePath(path);
-    TreeEditor(*state_, parsed).InsertItem(index, form, value);
+    DerivedEdit(*state_, parsed).Run([&] {
+        TreeEditor(*state_, parsed).InsertItem(index, form, value);
+    });
 }
 
 void __XMPMeta__::MoveItem(std::string_view path, std::size_t from, std::size_t to)
 {
     const Path parsed = ParsePath(path);
-    TreeEditor(*state_, parsed).MoveItem(from, to);
+    DerivedEdit(*state_, parsed).Run([&] { TreeEditor(*state_, parsed).MoveItem(from, to); });
 }
 
 bool __XMPMeta__::Remove(std::string_view path)
@@ -315,7 +326,7 @@ bool __XMPMeta__::Remove(std::string_view path)
 
 bool __XMPMeta__::Remove(const Path& path)
 {
-    return TreeEditor(*state_, path).Remove();
+    return DerivedEdit(*state_, path).Remove();
 }
 
 const std::shared_ptr<kivxmp::Origin>& __XMPMeta__::GetOrigin() const noexcept

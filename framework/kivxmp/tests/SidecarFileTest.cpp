@@ -92,7 +92,7 @@ TEST_F(SidecarFileTest, OfAFormatThatIsNotWritten)
     EXPECT_EQ(info.packetPath, folder_.Path("p.gif.xmp"));
     EXPECT_FALSE(info.packetFound);
     EXPECT_TRUE(info.canSave);
-    EXPECT_EQ(info.note, "metadata embedded in GIF files is not read yet; the sidecar counts");
+    EXPECT_EQ(info.note, "packets embedded in GIF files are not read yet; the sidecar counts");
 
     EXPECT_EQ(SavePhoto(*meta), SaveResult::kNothingToSave);
     EXPECT_THAT(folder_.Names(), ElementsAre("p.gif"));
@@ -148,7 +148,7 @@ TEST_F(SidecarFileTest, PlacesThatCannotBe)
     const OpenOptions embedded{.place = PacketPlace::kEmbedded};
     folder_.Write("p.gif", kGif);
     EXPECT_THAT(Failure("p.gif", embedded),
-                HasSubstr("p.gif: metadata embedded in GIF files cannot be read yet"));
+                HasSubstr("p.gif: metadata is not written into GIF files"));
     folder_.Write("unknown.bin", "content that nobody knows");
     EXPECT_THAT(Failure("unknown.bin", {}), HasSubstr("no photo of a known format"));
     // Who asks for a sidecar gets one; and where there is one, the file is of worth to somebody.

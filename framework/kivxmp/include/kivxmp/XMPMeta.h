@@ -54,6 +54,9 @@ struct LanguageText {
 class KIVXMP_API Origin {
 public:
     virtual ~Origin();
+    /// What the property is where the packet lacks it (<kivxmp/Derived.h>); null where nobody
+    /// tells. Valid as long as the origin.
+    virtual const Node* FindDerived(std::string_view uri, std::string_view local);
 };
 
 class ObjectState;

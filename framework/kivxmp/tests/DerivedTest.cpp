@@ -1,0 +1,103 @@
+#include <kivxmp/Derived.h>
+
+#include <gmock/gmock.h>
+
+#include <string>
+
+#include <kivxmp/PhotoFile.h>
+#include <kivxmp/XMPAccess.h>
+
+#include "framework/kivxmp/tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/PhotoFolder.h"
+
+namespace kivxmp {
+namespace {
+
+using test::Jpeg;
+using test::SmallPacket;
+
+class DerivedTest : public test::PhotoFolderTest {};
+
+std::string PacketWith(const std::string& properties)
+{
+    return "<x:xmpmeta xmlns:x='adobe:ns:meta/'>"
+           "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+           "<rdf:Description rdf:about='' xmlns:dc='http://purl.org/dc/elements/1.1/'"
+           " xmlns:xmp='http://ns.adobe.com/xap/1.0/' xmlns:other='http://other.example/'>" +
+           properties + "</rdf:Description></rdf:RDF></x:xmpmeta>";
+}
+
+TEST_F(DerivedTest, WhatThePacketLacks)
+{
+    folder_.Write("p.jpg", Jpeg().Xmp(SmallPacket("inside")).Scan().Bytes());
+    folder_.Write("p.jpg.xmp",
+                  PacketWith("<dc:title>beside</dc:title><xmp:Label>red</xmp:Label>"
+                             "<other:list><rdf:Bag><rdf:li>one</rdf:li></rdf:Bag></other:list>"));
+    const auto meta = Open("p.jpg");
+    // Hidden, in whatever form.
+    EXPECT_EQ(FindDerived(*meta, "dc:title"), nullptr);
+    EXPECT_EQ(FindDerivedSource(*meta, "dc:title"), nullptr);
+    EXPECT_EQ(FindDerived(*meta, "dc:title[@de]"), nullptr);
+    EXPECT_EQ(TextOf(FindWithDerived(*meta, "dc:title")), "inside");
+
+    EXPECT_EQ(TextOf(FindDerived(*meta, "xmp:Label")), "red");
+    EXPECT_EQ(TextOf(FindWithDerived(*meta, "xmp:Label")), "red");
+    EXPECT_EQ(TextOf(FindDerived(*meta, "{http://other.example/}list[1]")), "one");
+    EXPECT_EQ(FindDerived(*meta, "{http://other.example/}list[2]"), nullptr);
+    const DerivedSource sidecar{DerivedFrom::kSidecar, "p.jpg.xmp"};
+    ASSERT_NE(FindDerivedSource(*meta, "xmp:Label"), nullptr);
+    EXPECT_EQ(*FindDerivedSource(*meta, "xmp:Label"), sidecar);
+    ASSERT_NE(FindDerivedSource(*meta, "{http://other.example/}list[2]"), nullptr);
+    EXPECT_EQ(FindDerivedSource(*meta, "xmp:Rating"), nullptr);
+    EXPECT_EQ(FindDerived(*meta, "xmp:Rating"), nullptr);
+    EXPECT_THROW(FindDerived(*meta, "xmp:"), XMP_Error);
+
+    const auto derived = DerivedProperties(*meta);
+    EXPECT_EQ(derived->PropertyCount(), 2u);
+    EXPECT_EQ(TextOf(derived->Find("xmp:Label")), "red");
+
+    // It is there for clones, and in nothing that is written.
+    const auto clone = meta->Clone();
+    EXPECT_EQ(TextOf(FindDerived(*clone, "xmp:Label")), "red");
+    EXPECT_FALSE(meta->IsChanged());
+    EXPECT_EQ(meta->Find("xmp:Label"), nullptr);
+    EXPECT_EQ(meta->Serialize(), SmallPacket("inside"));
+}
+
+TEST_F(DerivedTest, SavesAndRemovals)
+{
+    folder_.Write("p.jpg", Jpeg().Xmp(SmallPacket("inside")).Scan().Bytes());
+    folder_.Write("p.jpg.xmp", PacketWith("<dc:title>beside</dc:title><xmp:Label>red</xmp:Label>"
+                                          "<xmp:Rating>2</xmp:Rating>"));
+    const std::string sidecar = folder_.Read("p.jpg.xmp");
+    const auto meta = Open("p.jpg");
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kNothingToSave);
+    meta->SetText("xmp:Label", "blue");
+    EXPECT_EQ(FindDerived(*meta, "xmp:Label"), nullptr);
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    // Against the new packet.
+    EXPECT_EQ(FindDerived(*meta, "xmp:Label"), nullptr);
+    EXPECT_EQ(TextOf(FindDerived(*meta, "xmp:Rating")), "2");
+    EXPECT_FALSE(meta->IsChanged());
+    EXPECT_EQ(meta->Find("xmp:Rating"), nullptr);
+    EXPECT_EQ(TextOf(Open("p.jpg")->Find("xmp:Label")), "blue");
+    EXPECT_EQ(folder_.Read("p.jpg.xmp"), sidecar);
+
+    meta->Remove("dc:title");
+    EXPECT_EQ(TextOf(FindWithDerived(*meta, "dc:title")), "beside");
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    EXPECT_EQ(TextOf(FindWithDerived(*meta, "dc:title")), "beside");
+    EXPECT_EQ(TextOf(FindWithDerived(*Open("p.jpg"), "dc:title")), "beside");
+}
+
+TEST_F(DerivedTest, AnObjectOfNoFileHasNone)
+{
+    const auto meta = __XMPMeta__::Parse(SmallPacket("t"));
+    EXPECT_EQ(FindDerived(*meta, "xmp:Label"), nullptr);
+    EXPECT_EQ(FindDerivedSource(*meta, "dc:title"), nullptr);
+    EXPECT_EQ(TextOf(FindWithDerived(*meta, "dc:title")), "t");
+    EXPECT_EQ(DerivedProperties(*meta)->PropertyCount(), 0u);
+}
+
+}  // namespace
+}  // namespace kivxmp
