@@ -12,6 +12,7 @@
 
 #include "framework/kivxmp/tests/JpegBuilder.h"
 #include "framework/kivxmp/tests/PhotoFolder.h"
+#include "framework/kivxmp/tests/SamplePhotos.h"
 
 namespace kivxmp {
 namespace {
@@ -21,8 +22,10 @@ using kivcore::filesupport::FileStep;
 using kivcore::filesupport::InputFile;
 using kivcore::filesupport::SetFileFault;
 using test::Jpeg;
+using test::kSavedSamples;
 using test::kTitle;
 using test::PicturesByIndex;
+using test::SavedSample;
 using test::SmallPacket;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
@@ -305,22 +308,39 @@ TEST_F(PhotoFileTest, CutAtEveryLength)
     EXPECT_GT(saved, 50);
 }
 
+// Also where a rename would pass, and also for an administrator.
 TEST_F(PhotoFileTest, ReadOnly)
 {
-    const std::string photo = Photo(SmallPacket("t"));
-    folder_.Write("p.jpg", photo);
     namespace fs = std::filesystem;
-    fs::permissions(folder_.Of("p.jpg"), fs::perms::owner_read | fs::perms::group_read);
-    const std::unique_ptr<__XMPMeta__> meta = Open("p.jpg");
-    EXPECT_FALSE(GetPhotoInfo(*meta).canSave);
-    EXPECT_EQ(GetPhotoInfo(*meta).reason, "the file is read-only");
-    meta->SetText(kTitle, "edited");
-    EXPECT_EQ(Failure([&] { SavePhoto(*meta); }), "35 p.jpg: is read-only");
-    EXPECT_TRUE(folder_.Read("p.jpg") == photo);
-    EXPECT_THAT(folder_.Names(), ElementsAre("p.jpg"));
-    // Once it may be written, the same object can be saved.
-    fs::permissions(folder_.Of("p.jpg"), fs::perms::owner_read | fs::perms::owner_write);
-    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    for (const SavedSample& row : kSavedSamples) {
+        SCOPED_TRACE(row.photo);
+        folder_.Write(row.photo, row.bytes);
+        fs::permissions(folder_.Of(row.photo), fs::perms::owner_read | fs::perms::group_read);
+        const std::unique_ptr<__XMPMeta__> meta = Open(row.photo);
+        meta->SetText(kTitle, "edited");
+        if (row.photo != row.saved) {
+            // A photo that is not written may well be read-only.
+            EXPECT_TRUE(GetPhotoInfo(*meta).canSave);
+            EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+            fs::permissions(folder_.Of(row.saved), fs::perms::owner_read);
+            meta->SetText(kTitle, "again");
+        } else {
+            EXPECT_FALSE(GetPhotoInfo(*meta).canSave);
+            EXPECT_EQ(GetPhotoInfo(*meta).reason, "the file is read-only");
+        }
+        const std::string before = folder_.Read(row.saved);
+        const std::vector<std::string> names = folder_.Names();
+        EXPECT_EQ(Failure([&] { SavePhoto(*meta); }), "35 " + row.saved + ": is read-only");
+        EXPECT_TRUE(folder_.Read(row.saved) == before);
+        EXPECT_EQ(folder_.Names(), names);
+        // Once it may be written, the same object can be saved.
+        fs::permissions(folder_.Of(row.saved), fs::perms::owner_read | fs::perms::owner_write);
+        EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+        for (const std::string& name : names) {
+            fs::permissions(folder_.Of(name), fs::perms::owner_all);
+            fs::remove(folder_.Of(name));
+        }
+    }
 }
 
 TEST_F(PhotoFileTest, ChangedMeanwhile)
@@ -341,40 +361,102 @@ TEST_F(PhotoFileTest, ChangedMeanwhile)
     EXPECT_TRUE(folder_.Names().empty());
 }
 
+constexpr FileStep kSteps[] = {FileStep::kOpen,   FileStep::kRead,       FileStep::kCreate,
+                               FileStep::kWrite,  FileStep::kFlush,      FileStep::kVerify,
+                               FileStep::kRename, FileStep::kFlushFolder};
+
 // Every call to the system fails in turn: the photo stays, and so do the edits.
 TEST_F(PhotoFileTest, AFullDiskAndOtherFailures)
 {
-    constexpr FileStep kSteps[] = {FileStep::kOpen,   FileStep::kRead,       FileStep::kCreate,
-                                   FileStep::kWrite,  FileStep::kFlush,      FileStep::kVerify,
-                                   FileStep::kRename, FileStep::kFlushFolder};
-    const std::string photo = Photo(SmallPacket("t"));
-    for (const FileStep step : kSteps) {
-        int failures = 0;
-        for (int countdown = 1; countdown < 50; ++countdown) {
-            SCOPED_TRACE(testing::Message()
-                         << "step " << static_cast<int>(step) << ", occurrence " << countdown);
-            folder_.Write("p.jpg", photo);
-            const std::unique_ptr<__XMPMeta__> meta = Open("p.jpg");
-            meta->SetText(kTitle, "edited");
-            const int error = step == FileStep::kWrite ? ENOSPC : EIO;
-            SetFileFault(step, error, countdown);
-            const std::string failure = Failure([&] { SavePhoto(*meta); });
-            SetFileFault(step, 0, 0);
-            if (failure.empty()) {
-                EXPECT_EQ(Title("p.jpg"), "edited");
-                break;
+    for (const SavedSample& row : kSavedSamples) {
+        const bool isNew = row.photo != row.saved;
+        const auto begin = [&] {
+            std::filesystem::remove(folder_.Of(row.saved));
+            folder_.Write(row.photo, row.bytes);
+        };
+        for (const FileStep step : kSteps) {
+            int failures = 0;
+            for (int countdown = 1; countdown < 50; ++countdown) {
+                SCOPED_TRACE(testing::Message() << row.saved << ", step " << static_cast<int>(step)
+                                                << ", occurrence " << countdown);
+                begin();
+                const std::unique_ptr<__XMPMeta__> meta = Open(row.photo);
+                meta->SetText(kTitle, "edited");
+                const int error = step == FileStep::kWrite ? ENOSPC : EIO;
+                SetFileFault(step, error, countdown);
+                const std::string failure = Failure([&] { SavePhoto(*meta); });
+                SetFileFault(step, 0, 0);
+                if (failure.empty()) {
+                    EXPECT_EQ(Title(row.photo), "edited");
+                    break;
+                }
+                ++failures;
+                EXPECT_THAT(failure, HasSubstr("34 " + row.saved + ": "));
+                EXPECT_TRUE(folder_.Read(row.photo) == row.bytes);
+                EXPECT_THAT(folder_.Names(), ElementsAre(row.photo));
+                EXPECT_TRUE(meta->IsChanged());
+                // With room made, the same object can be saved.
+                EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+                EXPECT_EQ(Title(row.photo), "edited");
             }
-            ++failures;
-            EXPECT_THAT(failure, HasSubstr("34 p.jpg: "));
-            EXPECT_TRUE(folder_.Read("p.jpg") == photo);
-            EXPECT_THAT(folder_.Names(), ElementsAre("p.jpg"));
-            EXPECT_TRUE(meta->IsChanged());
-            // With room made, the same object can be saved.
-            EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
-            EXPECT_EQ(Title("p.jpg"), "edited");
+            // What is made anew is neither opened nor read before.
+            const bool isOfOld = step == FileStep::kOpen || step == FileStep::kRead;
+            EXPECT_GE(failures, isNew && isOfOld ? 0 : 1) << static_cast<int>(step);
+            EXPECT_LT(failures, 40) << static_cast<int>(step);
         }
-        EXPECT_GE(failures, 1) << static_cast<int>(step);
-        EXPECT_LT(failures, 40) << static_cast<int>(step);
+        begin();
+        std::filesystem::remove(folder_.Of(row.photo));
+    }
+}
+
+// So does every call while a photo is opened; nothing of that is left.
+TEST_F(PhotoFileTest, OpeningThatFails)
+{
+    for (const SavedSample& row : kSavedSamples) {
+        folder_.Write(row.photo, row.bytes);
+        for (const FileStep step : {FileStep::kOpen, FileStep::kRead}) {
+            int failures = 0;
+            for (int countdown = 1; countdown < 50; ++countdown) {
+                SCOPED_TRACE(testing::Message() << row.photo << ", occurrence " << countdown);
+                SetFileFault(step, EIO, countdown);
+                const std::string failure = Failure([&] { Open(row.photo); });
+                SetFileFault(step, 0, 0);
+                if (failure.empty()) {
+                    break;
+                }
+                ++failures;
+                EXPECT_THAT(failure, HasSubstr("33 " + row.photo + ": "));
+            }
+            EXPECT_GE(failures, 1);
+            EXPECT_LT(failures, 40);
+        }
+        EXPECT_TRUE(folder_.Read(row.photo) == row.bytes);
+        EXPECT_THAT(folder_.Names(), ElementsAre(row.photo));
+        std::filesystem::remove(folder_.Of(row.photo));
+    }
+}
+
+// The same bytes at the same time under the same name, and still another file: whoever put it there
+// may mean something by it.
+TEST_F(PhotoFileTest, ReplacedMeanwhileByItsLike)
+{
+    for (const SavedSample& row : kSavedSamples) {
+        if (row.photo != row.saved) {
+            continue;
+        }
+        SCOPED_TRACE(row.photo);
+        folder_.Write(row.photo, row.bytes);
+        const std::unique_ptr<__XMPMeta__> meta = Open(row.photo);
+        meta->SetText(kTitle, "edited");
+        folder_.Write("other", row.bytes);
+        namespace fs = std::filesystem;
+        fs::last_write_time(folder_.Of("other"), fs::last_write_time(folder_.Of(row.photo)));
+        fs::rename(folder_.Of("other"), folder_.Of(row.photo));
+        EXPECT_EQ(Failure([&] { SavePhoto(*meta); }),
+                  "36 " + row.photo + ": was changed since it was read; nothing was written");
+        EXPECT_TRUE(folder_.Read(row.photo) == row.bytes);
+        EXPECT_THAT(folder_.Names(), ElementsAre(row.photo));
+        fs::remove(folder_.Of(row.photo));
     }
 }
 

@@ -12,14 +12,17 @@
 #include "framework/kivxmp/tests/JpegBuilder.h"
 #include "framework/kivxmp/tests/PhotoBuilders.h"
 #include "framework/kivxmp/tests/PhotoFolder.h"
+#include "framework/kivxmp/tests/SamplePhotos.h"
 
 namespace kivxmp {
 namespace {
 
 using photo::PacketDigest;
 using test::Jpeg;
+using test::kSamplePhotos;
 using test::kTitle;
 using test::Png;
+using test::SamplePhoto;
 using test::SmallPacket;
 using test::Tiff;
 using test::Webp;
@@ -38,55 +41,9 @@ std::string Rdf(std::string_view elements, std::string_view attributes = "")
            "</rdf:Description></rdf:RDF></x:xmpmeta>";
 }
 
-struct FormatCase {
-    const char* name;  // of the file
-    const char* format;
-    std::string (*build)(std::string_view packet);  // "" for none
-};
-
-const FormatCase kFormats[] = {
-    {"p.jpg", "JPEG",
-     [](std::string_view packet) {
-         Jpeg jpeg;
-         jpeg.Exif();
-         return (packet.empty() ? jpeg : jpeg.Xmp(packet)).Scan().Bytes();
-     }},
-    {"p.png", "PNG",
-     [](std::string_view packet) {
-         Png png;
-         return (packet.empty() ? png : png.Xmp(packet)).Image().Bytes();
-     }},
-    {"p.webp", "WebP",
-     [](std::string_view packet) {
-         Webp webp;
-         webp.Extended(packet.empty() ? 0 : 4).Image();
-         return (packet.empty() ? webp : webp.Xmp(packet)).Bytes();
-     }},
-    {"p.tif", "TIFF",
-     [](std::string_view packet) {
-         Tiff tiff({true, false});
-         tiff.Image();
-         return (packet.empty() ? tiff : tiff.Xmp(packet)).Bytes();
-     }},
-    {"p.tiff", "BigTIFF",
-     [](std::string_view packet) {
-         Tiff tiff({false, true});
-         tiff.Image();
-         return (packet.empty() ? tiff : tiff.Xmp(packet)).Bytes();
-     }},
-    {"p.dng", "DNG",
-     [](std::string_view packet) {
-         Tiff tiff;
-         tiff.Image();
-         return (packet.empty() ? tiff : tiff.Xmp(packet))
-             .Entry(50706, 1, 4, std::string_view("\1\4\0\0", 4))
-             .Bytes();
-     }},
-};
-
 TEST_F(PhotoPacketsTest, EveryFormatTakesAFirstPacketAndAnotherOne)
 {
-    for (const FormatCase& row : kFormats) {
+    for (const SamplePhoto& row : kSamplePhotos) {
         SCOPED_TRACE(row.format);
         folder_.Write(row.name, row.build(""));
         std::unique_ptr<__XMPMeta__> meta = Open(row.name);
@@ -359,7 +316,7 @@ TEST_F(PhotoPacketsTest, AWholePacketIsReplacedByteForByte)
         Wrapped(Rdf("<my:b>2</my:b>"), 10),
         Rdf("<my:c>3</my:c>", "my:d = '4'") + "\n",
     };
-    for (const FormatCase& row : kFormats) {
+    for (const SamplePhoto& row : kSamplePhotos) {
         for (const bool hadOne : {false, true}) {
             SCOPED_TRACE(row.format + std::string(hadOne ? " with a packet" : " without"));
             folder_.Write(row.name, row.build(hadOne ? SmallPacket("old") : ""));
