@@ -1,5 +1,7 @@
 #include <kivmetadata/Provider.h>
 
+#include <kivxmp/Derived.h>
+
 namespace kivmetadata {
 
 MetaDataProvider::~MetaDataProvider() = default;
@@ -13,7 +15,7 @@ PathStatus TypicalProviderImpl::QueryPathStatus(const std::string& path) const
     if (meta_ == nullptr) {
         return PathStatus::kMissing;
     }
-    const kivxmp::Node* const node = meta_->Find(path);
+    const kivxmp::Node* const node = kivxmp::FindWithDerived(*meta_, path);
     if (node == nullptr) {
         return PathStatus::kMissing;
     }
@@ -32,13 +34,15 @@ std::vector<std::string> TypicalProviderImpl::GetAllPathsForDynamicSchema(
     if (meta_ == nullptr) {
         return paths;
     }
-    meta_->Walk([&](const __XMPMeta__::Visit& visit) {
+    const auto add = [&](const __XMPMeta__::Visit& visit) {
         if (visit.depth == 0 && !visit.isQualifier &&
             (namespaceUri.empty() || visit.node.NamespaceUri() == namespaceUri)) {
             paths.push_back(visit.path);
         }
         return true;
-    });
+    };
+    meta_->Walk(add);
+    kivxmp::DerivedProperties(*meta_)->Walk(add);
     return paths;
 }
 

@@ -3,6 +3,13 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <string>
+
+#include <kivxmp/Derived.h>
+#include <kivxmp/PhotoFile.h>
+#include <kivxmp/XMPAccess.h>
+
+#include "framework/kivcore/tests/TestFolder.h"
 #include "framework/kivcore/tests/VirtualSlot.h"
 
 namespace kivmetadata {
@@ -133,6 +140,53 @@ TEST_F(ProviderTest, AnObjectMayBeWrittenToItself)
 {
     provider_.DoWriteChanges(*meta_);
     EXPECT_EQ(meta_->Serialize(), kPacket);
+}
+
+// A photo without a packet, and a sidecar beside it.
+class DerivedProviderTest : public testing::Test {
+protected:
+    std::unique_ptr<__XMPMeta__> Open() const
+    {
+        folder_.Write("p.jpg", std::string("\xFF\xD8\xFF\xDA\0\2\xFF\xD9", 8));
+        folder_.Write("p.jpg.xmp", std::string(kPacket));
+        return kivxmp::OpenPhoto(folder_.Path("p.jpg"));
+    }
+
+    const kivcore::testing::TestFolder folder_;
+    const std::unique_ptr<__XMPMeta__> meta_ = Open();
+    Provider provider_{meta_.get()};
+};
+
+TEST_F(DerivedProviderTest, DerivedPropertiesAreThere)
+{
+    const auto set = meta_->Clone();
+    set->SetText("dc:format", "image/jpeg");
+    provider_.DoWriteChanges(*set);
+    EXPECT_EQ(provider_.QueryPathStatus("dc:title[@de]"), PathStatus::kPresent);
+    EXPECT_EQ(provider_.QueryPathStatus("dc:title[@fr]"), PathStatus::kMissing);
+    EXPECT_EQ(provider_.QueryPathStatus("dc:creator"), PathStatus::kMissing);
+    // Literal XML means nothing outside of its packet.
+    EXPECT_EQ(provider_.QueryPathStatus("dc:source"), PathStatus::kMissing);
+    EXPECT_THAT(provider_.GetAllPathsForDynamicSchema(""),
+                ElementsAre("dc:format", "xmp:Rating", "dc:title", "{http://own/}note"));
+    EXPECT_THAT(provider_.GetAllPathsForDynamicSchema("http://ns.adobe.com/xap/1.0/"),
+                ElementsAre("xmp:Rating"));
+}
+
+TEST_F(DerivedProviderTest, AChangeCopiesFirstAndIsTakenBack)
+{
+    const auto changed = meta_->Clone();
+    changed->SetText("dc:title[@de]", "See");
+    provider_.DoWriteChanges(*changed);
+    EXPECT_EQ(kivxmp::ToJson(*meta_, meta_->Find("dc:title")), R"({"x-default":"Sea","de":"See"})");
+    EXPECT_EQ(kivxmp::FindDerivedSource(*meta_, "dc:title"), nullptr);
+    EXPECT_EQ(provider_.GetAllPathsForDynamicSchema("").front(), "dc:title");
+    changed->SetText("dc:title[@de]", "Meer");
+    provider_.DoWriteChanges(*changed);
+    EXPECT_FALSE(meta_->IsChanged());
+    EXPECT_EQ(meta_->PropertyCount(), 0u);
+    ASSERT_NE(kivxmp::FindDerivedSource(*meta_, "dc:title"), nullptr);
+    EXPECT_EQ(kivxmp::FindDerivedSource(*meta_, "dc:title")->detail, "p.jpg.xmp");
 }
 
 TEST_F(ProviderTest, WithoutAnObjectNothingCanBeWritten)

@@ -3,6 +3,7 @@
 #include <kivxmp/kivxmp_file.h>
 
 #include <kivcore/Dir.h>
+#include <kivxmp/Derived.h>
 #include <kivxmp/PhotoFile.h>
 
 #include "framework/kivxmp/src/CInterface.h"
@@ -57,6 +58,41 @@ KivXmpCode KivXmpGetPhotoInfo(const __XMPMeta__* meta, KivXmpPhotoInfo* info)
         info->canSave = origin.info.canSave ? 1 : 0;
         info->reason = origin.info.reason.c_str();
         info->note = origin.info.note.c_str();
+    });
+}
+
+KivXmpCode KivXmpGetSource(const __XMPMeta__* meta, const char* path, KivXmpSource* source,
+                           char** detail)
+{
+    return RunGuarded([&] {
+        if (detail != nullptr) {
+            *detail = nullptr;
+        }
+        ThrowIfNull(source, "source");
+        *source = kKivXmpFromPacket;
+        ThrowIfNull(meta, "meta");
+        ThrowIfNull(path, "path");
+        const kivxmp::Path parsed = meta->ParsePath(path);
+        const kivxmp::DerivedSource* const derived = kivxmp::FindDerivedSource(*meta, parsed);
+        if (derived == nullptr && meta->FindProperty(parsed[0].uri, parsed[0].local) == nullptr) {
+            throw XMP_Error(kKivXmpNotFound, std::string(path) + ": nobody tells this property");
+        }
+        if (detail != nullptr) {
+            *detail = kivxmp::CopyForCaller(derived != nullptr ? derived->detail : std::string());
+        }
+        if (derived != nullptr) {
+            *source = static_cast<KivXmpSource>(derived->from);
+        }
+    });
+}
+
+KivXmpCode KivXmpGetDerived(const __XMPMeta__* meta, __XMPMeta__** derived)
+{
+    return RunGuarded([&] {
+        ThrowIfNull(derived, "derived");
+        *derived = nullptr;
+        ThrowIfNull(meta, "meta");
+        *derived = kivxmp::DerivedProperties(*meta)->Clone().release();
     });
 }
 

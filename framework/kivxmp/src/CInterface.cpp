@@ -9,6 +9,7 @@
 #include <vector>
 
 #include <kivcore/LastFailure.h>
+#include <kivxmp/Derived.h>
 #include <kivxmp/XMPAccess.h>
 #include <kivxmp/XMPMeta.h>
 #include <kivxmp/XMPNamespaces.h>
@@ -79,7 +80,7 @@ void SetOneText(__XMPMeta__* meta, const char* path, const char* text, NodeForm 
     ThrowIfNull(path, "path");
     ThrowIfNull(text, "the text");
     const Path parsed = meta->ParsePath(path);
-    const Node* const node = meta->Find(parsed);
+    const Node* const node = FindWithDerived(*meta, parsed);
     if (node != nullptr && !node->IsText()) {
         throw XMP_Error(kKivXmpWrongForm, std::string(path) + ": a " + FormName(node->Form()) +
                                               " stands there; remove it first, or name its parts");

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <kivxmp/Derived.h>
 #include <kivxmp/PhotoFile.h>
 #include <kivxmp/kivxmp_file.h>
 
@@ -7,6 +8,7 @@
 #include "framework/kivxmp/tests/JpegBuilder.h"
 
 extern "C" int KivXmpTryPhotoFromC(const char* path, const char* packetPath);
+extern "C" int KivXmpTryDerivedFromC(const char* path);
 
 namespace kivxmp {
 namespace {
@@ -23,6 +25,19 @@ TEST(FileApi, FromC)
     EXPECT_EQ(KivXmpTryPhotoFromC(folder.Of("p.jpg").string().c_str(),
                                   folder.Of("out.xmp").string().c_str()),
               0);
+}
+
+static_assert(static_cast<int>(DerivedFrom::kExif) == kKivXmpFromExif);
+static_assert(static_cast<int>(DerivedFrom::kIim) == kKivXmpFromIim);
+static_assert(static_cast<int>(DerivedFrom::kSidecar) == kKivXmpFromSidecar);
+static_assert(static_cast<int>(DerivedFrom::kEmbedded) == kKivXmpFromEmbedded);
+
+TEST(FileApi, DerivedFromC)
+{
+    const kivcore::testing::TestFolder folder;
+    folder.Write("p.jpg", test::Jpeg().Scan().Bytes());
+    folder.Write("p.jpg.xmp", test::SmallPacket("beside"));
+    EXPECT_EQ(KivXmpTryDerivedFromC(folder.Of("p.jpg").string().c_str()), 0);
 }
 
 TEST(FileApi, OptionsThatMeanNothing)

@@ -76,3 +76,53 @@ int KivXmpTryPhotoFromC(const char* path, const char* packetPath)
     KivXmpRelease(meta);
     return 0;
 }
+
+/* A photo without a packet at `path`, and a sidecar with dc:title, dc:subject and my:odd beside it.
+ * Returns 0, or the line of the first surprise. */
+int KivXmpTryDerivedFromC(const char* path)
+{
+    __XMPMeta__* meta = NULL;
+    __XMPMeta__* derived = NULL;
+    KivXmpSource source = kKivXmpFromIim;
+    char* text = NULL;
+    int number = 7;
+
+    EXPECT(KivXmpOpenPhoto(path, NULL, &meta) == kKivXmpOk);
+    EXPECT(KivXmpGetSource(meta, "dc:title[@x-default]", &source, &text) == kKivXmpOk);
+    EXPECT(source == kKivXmpFromSidecar && strcmp(text, "p.jpg.xmp") == 0);
+    KivXmpFree(text);
+    EXPECT(KivXmpGetSource(meta, "dc:creator", &source, &text) == kKivXmpNotFound);
+    EXPECT(source == kKivXmpFromPacket && text == NULL);
+    EXPECT(strcmp(KivXmpLastErrorText(), "dc:creator: nobody tells this property") == 0);
+    EXPECT(KivXmpGetSource(meta, "dc:", &source, NULL) == kKivXmpBadPath);
+    EXPECT(KivXmpGetSource(meta, NULL, &source, NULL) == kKivXmpBadArgument);
+    EXPECT(KivXmpGetSource(NULL, "dc:title", &source, NULL) == kKivXmpBadArgument);
+    EXPECT(KivXmpGetSource(meta, "dc:title", NULL, &text) == kKivXmpBadArgument && text == NULL);
+
+    /* What is derived is not read from the packet. */
+    EXPECT(KivXmpGetText(meta, "dc:subject[1]", &text) == kKivXmpNotFound);
+    EXPECT(KivXmpGetDerived(meta, &derived) == kKivXmpOk);
+    EXPECT(KivXmpGetText(derived, "dc:subject[1]", &text) == kKivXmpOk);
+    EXPECT(strcmp(text, "sea") == 0);
+    KivXmpFree(text);
+    KivXmpRelease(derived);
+    EXPECT(KivXmpGetDerived(meta, NULL) == kKivXmpBadArgument);
+    EXPECT(KivXmpGetDerived(NULL, &derived) == kKivXmpBadArgument && derived == NULL);
+
+    /* A change copies it all; taken back it leaves nothing. */
+    EXPECT(KivXmpSetText(meta, "dc:subject", "a text") == kKivXmpWrongForm);
+    EXPECT(KivXmpRemove(meta, "dc:subject") == kKivXmpNotFound);
+    EXPECT(KivXmpSetText(meta, "dc:title[@de]", "daneben") == kKivXmpOk);
+    EXPECT(KivXmpGetText(meta, "dc:title[@x-default]", &text) == kKivXmpOk);
+    EXPECT(strcmp(text, "beside") == 0);
+    KivXmpFree(text);
+    EXPECT(KivXmpGetSource(meta, "dc:title", &source, &text) == kKivXmpOk);
+    EXPECT(source == kKivXmpFromPacket && strcmp(text, "") == 0);
+    KivXmpFree(text);
+    EXPECT(KivXmpIsChanged(meta, &number) == kKivXmpOk && number == 1);
+    EXPECT(KivXmpRemove(meta, "dc:title[@de]") == kKivXmpOk);
+    EXPECT(KivXmpIsChanged(meta, &number) == kKivXmpOk && number == 0);
+    EXPECT(KivXmpSavePhoto(meta, &number) == kKivXmpOk && number == 0);
+    KivXmpRelease(meta);
+    return 0;
+}

@@ -1,4 +1,6 @@
-// What a metadata dialog edits: an XMP object behind a small interface.
+// What a metadata dialog edits: an XMP object behind a small interface. Values are those of the
+// packet; where it lacks a property, those that the photo tells elsewhere (<kivxmp/Derived.h>, which
+// also names their source).
 
 #pragma once
 
@@ -22,12 +24,13 @@ public:
     MetaDataProvider& operator=(const MetaDataProvider&) = delete;
 
     virtual ~MetaDataProvider();
-    /// Whether the property at `path` ("dc:title[@de]") is there and may change. Throws XMP_Error
-    /// for what is no path.
+    /// Whether the property at `path` ("dc:title[@de]") is there, be it derived, and may change.
+    /// Throws XMP_Error for what is no path.
     virtual PathStatus QueryPathStatus(const std::string& path) const = 0;
     /// Whether changes may be written at all.
     virtual bool CanWriteChanges() const = 0;
-    /// Paths of all top-level properties of the namespace; of all namespaces for an empty one.
+    /// Paths of all top-level properties of the namespace; of all namespaces for an empty one. Those
+    /// of the packet first, then the derived ones.
     virtual std::vector<std::string> GetAllPathsForDynamicSchema(
         const std::string& namespaceUri) const = 0;
     /// The serialized packet, for looking at.

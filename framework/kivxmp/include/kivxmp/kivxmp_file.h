@@ -8,6 +8,14 @@
  * it. The new file is written beside the old one, flushed, read back and compared, and then takes
  * its place in one step; at every moment one of the two is there, whole. Clones share this memory:
  * after one was saved, the others can be saved in its place.
+ *
+ * What the packet lacks may stand elsewhere: in the packet of the place that does not count (a
+ * sidecar beside a photo with a packet of its own, or the photo beside its sidecar), in the photo's
+ * Exif data, in its IIM data; in this order. Such properties are derived. The functions of
+ * <kivxmp/kivxmp.h> that read do not see them; KivXmpGetDerived hands them out. They are not saved,
+ * and one that the packet holds, in whatever form, hides the derived one. The functions that set
+ * something at or below a derived property copy all of it into the packet first; what sets it back
+ * to what is derived takes it out again. One that is only derived cannot be removed.
  */
 
 #ifndef KIVXMP_KIVXMP_FILE_H
@@ -66,6 +74,25 @@ KIVXMP_API KivXmpCode KivXmpOpenPhoto(const char* path, const KivXmpOpenOptions*
 /* Tells what was found in the file that the object was opened from, or left there by its last
  * save. kKivXmpBadArgument for an object that was not opened from a file. */
 KIVXMP_API KivXmpCode KivXmpGetPhotoInfo(const __XMPMeta__* meta, KivXmpPhotoInfo* info);
+
+/* Where a property comes from. The numbers stay as they are. */
+typedef enum KivXmpSource {
+    kKivXmpFromPacket = 0, /* the packet: it is not derived */
+    kKivXmpFromExif = 1,   /* the photo's Exif data; the detail is a tag: "Exif.Photo.FNumber" */
+    kKivXmpFromIim = 2,    /* the photo's IIM data; the detail is a tag: "Iptc.Application2.City" */
+    kKivXmpFromSidecar = 3, /* a sidecar; the detail is its name */
+    kKivXmpFromEmbedded = 4 /* the packet in the photo; the detail is the photo's name */
+} KivXmpSource;
+
+/* Tells where the property that `path` begins with comes from. `*detail` (`detail` may be null)
+ * belongs to the caller; it is empty for kKivXmpFromPacket. kKivXmpNotFound if neither the packet
+ * nor another source has the property. */
+KIVXMP_API KivXmpCode KivXmpGetSource(const __XMPMeta__* meta, const char* path,
+                                      KivXmpSource* source, char** detail);
+
+/* Makes an object of all derived properties that the packet lacks, to be looked at; without
+ * properties if there are none. It does not follow later changes of `meta`. */
+KIVXMP_API KivXmpCode KivXmpGetDerived(const __XMPMeta__* meta, __XMPMeta__** derived);
 
 /* Puts the object's packet into the file it comes from, and stores 1 in `*written` (which may be
  * null). If nothing in the object was changed, or the file holds that packet already, nothing is
