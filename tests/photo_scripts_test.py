@@ -7,11 +7,13 @@ import subprocess
 import sys
 import tempfile
 import unittest
+import zlib
 
 FOLDER = os.path.dirname(os.path.abspath(__file__))
 sys.path.insert(0, FOLDER)
 sys.dont_write_bytecode = True
 import photo_equal  # pylint: disable=wrong-import-position
+import photo_formats  # pylint: disable=wrong-import-position
 XMP = b"http://ns.adobe.com/xap/1.0/\0"
 
 
@@ -49,6 +51,54 @@ def run(script, *arguments):
     return result.returncode, result.stdout.decode(), result.stderr.decode()
 
 
+def png(packet):
+    def chunk(kind, content):
+        return (struct.pack(">L", len(content)) + kind + content
+                + struct.pack(">L", zlib.crc32(kind + content)))  # fmt: skip
+
+    text = b"" if packet is None else chunk(b"iTXt", b"XML:com.adobe.xmp" + b"\0" * 5 + packet)
+    return (b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", b"h" * 13) + text + chunk(b"iTXt", b"Title\0...")
+            + chunk(b"IDAT", b"data") + chunk(b"IEND", b""))  # fmt: skip
+
+
+def riff(chunks):
+    return b"RIFF" + struct.pack("<L", 4 + len(chunks)) + b"WEBP" + chunks
+
+
+def webp(packet):
+    """2 by 2 pixels, with transparency."""
+    image = b"VP8L" + struct.pack("<L", 6) + b"\x2f\x01\x40\x00\x10\x00"
+    flags = 0x10 | (0 if packet is None else 4)
+    header = b"VP8X" + struct.pack("<LL", 10, flags) + b"\1\0\0\1\0\0"
+    if packet is None:
+        return riff(header + image)
+    end = b"\0" * (len(packet) % 2)
+    return riff(header + image + b"XMP " + struct.pack("<L", len(packet)) + packet + end)
+
+
+def small_tiff(packet):
+    """Its directory stands at its end; with a packet, one with one entry more behind that."""
+    data = photo_formats.tiff("<", False, False, 2, 1, b"pixels")
+    if packet is None:
+        return data
+    (first,) = struct.unpack_from("<L", data, 4)
+    (count,) = struct.unpack_from("<H", data, first)
+    end = first + 2 + 12 * count
+    at = len(data) + 2 + 12 * (count + 1) + 4
+    entry = struct.pack("<HHLL", 700, 1, len(packet), at)
+    directory = struct.pack("<H", count + 1) + data[first + 2 : end] + entry + data[end : end + 4]
+    return data[:4] + struct.pack("<L", len(data)) + data[8:] + directory + packet
+
+
+def judge(file, one, other):
+    """What the script would say, run in this process."""
+    try:
+        photos = [photo_equal.Photo(file("one", one)), photo_equal.Photo(file("other", other))]
+    except (photo_equal.Unreadable, struct.error, IndexError):
+        return "different"
+    return "different" if photo_equal.difference(*photos) else "equal"
+
+
 class WithFiles(unittest.TestCase):
     def setUp(self):
         self.folder = tempfile.TemporaryDirectory()
@@ -75,7 +125,7 @@ class PhotoEqual(WithFiles):
     def test_every_other_byte_counts(self):
         good = photo(b"old")
         packet = good.index(b"old")
-        judge = photo_equal.Photo(self.file("good", good))
+        first = photo_equal.Photo(self.file("good", good))
         for at in range(len(good)):
             if packet <= at < packet + 3:
                 continue
@@ -85,7 +135,7 @@ class PhotoEqual(WithFiles):
                 other = photo_equal.Photo(self.file("bad", bytes(bad)))
             except (photo_equal.Unreadable, struct.error):
                 continue
-            self.assertNotEqual((judge.rest, judge.targets), (other.rest, other.targets), at)
+            self.assertTrue(photo_equal.difference(first, other), at)
 
     def test_an_index_that_was_not_corrected(self):
         bad = photo(b"old").replace(segment(0xE1, XMP + b"old"), segment(0xE1, XMP + b"longer"))
@@ -97,6 +147,29 @@ class PhotoEqual(WithFiles):
     def test_cut_files(self):
         self.assertEqual(self.compare(photo(b"old")[:-9], photo(b"new")[:-9])[0], 0)
         self.assertEqual(self.compare(photo(b"old"), photo(b"new")[:-9])[0], 1)
+
+    def test_other_formats(self):
+        for name, build in (("PNG", png), ("WebP", webp), ("TIFF", small_tiff)):
+            plain, short, longer = build(None), build(b"packet"), build(b"a longer packet")
+            for one, other in ((plain, short), (short, longer), (plain, plain), (longer, longer)):
+                status, text = self.compare(one, other)
+                self.assertEqual((status, text[:6]), (0, "equal:"), name)
+            # Every byte outside of the packet, in turn.
+            packet = longer.index(b"a longer packet")
+            for at in range(len(longer)):
+                if packet <= at < packet + 15:
+                    continue
+                bad = bytearray(longer)
+                bad[at] ^= 1
+                self.assertEqual(judge(self.file, plain, bytes(bad)), "different", (name, at))
+            for bad in (longer[:-1], plain + b"behind", longer + b"behind"):
+                self.assertEqual(judge(self.file, plain, bad), "different", name)
+
+    def test_a_header_made_for_the_packet(self):
+        image = b"VP8L" + struct.pack("<L", 6) + b"\x2f\x01\x40\x00\x10\x00"
+        self.assertEqual(self.compare(riff(image), webp(b"packet"))[0], 0)
+        other = image[:9] + b"\x02" + image[10:]  # an image of another size
+        self.assertEqual(self.compare(riff(other), webp(b"packet"))[0], 1)
 
     def test_no_photos(self):
         for bad in (b"", b"no photo", b"\xff\xd8 no marker"):

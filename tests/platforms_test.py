@@ -13,6 +13,7 @@ import sys
 import tempfile
 import unittest
 
+import photo_formats
 from programs import Program
 
 HERE = pathlib.Path(__file__).resolve().parent
@@ -152,6 +153,79 @@ class Metadata(PlatformsTest):
                 self.assertNotEqual(self.assert_same_file(file), source.read_bytes())
                 self.assertEqual(self.same("kivhost", "--auto", "ok", file)[1], b"confirmed\n")
                 self.same("kivhost", "--dump", file)
+
+
+class Photos(PlatformsTest):
+    """A file of each format goes through all ways of saving: a first packet, an edit in its place,
+    one that outgrows it, a whole other packet. After each of them both platforms have the same."""
+
+    def setUp(self):
+        super().setUp()
+        made = pathlib.Path(tempfile.mkdtemp())
+        self.addCleanup(shutil.rmtree, made)
+        self.files = [self.put(path, path.name)
+                      for path in photo_formats.make(sample("with-packet"), made)]  # fmt: skip
+        self.assertEqual(len({path.suffix for path in self.files}), 5)
+        self.packet = self.put(HERE / "full_packet.xmp", "packet.xmp")
+
+    def assert_saved(self, *names):
+        """The same everywhere, and something else than before."""
+        for name in names:
+            content = self.assert_same_file(name)
+            self.assertNotEqual(content, self.saved.get(name))
+            self.saved[name] = content
+
+    def go_through(self, file, saved):
+        """`saved` is what a save of `file` writes."""
+        self.saved = {saved: (self.folders[0] / saved).read_bytes()
+                      if (self.folders[0] / saved).exists() else None}  # fmt: skip
+        sets = [word for edit in EDITS for word in ("--set", edit)]
+        status, text, told = self.same("kivhost", *sets, "--auto", "ok", file)
+        self.assertEqual((status, told), (0, b""))
+        self.assertTrue(text.startswith(b"confirmed\n"))
+        self.assert_saved(saved)
+        for edit in ("xmp:Rating=2", "dc:source=" + "x" * 6000):
+            self.assertEqual(
+                self.same("kivxmp_photo_editor", file, edit)[:2], (0, b"saved\n")
+            )
+            self.assert_saved(saved)
+        self.same("kivhost", "--dump", file)
+        self.assertEqual(self.same("kivhost", "--insert", self.packet, file)[0], 0)
+        self.assert_saved(saved)
+        packet = (self.folders[0] / self.packet).read_bytes()
+        self.assertIn(packet, self.saved[saved])
+
+    def test_saved_in_the_photo(self):
+        for file in self.files:
+            with self.subTest(file):
+                self.go_through(file, file)
+
+    def test_saved_in_a_sidecar(self):
+        raw = self.put(self.folders[0] / "photo.tif", "photo.nef")
+        untouched = self.assert_same_file(raw)
+        self.go_through(raw, pathlib.Path("photo.nef.xmp"))
+        self.assertEqual(self.assert_same_file(raw), untouched)
+        self.go_through(self.put(self.packet_with_shorthand(), "own.xmp"), pathlib.Path("own.xmp"))
+
+    def packet_with_shorthand(self):
+        path = self.folders[0] / "shorthand"
+        path.write_text(
+            "<x:xmpmeta xmlns:x='adobe:ns:meta/'>\r\n<rdf:RDF xmlns:rdf="
+            "'http://www.w3.org/1999/02/22-rdf-syntax-ns#'>\r\n <rdf:Description rdf:about=''"
+            " xmlns:xmp='http://ns.adobe.com/xap/1.0/' xmp:Rating='1' xmp:Label='\u7a7a'/>\r\n"
+            "</rdf:RDF></x:xmpmeta>", "utf-16", newline="",
+        )  # fmt: skip
+        return path
+
+    def test_many_at_once(self):
+        self.put(self.packet_with_shorthand(), "bad.jpg")
+        # Not as paths: each line of the dump names its file.
+        files = [*map(str, self.files), "bad.jpg", "missing.png", *map(str, self.files)]
+        status, text, told = self.same("kivhost", "--insert", self.packet, "--dump", *files)
+        self.assertEqual(status, 1)
+        self.assertIn(b"8 written, 8 unchanged, 2 refused\n", told)
+        for file in self.files:
+            self.assert_same_file(file)
 
 
 TEXT = (
