@@ -52,7 +52,7 @@ void DerivedSet::ReadPhoto()
         photo_.reset();
         throw;
     } catch (const std::exception&) {
-        // What could be read counts; the rest is not there for us.
+        // What was read until then counts.
     }
 }
 

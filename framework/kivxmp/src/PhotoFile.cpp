@@ -5,15 +5,12 @@
 
 #include <algorithm>
 #include <exception>
-#include <new>
 #include <utility>
 
 #include "framework/kivxmp/src/Encoding.h"
 #include "framework/kivxmp/src/PacketDigest.h"
 #include "framework/kivxmp/src/PhotoOrigin.h"
 #include "framework/kivxmp/src/PhotoPackets.h"
-#include "framework/kivxmp/src/PhotoPlace.h"
-#include "framework/kivxmp/src/SidecarFile.h"
 
 namespace kivxmp {
 
@@ -24,7 +21,6 @@ using kivcore::filesupport::FileIdentity;
 using kivcore::filesupport::InputFile;
 using kivcore::filesupport::OutputFile;
 using kivcore::filesupport::PathToUTF8;
-using kivcore::filesupport::RecoverReplacedFile;
 using kivcore::filesupport::ReplaceOptions;
 using kivcore::filesupport::ReplaceWholeFile;
 using photo::ByteRange;
@@ -60,154 +56,6 @@ KivXmpCode CodeOf(PhotoError::Kind kind)
         default:
             return kKivXmpInternal;
     }
-}
-
-/// A file with its packets read.
-struct OpenedFile {
-    std::unique_ptr<PhotoFormat> format;
-    std::unique_ptr<__XMPMeta__> meta;
-    std::optional<PhotoError> refusal;  // what the packets have against a save
-};
-
-OpenedFile ReadPlace(Place& place, ByteSource& source)
-{
-    OpenedFile opened;
-    opened.format = place.content ? std::move(place.content) : place.read(source);
-    const std::optional<PhotoError>& refusal = opened.format->Refusal();
-    if (refusal && opened.format->Packets().empty() &&
-        refusal->GetKind() == PhotoError::Kind::kBroken) {
-        throw PhotoError(*refusal);
-    }
-    PhotoObject object = ReadPackets(source, *opened.format);
-    opened.meta = std::move(object.meta);
-    opened.refusal = std::move(object.refusal);
-    return opened;
-}
-
-/// Inside a catch block: why a file beside the one that was asked for cannot be read. What is about
-/// no file goes on.
-std::string WhyUnreadable(const UString& path)
-{
-    try {
-        throw;
-    } catch (const XMP_Error& error) {
-        return PathToUTF8(path) + ": " + error.Text();
-    } catch (const PhotoError& error) {
-        return PathToUTF8(path) + ": " + error.what();
-    } catch (const FileError& error) {
-        return error.what();  // names the file
-    }
-}
-
-void AddNote(PhotoInfo& info, const std::string& note)
-{
-    info.note += (info.note.empty() || note.empty() ? "" : "; ") + note;
-}
-
-/// Puts the packet of the place that counts into an object, and into `origin` what is known of it.
-std::unique_ptr<__XMPMeta__> OpenCounting(Place& place, InputFile* photo, PhotoOrigin& origin)
-{
-    std::optional<InputFile> sidecar;
-    InputFile* file = photo;
-    if (place.kind == PacketPlace::kSidecar && photo == nullptr && File(place.path).Exists()) {
-        file = &sidecar.emplace(place.path);
-    }
-    OpenedFile opened;
-    if (file == nullptr) {
-        MemorySource nothing({});
-        opened = ReadPlace(place, nothing);
-        origin.Note(std::move(opened.format), std::nullopt);
-    } else {
-        FileSource source(*file);
-        opened = ReadPlace(place, source);
-        origin.Note(std::move(opened.format), file->Identity());
-    }
-    if (!origin.refusal) {
-        origin.refusal = opened.refusal;
-    }
-    if (origin.refusal) {
-        origin.info.canSave = false;
-        origin.info.reason = origin.refusal->what();
-    } else if (file != nullptr) {
-        try {
-            kivcore::filesupport::CheckReplaceable(place.path);
-        } catch (const FileError&) {
-            origin.info.canSave = false;
-            origin.info.reason = "the file is read-only";
-        }
-    }
-    return std::move(opened.meta);
-}
-
-/// The same for a sidecar beside a photo, which is not worth less if its sidecar is broken.
-std::unique_ptr<__XMPMeta__> OpenCountingSidecar(Place& place, PhotoOrigin& origin)
-{
-    try {
-        return OpenCounting(place, nullptr, origin);
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception&) {
-        const std::string reason =
-            "its sidecar cannot be read, and stays as it is: " + WhyUnreadable(place.path);
-        MemorySource nothing({});
-        origin.Note(place.read(nothing), std::nullopt);
-        origin.refusal.emplace(PhotoError::Kind::kRefused, reason);
-        origin.info.canSave = false;
-        origin.info.reason = reason;
-        origin.info.note = reason;
-        return __XMPMeta__::Create();
-    }
-}
-
-/// What the place has that does not count. Its failure is told in the note.
-void OpenOther(Place& place, InputFile& photo, PhotoOrigin& origin)
-{
-    const bool isSidecar = place.kind == PacketPlace::kSidecar;
-    try {
-        std::optional<InputFile> sidecar;
-        FileSource source(isSidecar ? sidecar.emplace(place.path) : photo);
-        origin.derived.AddPacket(ReadPlace(place, source).meta,
-                                 {isSidecar ? DerivedFrom::kSidecar : DerivedFrom::kEmbedded,
-                                  PathToUTF8(File(place.path).Name())});
-    } catch (const std::bad_alloc&) {
-        throw;
-    } catch (const std::exception&) {
-        AddNote(origin.info, (isSidecar ? "the sidecar cannot be read: "
-                                        : "metadata embedded in the photo cannot be read: ") +
-                                 WhyUnreadable(place.path));
-    }
-}
-
-std::unique_ptr<__XMPMeta__> Open(const UString& path, const OpenOptions& options)
-{
-    RecoverReplacedFile(path);
-    InputFile file(path);
-    const bool isSidecarItself = photo::IsSidecarName(path);
-    if (!isSidecarItself) {
-        RecoverReplacedFile(photo::FullSidecarName(path));
-        RecoverReplacedFile(photo::ShortSidecarName(path));
-    }
-    FileSource source(file);
-    PhotoPlaces places =
-        isSidecarItself ? PlacesOfSidecar(path) : FindPlaces(path, source, options);
-    const auto origin = std::make_shared<PhotoOrigin>();
-    origin->info.format = places.format;
-    origin->info.place = places.packet.kind;
-    origin->info.packetPath = places.packet.path;
-    origin->info.note = places.note;
-    origin->packetPathUTF8 = PathToUTF8(places.packet.path);
-    origin->read = places.packet.read;
-    const bool hasOwnSidecar = !isSidecarItself && places.packet.kind == PacketPlace::kSidecar;
-    std::unique_ptr<__XMPMeta__> meta = hasOwnSidecar ? OpenCountingSidecar(places.packet, *origin)
-                                                      : OpenCounting(places.packet, &file, *origin);
-    if (places.other) {
-        OpenOther(*places.other, file, *origin);
-    }
-    if (places.isPhoto) {
-        origin->derived.SetPhoto(path, file.Identity());
-    }
-    meta->SetOrigin(origin);
-    return meta;
 }
 
 std::vector<const Node*> Pointers(const std::vector<Node>& nodes)
@@ -448,17 +296,6 @@ void ThrowAsXMPError(const UString& path, FileUse use)
         throw XMP_Error(CodeOf(error.GetKind(), use), error.what());
     } catch (const PhotoError& error) {
         throw XMP_Error(CodeOf(error.GetKind()), PathToUTF8(path) + ": " + error.what());
-    }
-}
-
-std::unique_ptr<__XMPMeta__> OpenPhoto(const UString& path, const OpenOptions& options)
-{
-    try {
-        return Open(path, options);
-    } catch (const XMP_Error& error) {
-        throw XMP_Error(error.Code(), PathToUTF8(path) + ": " + error.Text());
-    } catch (const std::exception&) {
-        ThrowAsXMPError(path, FileUse::kRead);
     }
 }
 

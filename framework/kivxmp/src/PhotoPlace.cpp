@@ -11,7 +11,6 @@ namespace kivxmp {
 
 using kivcore::UString;
 using kivcore::filesupport::File;
-using kivcore::filesupport::PathToUTF8;
 using photo::ByteSource;
 using photo::FormatRow;
 using photo::PhotoError;
@@ -87,10 +86,6 @@ PhotoPlaces FindPlaces(const UString& path, ByteSource& source, const OpenOption
     if (isWritten && options.place != PacketPlace::kSidecar) {
         places.packet = std::move(embedded);
         if (sidecarExists) {
-            places.note =
-                "there is a sidecar besides; the metadata in the photo counts, and what only the "
-                "sidecar has is derived from it: " +
-                PathToUTF8(sidecar.path);
             places.other = std::move(sidecar);
         }
         return places;
@@ -98,7 +93,6 @@ PhotoPlaces FindPlaces(const UString& path, ByteSource& source, const OpenOption
     places.packet = std::move(sidecar);
     if (embedded.read != nullptr) {
         places.other = std::move(embedded);
-        places.note = "the sidecar counts, and what only the photo itself has is derived from it";
     } else if (places.isPhoto) {
         places.note =
             "packets embedded in " + places.format + " files are not read yet; the sidecar counts";

@@ -85,6 +85,49 @@ TEST_F(PhotoFileSystemTest, RefusedByTheSystem)
     EXPECT_THAT(folder_.Names(), ElementsAre("p.jpg"));
 }
 
+// Reading a pipe would wait for a writer.
+TEST_F(PhotoFileSystemTest, APipeNamedLikeASidecar)
+{
+    folder_.Write("p.jpg", photo_);
+    folder_.Write("p.gif", "GIF89a");
+    for (const char* const name : {"p.jpg.xmp", "p.gif.xmp"}) {
+        ASSERT_EQ(mkfifo(folder_.Of(name).c_str(), 0600), 0);
+    }
+    EXPECT_EQ(Retitle("p.jpg"), 0);
+    EXPECT_EQ(Retitle("p.gif"), kKivXmpFileUnwritable) << message_;
+    EXPECT_TRUE(std::filesystem::is_fifo(folder_.Of("p.gif.xmp")));
+    EXPECT_THAT(folder_.Names(), ElementsAre("p.gif", "p.gif.xmp", "p.jpg", "p.jpg.xmp"));
+}
+
+TEST_F(PhotoFileSystemTest, ASidecarThatMayNotBeRead)
+{
+    folder_.Write("p.jpg", photo_);
+    folder_.Write("p.gif", "GIF89a");
+    ASSERT_EQ(chmod(folder_.Folder().c_str(), 0777), 0);
+    for (const char* const name : {"p.jpg", "p.gif"}) {
+        ASSERT_EQ(chmod(folder_.Of(name).c_str(), 0666), 0);
+        const std::string sidecar = std::string(name) + ".xmp";
+        folder_.Write(sidecar, test::SmallPacket("beside"));
+        ASSERT_EQ(chmod(folder_.Of(sidecar).c_str(), 0), 0);
+    }
+    EXPECT_EQ(
+        RunUnprivileged([&] {
+            const std::string sidecar = folder_.Of("p.jpg.xmp").string();
+            if (open(sidecar.c_str(), O_RDONLY) != -1 || errno != EACCES) {
+                return "plain reading is not refused"s;
+            }
+            const PhotoInfo info = GetPhotoInfo(*OpenPhoto(folder_.Path("p.jpg")));
+            const PhotoInfo gif = GetPhotoInfo(*OpenPhoto(folder_.Path("p.gif")));
+            return std::to_string(info.canSave) + std::to_string(gif.canSave) + info.note + "|" +
+                   gif.reason;
+        }),
+        "10the sidecar " + folder_.Of("p.jpg.xmp").string() +
+            " cannot be read: cannot be opened: permission denied|its sidecar cannot be read, "
+            "and stays as it is: cannot be opened: permission denied");
+    EXPECT_EQ(RunUnprivileged([&] { return std::to_string(Retitle("p.gif")); }),
+              std::to_string(kKivXmpFileUnsupported));
+}
+
 TEST_F(PhotoFileSystemTest, PermissionsStay)
 {
     folder_.Write("p.jpg", photo_);
