@@ -1,6 +1,6 @@
 // How much memory a save takes. A program of its own, because it counts what all of it allocates.
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <kivxmp/PhotoFile.h>
 
@@ -14,6 +14,7 @@
 
 #include "framework/kivcore/tests/TestFolder.h"
 #include "framework/kivxmp/tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/LyingPhotos.h"
 
 namespace {
 
@@ -55,9 +56,27 @@ void operator delete(void* block, std::size_t) noexcept
 namespace kivxmp {
 namespace {
 
+constexpr std::size_t kMiB = std::size_t{1024} * 1024;
+
+// Nothing is taken at its word: what is too large is not even read.
+TEST(PhotoMemory, APhotoThatTellsOfGigabytesTakesNoMore)
+{
+    const kivcore::testing::TestFolder folder;
+    for (const test::LyingPhoto& photo : test::MakeLyingPhotos(folder)) {
+        SCOPED_TRACE(photo.about);
+        const std::size_t before = bytesInUse;
+        mostBytesInUse = before;
+        try {
+            EXPECT_FALSE(GetPhotoInfo(*OpenPhoto(folder.Path(photo.name))).canSave);
+        } catch (const XMP_Error& error) {
+            EXPECT_THAT(error.Text(), ::testing::HasSubstr(photo.name));
+        }
+        EXPECT_LE(mostBytesInUse - before, 4 * kMiB);
+    }
+}
+
 TEST(PhotoMemory, ASaveTakesTwoMebibytesWhateverThePhotosSize)
 {
-    constexpr std::size_t kMiB = std::size_t{1024} * 1024;
     const kivcore::testing::TestFolder folder;
     const std::string photo = test::Jpeg().App0().Exif().Xmp(test::SmallPacket("t")).Scan().Bytes();
     for (const std::size_t bytes : {photo.size(), 48 * kMiB}) {

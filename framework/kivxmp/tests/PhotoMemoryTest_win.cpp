@@ -7,7 +7,7 @@
 
 #include <psapi.h>
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
 #include <cstddef>
 #include <string>
@@ -15,6 +15,7 @@
 
 #include "framework/kivcore/tests/TestFolder.h"
 #include "framework/kivxmp/tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/LyingPhotos.h"
 
 namespace kivxmp {
 namespace {
@@ -26,9 +27,31 @@ std::size_t MostBytesInUse()
     return counters.PeakWorkingSetSize;
 }
 
+constexpr std::size_t kMiB = std::size_t{1024} * 1024;
+
+// Nothing is taken at its word: what is too large is not even read.
+TEST(PhotoMemory, APhotoThatTellsOfGigabytesTakesNoMore)
+{
+    const kivcore::testing::TestFolder folder;
+    const std::vector<test::LyingPhoto> photos = test::MakeLyingPhotos(folder);
+    const auto open = [&folder](const test::LyingPhoto& photo) {
+        try {
+            EXPECT_FALSE(GetPhotoInfo(*OpenPhoto(folder.Path(photo.name))).canSave);
+        } catch (const XMP_Error& error) {
+            EXPECT_THAT(error.Text(), ::testing::HasSubstr(photo.name));
+        }
+    };
+    open(photos.front());  // loads what a first reading loads
+    for (const test::LyingPhoto& photo : photos) {
+        SCOPED_TRACE(photo.about);
+        const std::size_t before = MostBytesInUse();
+        open(photo);
+        EXPECT_LE(MostBytesInUse() - before, 4 * kMiB);
+    }
+}
+
 TEST(PhotoMemory, ASaveTakesTwoMebibytesWhateverThePhotosSize)
 {
-    constexpr std::size_t kMiB = std::size_t{1024} * 1024;
     const kivcore::testing::TestFolder folder;
     const std::string photo = test::Jpeg().App0().Exif().Xmp(test::SmallPacket("t")).Scan().Bytes();
     const auto save = [&](std::size_t bytes) {
