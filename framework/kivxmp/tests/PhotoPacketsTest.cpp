@@ -92,7 +92,16 @@ TEST_F(PhotoPacketsTest, SeveralPacketsBecomeOne)
     } rows[] = {
         {"p.jpg", Jpeg().Xmp(first).Exif().Xmp(second).Xmp(third).Scan().Bytes()},
         {"p.png", Png().Xmp(first).PackedXmp(second).Image().Raw("").Xmp(third).Bytes()},
+        {"compressed.png", Png()
+                               .PackedXmp(first, "en", "k")
+                               .Chunk("IDAT", "x")
+                               .Xmp(second)
+                               .PackedXmp(third)
+                               .Chunk("IEND", "")
+                               .Bytes()},
         {"p.webp", Webp().Extended(4).Image().Xmp(first).Xmp(second).Xmp(third).Bytes()},
+        {"around.webp", Webp().Extended(4).Xmp(first).Image().Xmp(second).Xmp(third).Bytes()},
+        {"before.webp", Webp().Extended(4).Xmp(first).Xmp(second).Xmp(third).Image().Bytes()},
     };
     for (const auto& row : rows) {
         SCOPED_TRACE(row.name);
@@ -155,6 +164,76 @@ TEST_F(PhotoPacketsTest, AnExtendedPartBelongsToItsPacket)
     EXPECT_EQ(after.find("http://ns.adobe.com/xmp/extension/"), std::string::npos);
     EXPECT_EQ(after.find("HasExtendedXMP"), std::string::npos);
     EXPECT_EQ(TextOf(Open("p.jpg")->Find("my:long")), "short");
+}
+
+// The pieces tell where they belong; writers put them in any order, and other things between them.
+TEST_F(PhotoPacketsTest, ExtendedPiecesStandInAnyOrder)
+{
+    const std::string extended = Rdf("<my:long>" + std::string(150000, 'l') + "</my:long>");
+    const std::string digest = PacketDigest(extended);
+    const std::string main = Main(digest);
+    constexpr std::size_t kPiece = 60000;
+    const auto piece = [&](std::size_t number) {
+        const std::size_t at = number * kPiece;
+        return Jpeg()
+            .Extended(digest, extended.size(), at, extended.substr(at, kPiece))
+            .Bytes()
+            .substr(2);
+    };
+    const std::string foreign = Jpeg().Extended("A", 4, 0, "<x/>").Bytes().substr(2);
+    const struct {
+        const char* about;
+        std::string bytes;
+    } rows[] = {
+        {"backwards", Jpeg().Xmp(main).Raw(piece(2)).Raw(piece(1)).Raw(piece(0)).Scan().Bytes()},
+        {"the first one last",
+         Jpeg().Exif().Xmp(main).Raw(piece(1)).Raw(piece(2)).Raw(piece(0)).Scan().Bytes()},
+        {"before the packet",
+         Jpeg().Raw(piece(0)).Raw(piece(2)).Raw(piece(1)).Exif().Xmp(main).Scan().Bytes()},
+        {"around the packet, others between", Jpeg()
+                                                  .Raw(piece(1))
+                                                  .Raw(foreign)
+                                                  .Xmp(main)
+                                                  .Profile(99)
+                                                  .Raw(piece(2))
+                                                  .Comment("c")
+                                                  .Raw(piece(0))
+                                                  .Exif()
+                                                  .Scan()
+                                                  .Bytes()},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.about);
+        folder_.Write("p.jpg", row.bytes);
+        std::unique_ptr<__XMPMeta__> meta = Open("p.jpg");
+        EXPECT_TRUE(GetPhotoInfo(*meta).canSave) << GetPhotoInfo(*meta).reason;
+        EXPECT_EQ(TextOf(meta->Find("my:long")), std::string(150000, 'l'));
+        EXPECT_EQ(SavePhoto(*meta), SaveResult::kNothingToSave);
+        EXPECT_TRUE(folder_.Read("p.jpg") == row.bytes);
+
+        Retitle("p.jpg", "edited");
+        EXPECT_EQ(TextOf(Open("p.jpg")->Find("my:long")), std::string(150000, 'l'));
+        EXPECT_EQ(Title("p.jpg"), "edited");
+        // What was between them is there still, in its order.
+        std::string rest = folder_.Read("p.jpg");
+        std::size_t at = 0;
+        for (const std::string& other : {foreign, std::string("\xFF\xE2"), std::string("\xFF\xFE"),
+                                         std::string("Exif"), Jpeg().Scan().Bytes().substr(2)}) {
+            if (row.bytes.find(other) != std::string::npos) {
+                at = rest.find(other, at);
+                EXPECT_NE(at, std::string::npos);
+            }
+        }
+        // With one of them gone it is shown, and not saved.
+        std::string gap = row.bytes;
+        gap.replace(
+            gap.find(digest, gap.find(main) < gap.find(digest) ? gap.find(main) + main.size() : 0),
+            1, "!");
+        folder_.Write("p.jpg", gap);
+        meta = Open("p.jpg");
+        EXPECT_FALSE(GetPhotoInfo(*meta).canSave);
+        EXPECT_EQ(TextOf(meta->Find("dc:format")), "image/jpeg");
+    }
 }
 
 struct SpreadCase {

@@ -22,6 +22,8 @@ const FormatHarness kPng(ReadPng);
 
 TEST(PngFile, PlacesThePacket)
 {
+    const std::string packed("XML:com.adobe.xmp\0\0x\x9C\x03\0\0\0\0\x01"sv);
+    const std::string plain("XML:com.adobe.xmp\0old"sv);
     const std::string foreign("XML:com.adobe.xmp2\0\0\0\0\0old"sv);
     const PlaceCase rows[] = {
         {"behind the image header", Png().Chunk("gAMA", "1234").Image().Bytes(), "-",
@@ -40,6 +42,25 @@ TEST(PngFile, PlacesThePacket)
          Png().Xmp("new").Chunk("tEXt", "k\0v"sv).Image().Bytes()},
         {"another keyword", Png().Chunk("iTXt", foreign).Image().Bytes(), "-",
          Png().Xmp("new").Chunk("iTXt", foreign).Image().Bytes()},
+        // A packet stands in iTXt and nowhere else: what other kinds of text hold is foreign.
+        {"the keyword in other kinds of text",
+         Png().Chunk("zTXt", packed).Chunk("tEXt", plain).Image().Bytes(), "-",
+         Png().Xmp("new").Chunk("zTXt", packed).Chunk("tEXt", plain).Image().Bytes()},
+        {"among other kinds of text",
+         Png().Chunk("zTXt", packed).PackedXmp("a").Chunk("tEXt", plain).Xmp("b").Image().Bytes(),
+         "a", Png().Chunk("zTXt", packed).Xmp("new").Chunk("tEXt", plain).Image().Bytes()},
+        {"several, compressed first",
+         Png()
+             .PackedXmp("a", "en")
+             .Chunk("IDAT", "x")
+             .Xmp("b")
+             .PackedXmp("c")
+             .Chunk("IEND", "")
+             .Bytes(),
+         "a", Png().Xmp("new").Chunk("IDAT", "x").Chunk("IEND", "").Bytes()},
+        {"a profile as old programs left it",
+         Png().Chunk("zTXt", "Raw profile type xmp\0\0x"sv).Image().Bytes(), "-",
+         Png().Xmp("new").Chunk("zTXt", "Raw profile type xmp\0\0x"sv).Image().Bytes()},
         {"bytes behind the end", Png().Xmp("old").Image().Raw("trailer iTXt").Bytes(), "old",
          Png().Xmp("new").Image().Raw("trailer iTXt").Bytes()},
     };

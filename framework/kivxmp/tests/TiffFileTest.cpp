@@ -12,6 +12,7 @@
 namespace kivxmp::photo {
 namespace {
 
+using namespace std::string_literals;
 using namespace std::string_view_literals;
 using test::FormatHarness;
 using test::RefusalCase;
@@ -171,6 +172,78 @@ TEST(TiffFile, Refusals)
     const std::string overDirectory = with(entry + 8, "\x0A\0\0\0"sv);
     EXPECT_EQ(kTiff.Save(overDirectory, kSame),
               "its structure is damaged: its metadata lies over its directory");
+}
+
+/// Classic TIFF and BigTIFF, least and most significant byte first, each with a part of another.
+TEST(TiffFile, HeadersThatContradictThemselves)
+{
+    const struct {
+        const char* about;
+        std::string bytes;
+    } unknown[] = {
+        {"a version in the other order", "II\0*\0\0\0\x08"s},
+        {"the same, the other way round", "MM*\0\x08\0\0\0"s},
+        {"a BigTIFF version in the other order", "II\0+\0\x08\0\0\0\0\0\0\0\0\0\x10"s},
+        {"one letter of each", "IM*\0\x08\0\0\0"s},
+        {"the same, the other way round", "MI\0*\0\0\0\x08"s},
+        {"a version nobody has", "II,\0\x08\0\0\0"s},
+    };
+    for (const auto& row : unknown) {
+        SCOPED_TRACE(row.about);
+        const std::string bytes = row.bytes + Photo({}, kOld).Bytes().substr(8);
+        MemorySource source(bytes);
+        EXPECT_EQ(RecogniseFormat(source), nullptr);
+    }
+
+    const std::string classic = Photo({}, kOld).Bytes();
+    const std::string big = Photo({false, true}, kOld).Bytes();
+    const std::string bigOther = Photo({true, true}, kOld).Bytes();
+    const RefusalCase rows[] = {
+        {"offsets of BigTIFF in the other order", "II+\0\0\x08\0\0"s + big.substr(8), "-",
+         "its structure is damaged: an impossible size of offsets at byte 4"},
+        {"the first directory of BigTIFF in the other order",
+         big.substr(0, 8) + bigOther.substr(8, 8) + big.substr(16), "-",
+         "its structure is damaged: the first directory is not in the file"},
+        {"a directory of BigTIFF in the other order", big.substr(0, 16) + bigOther.substr(16), "-",
+         "its structure is damaged: an impossible directory at byte 16"},
+        {"a classic header in front of BigTIFF",
+         "II*\0\x10\0\0\0"s + std::string(8, '\0') + big.substr(16).replace(0, 2, "\0\0"sv), "-",
+         "its structure is damaged: an impossible directory at byte 16"},
+        {"a BigTIFF header in front of a classic directory",
+         "II+\0\x08\0\0\0\x10\0\0\0\0\0\0\0"s + classic.substr(8), "-",
+         "its structure is damaged: an impossible directory at byte 16"},
+    };
+    kTiff.ExpectRefusals(rows, kSame);
+    // Read as what its header says, such a file may still make sense up to its packet's place.
+    const std::string mixed = "II*\0\x10\0\0\0"s + std::string(8, '\0') + big.substr(16);
+    const std::string saved = kTiff.Save(mixed, kLonger);
+    EXPECT_EQ(kTiff.Packet(mixed), "-");
+    EXPECT_TRUE(saved.substr(8, mixed.size() - 8) == mixed.substr(8));
+    EXPECT_EQ(kTiff.Packet(saved), kLonger);
+}
+
+/// Directories that lead to themselves, to the header, or to each other are not followed: only the
+/// first one is read, and what it says of the next one stays.
+TEST(TiffFile, DirectoriesInCircles)
+{
+    for (const TiffLayout& layout : kLayouts) {
+        const Tiff numbers(layout);
+        const std::size_t number = layout.isBig ? 8 : 4;
+        const std::size_t first = layout.isBig ? 16 : 8;
+        const std::string whole = Photo(layout, kOld).Bytes();
+        const std::size_t next = first + (layout.isBig ? 8 : 2) + 4 * (4 + 2 * number);
+        for (const std::uint64_t place :
+             {first, next, std::size_t{0}, whole.size(), whole.size() * 2}) {
+            SCOPED_TRACE(testing::Message() << layout.isBig << layout.bigEndian << " " << place);
+            const auto circle = [&](std::string bytes) {
+                return bytes.replace(next, number, numbers.Number(place, number));
+            };
+            EXPECT_TRUE(kTiff.Save(circle(whole), kSame) == circle(Photo(layout, kSame).Bytes()));
+            const std::string grown = kTiff.Save(circle(whole), kLonger);
+            EXPECT_EQ(kTiff.Packet(grown), kLonger);
+            EXPECT_EQ(grown.substr(next, number), numbers.Number(place, number));
+        }
+    }
 }
 
 TEST(TiffFile, CutAtEveryLength)
