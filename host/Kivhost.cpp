@@ -80,11 +80,20 @@ Meta Open(const std::string& file)
     return Meta(meta);
 }
 
+void TellNote(const Meta& meta, const std::string& file)
+{
+    KivXmpPhotoInfo info = {};
+    if (KivXmpGetPhotoInfo(meta.get(), &info) == kKivXmpOk && *info.note != '\0') {
+        std::cerr << "kivhost: " << file << ": " << info.note << '\n';
+    }
+}
+
 // The file's name stands in each line where there are several.
 void Dump(const Meta& meta, const std::string& file, const Options& options,
           tools::Progress& progress)
 {
     progress.Wipe();
+    TellNote(meta, file);
     DumpTree(*meta, options.files.size() > 1 ? file : "", std::cout);
     std::cout.flush();
 }
@@ -202,6 +211,7 @@ void PrintChanges()
 int RunDialog(const Options& options)
 {
     const Meta meta = Open(options.files.front());
+    TellNote(meta, options.files.front());
     KivXmpPhotoInfo info = {};
     if (KivXmpGetPhotoInfo(meta.get(), &info) == kKivXmpOk && info.canSave == 0) {
         std::cerr << "kivhost: " << options.files.front()

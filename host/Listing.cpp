@@ -3,12 +3,16 @@
 #include "include/kivmetadataapi.h"
 
 #include <array>
+#include <memory>
+
+#include <kivxmp/kivxmp_file.h>
 
 namespace kivhost {
 
 namespace {
 
 constexpr std::array kFormNames = {"simple", "uri", "struct", "bag", "seq", "alt", "raw"};
+constexpr std::array kSourceNames = {"packet", "exif", "iim", "sidecar", "embedded"};
 
 bool HoldsValue(KivXmpForm form)
 {
@@ -17,12 +21,32 @@ bool HoldsValue(KivXmpForm form)
 
 struct Dump {
     std::ostream& out;
-    std::string head;  // of each line
+    std::string head;                        // of each line
+    const __XMPMeta__* derivedOf = nullptr;  // null while the packet is dumped
+    std::string tail = R"(,"source":"packet"})";
 };
+
+struct TextDeleter {
+    void operator()(char* text) const { KivXmpFree(text); }
+};
+
+/// The end of the lines of the derived property at `path`.
+std::string DerivedTail(const __XMPMeta__& meta, const char* path)
+{
+    KivXmpSource source = kKivXmpFromPacket;
+    char* text = nullptr;
+    KivXmpGetSource(&meta, path, &source, &text);
+    const std::unique_ptr<char, TextDeleter> detail(text);
+    return std::string(R"(,"source":")") + kSourceNames.at(source) + R"(","detail":)" +
+           JsonString(text != nullptr ? text : "") + "}";
+}
 
 int DumpNode(void* context, const KivXmpNode* node)
 {
-    const auto& dump = *static_cast<const Dump*>(context);
+    auto& dump = *static_cast<Dump*>(context);
+    if (dump.derivedOf != nullptr && node->depth == 0) {
+        dump.tail = DerivedTail(*dump.derivedOf, node->path);
+    }
     std::ostream& out = dump.out;
     out << dump.head << R"("path":)" << JsonString(node->path) << R"(,"form":")"
         << kFormNames.at(node->form) << R"(","value":)";
@@ -31,7 +55,7 @@ int DumpNode(void* context, const KivXmpNode* node)
     } else {
         out << "null";
     }
-    out << "}\n";
+    out << dump.tail << '\n';
     return 0;
 }
 
@@ -111,6 +135,12 @@ void DumpTree(const __XMPMeta__& meta, std::string_view file, std::ostream& out)
 {
     Dump dump = {out, file.empty() ? "{" : R"({"file":)" + JsonString(file) + ","};
     KivXmpWalk(&meta, &DumpNode, &dump);
+    __XMPMeta__* derived = nullptr;
+    if (KivXmpGetDerived(&meta, &derived) == kKivXmpOk) {
+        dump.derivedOf = &meta;
+        KivXmpWalk(derived, &DumpNode, &dump);
+        KivXmpRelease(derived);
+    }
 }
 
 void ListDefinitions(std::ostream& out)

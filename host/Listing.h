@@ -18,8 +18,9 @@ std::string ToUtf8(const std::uint16_t* units);
 /// `text` (UTF-8) as a JSON string, quotes included.
 std::string JsonString(std::string_view text);
 
-/// One JSON object a node: path, form and value (null for lists and structures). `file`, unless it
-/// is empty, stands in front of them.
+/// One JSON object a node: path, form, value (null for lists and structures), and the source of its
+/// property: "packet", and behind the packet's properties "exif", "iim", "sidecar" and "embedded"
+/// for the derived ones, with a detail. `file`, unless it is empty, stands in front.
 void DumpTree(const __XMPMeta__& meta, std::string_view file, std::ostream& out);
 
 /// One JSON object a record of GetGlobalKIVMetadataVector.

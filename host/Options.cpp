@@ -96,8 +96,10 @@ constexpr Row kRows[] = {
     {"--screenshot", "OUT.png", "write a picture of the dialog before the button is pressed",
      [](Options& options, const std::string& value) { options.screenshot = value; }},
     {"--dump", nullptr,
-     "print the metadata as JSON lines (path, form, value; of several files, the file in\n"
-     "front); opens no window",
+     "print the metadata as JSON lines (path, form, value, source; of several files, the file\n"
+     "in front); the source is \"packet\"; of what the packet lacks and other places tell,\n"
+     "\"sidecar\", \"embedded\", \"exif\" or \"iim\", with a file or tag as detail; opens no\n"
+     "window",
      [](Options& options, const std::string&) { options.dumps = true; }},
     {"--insert", "IN.xmp",
      "put that packet ('-': standard input) into each photo or its sidecar, in place of the\n"

@@ -260,13 +260,56 @@ class WithoutAWindow(NoDisplayTest):
         ours = {
             path: node["value"]
             for path, node in self.dump().items()
-            if node["form"] == "simple" and "/?" not in path
+            if node["source"] == "packet" and node["form"] == "simple" and "/?" not in path
         }
         theirs = {
             path: value for path, value in self.independent().items() if path in ours
         }
         self.assertTrue(ours)
         self.assertEqual(ours, theirs)
+
+    def test_dump_tells_the_source_of_each_property(self):
+        packet = (
+            "<x:xmpmeta xmlns:x='adobe:ns:meta/'>"
+            "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+            "<rdf:Description rdf:about='' xmlns:xmp='http://ns.adobe.com/xap/1.0/'"
+            " xmlns:dc='http://purl.org/dc/elements/1.1/' xmlns:own='http://own.example/'{}>"
+            "</rdf:Description></rdf:RDF></x:xmpmeta>"
+        )
+        photo = self.folder / "bare.gif"
+        photo.write_bytes(b"GIF89a")
+        sidecar = self.folder / "bare.gif.xmp"
+        sidecar.write_text(packet.format(" xmp:Label='beside'"), encoding="utf-8")
+        run = self.run_host("--dump", photo)
+        self.expect(run, 0)
+        self.assertEqual(
+            run.stdout,
+            '{"path":"xmp:Label","form":"simple","value":"beside","source":"packet"}\n',
+        )
+        self.assertIn("bare.gif: packets embedded in GIF files are not read yet", run.stderr)
+
+        sidecar = self.folder / "photo.jpg.xmp"
+        sidecar.write_text(packet.format(" own:note='n' own:other='o'"), encoding="utf-8")
+        run = self.run_host("--dump", self.photo)
+        self.expect(run, 0)
+        lines = run.stdout.splitlines()
+        first = next(i for i, line in enumerate(lines) if '"source":"packet"' not in line)
+        self.assertGreater(first, 0)
+        self.assertFalse([line for line in lines[first:] if '"source":"packet"' in line])
+        self.assertEqual(
+            lines[first],
+            '{"path":"{http://own.example/}note","form":"simple","value":"n",'
+            '"source":"sidecar","detail":"photo.jpg.xmp"}',
+        )
+        self.assertIn("what only the sidecar has is derived", run.stderr)
+        self.expect(self.run_host("--extract", self.folder / "out.xmp", self.photo), 0)
+        self.assertIn((self.folder / "out.xmp").read_bytes(), self.original)
+
+        sidecar.write_bytes(b"broken")
+        run = self.run_host("--dump", self.photo)
+        self.expect(run, 0)
+        self.assertEqual(run.stdout.splitlines()[:first], lines[:first])
+        self.assertRegex(run.stderr, "the sidecar .*photo.jpg.xmp cannot be read: ")
 
     def test_help_and_version(self):
         self.expect(self.run_host("--help"), 0)
@@ -414,6 +457,7 @@ class Inserts(NoDisplayTest):
             run.stderr.splitlines()[-1], "kivhost: 2 written, 0 unchanged, 1 refused"
         )
         lines = [json.loads(line) for line in run.stdout.splitlines()]
+        lines = [line for line in lines if line["source"] == "packet"]
         expected = list(self.dump(self.packet).values())
         self.assertEqual([line.pop("file") for line in lines],
                          [KIVHOST.word(self.photo)] * len(expected)
