@@ -52,8 +52,11 @@ struct PhotoInfo {
 };
 
 /// Reads the packet of the photo at `path`; a file named .xmp is a sidecar itself. An object
-/// without properties if there is none yet. What a killed save left beside the file is cleared
-/// away first. Of a photo only the part before its image data is read.
+/// without properties if there is none yet. What other places tell besides is derived from them:
+/// <kivxmp/Derived.h>. A sidecar beside a photo that cannot be read is told in the note; if it is
+/// the place for the packet, the object has no properties and cannot be saved. What a killed save
+/// left beside the file is cleared away first. Of a photo only the part before its image data is
+/// read.
 KIVXMP_API std::unique_ptr<__XMPMeta__> OpenPhoto(const kivcore::UString& path,
                                                   const OpenOptions& options = {});
 

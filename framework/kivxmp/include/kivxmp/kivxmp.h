@@ -91,10 +91,10 @@ KIVXMP_API KivXmpCode KivXmpParse(const void* bytes, size_t size, __XMPMeta__** 
 /* Makes a copy that is changed on its own. Cheap: both share what neither changes. */
 KIVXMP_API KivXmpCode KivXmpClone(const __XMPMeta__* meta, __XMPMeta__** clone);
 
-/* Makes `meta` hold what `other` holds, down to the bytes of its packet, in place of all that it held.
- * The file that `meta` was opened from stays: KivXmpSavePhoto then puts that packet there, byte for
- * byte where it fits; in a place that is longer spaces follow it. `other` stays as it is; the two
- * are clones from then on. */
+/* Makes `meta` hold what `other` holds, down to the bytes of its packet, in place of all that it
+ * held. The file that `meta` was opened from stays: KivXmpSavePhoto then puts that packet there,
+ * byte for byte where it fits; in a place that is longer spaces follow it. `other` stays as it is;
+ * the two are clones from then on. */
 KIVXMP_API KivXmpCode KivXmpReplacePacket(__XMPMeta__* meta, const __XMPMeta__* other);
 
 /* Ends an object; null is ignored. */

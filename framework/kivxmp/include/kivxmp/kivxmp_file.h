@@ -64,7 +64,9 @@ typedef struct KivXmpPhotoInfo {
 } KivXmpPhotoInfo;
 
 /* Reads the packet of the photo at `path`; a file named .xmp is a sidecar itself. The object has no
- * properties if there is no packet yet. Of a photo only the part before its image data is read.
+ * properties if there is no packet yet. A sidecar beside a photo that cannot be read is told in the
+ * note; if it is the place for the packet, the object has no properties and cannot be saved. Of a
+ * photo only the part before its image data is read.
  * `options` may be null: all Auto;
  * other numbers than those above give kKivXmpBadArgument. Fails with a code from
  * kKivXmpFileNotFound on for the file, with one below for the packet. */
