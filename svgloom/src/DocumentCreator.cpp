@@ -38,7 +38,8 @@ std::unique_ptr<SVGDocumentImpl> CreateDocument(std::string_view text,
 
     try {
         const xml::RapidXMLDocument tree(buffer);
-        document->Parse(tree.GetFirstNode().get());
+        xml::RapidXMLNode root = tree.FirstNode();
+        document->Parse(&root);
     } catch (const xml::rapidxml::parse_error& error) {
         errorSite.Report(error.what());
         if (xmlError != nullptr) {

@@ -21,53 +21,67 @@ constinit kivcore::debug::TraceSite limitSite("SVGLoom.Parse", 6);
 
 constexpr std::string_view kRootName = "svg";
 
-/// Calls use(child) until it returns false.
+/// Moves `node` over its children, calls use() at each until it returns false, and moves it back.
 template <class Use>
-void ForEachChild(const xml::XMLNode& node, const Use& use)
+void ForEachChild(xml::XMLNode& node, const Use& use)
 {
-    const std::unique_ptr<xml::XMLNode> child = node.GetFirstChild();
-    bool goesOn = child != nullptr;
-    while (goesOn) {
-        goesOn = use(*child) && child->MoveToNextSibling();
+    if (!node.MoveToFirstChild()) {
+        return;
     }
+    while (use() && node.MoveToNextSibling()) {
+    }
+    node.MoveToParent();
 }
 
 }  // namespace
 
-const ElementParser::ActionRow ElementParser::kActions[] = {
-    {"g", &ElementParser::ParseGroup},
-    {"use", &ElementParser::ParseUse},
-    {"defs", &ElementParser::ParseDefs},
-    {"linearGradient", &ElementParser::ParseGradient},
-    {"radialGradient", &ElementParser::ParseGradient},
-    {"clipPath", &ElementParser::ParseClipPath},
-    {"symbol", &ElementParser::ParseSymbol},
-    {"image", &ElementParser::ParseImage},
-    {"style", &ElementParser::ParseStyle},
+// By name, from the first behind the shapes.
+constexpr ElementParser::ActionRow ElementParser::kActions[] = {
+    {ElementName::kG, &ElementParser::ParseGroup},
+    {ElementName::kUse, &ElementParser::ParseUse},
+    {ElementName::kDefs, &ElementParser::ParseDefs},
+    {ElementName::kLinearGradient, &ElementParser::ParseGradient},
+    {ElementName::kRadialGradient, &ElementParser::ParseGradient},
+    {ElementName::kClipPath, &ElementParser::ParseClipPath},
+    {ElementName::kSymbol, &ElementParser::ParseSymbol},
+    {ElementName::kImage, &ElementParser::ParseImage},
+    {ElementName::kStyle, &ElementParser::ParseStyle},
+    {ElementName::kStop, &ElementParser::ParseNothing},
 };
+
+constexpr bool ElementParser::AreActionsInOrder()
+{
+    for (std::size_t i = 0; i < std::size(kActions); ++i) {
+        if (static_cast<std::size_t>(kActions[i].name) != kShapeCount + i) {
+            return false;
+        }
+    }
+    return true;
+}
 
 bool ElementParser::Knows(std::string_view name)
 {
-    return IsShape(name) || std::any_of(std::begin(kActions), std::end(kActions),
-                                        [name](const ActionRow& row) { return row.name == name; });
+    const ElementName known = FindElement(name);
+    return known != ElementName::kUnknown && known != ElementName::kStop;
 }
 
-void ElementParser::ParseRoot(const xml::XMLNode& root)
+void ElementParser::ParseRoot(xml::XMLNode& root)
 {
-    const char* const name = root.GetName();
-    if (name == nullptr || name != kRootName) {
-        return;
+    static_assert(AreActionsInOrder());
+    if (root.Name() == kRootName) {
+        ParseElement(root, {{}, {}, &document_.root_, nullptr}, /*isRoot=*/true);
     }
-    ParseElement(root, {{}, {}, document_.root_}, /*isRoot=*/true);
 }
 
 void ElementParser::ReadViewBox(const Attributes& attributes)
 {
-    std::vector<float> numbers;
+    float numbers[4];
+    std::size_t count = 0;
     if (attributes.Has(AttributeName::kViewBox) &&
-        SVGStringParser::ParseNumberList(attributes.Text(AttributeName::kViewBox), numbers)) {
+        SVGStringParser::ParseNumberList(attributes.Text(AttributeName::kViewBox), numbers,
+                                         count)) {
         // Any other count changes nothing, and the size of the element does not count then.
-        if (numbers.size() == 4) {
+        if (count == 4) {
             document_.viewBox_ = {numbers[0], numbers[1], numbers[2], numbers[3]};
         }
         return;
@@ -80,20 +94,20 @@ void ElementParser::ReadViewBox(const Attributes& attributes)
     lengths.Read(attributes, AttributeName::kHeight, document_.viewBox_.height);
 }
 
-void ElementParser::ParseElement(const xml::XMLNode& node, const Scope& scope, bool isRoot)
+void ElementParser::ParseElement(xml::XMLNode& node, const Scope& scope, bool isRoot)
 {
     // All that an element needs of the stack is given back before its children come.
     const Inner inner = EnterElement(node, scope, isRoot);
     if (!inner.has_value()) {
         return;
     }
-    ForEachChild(node, [this, &inner](const xml::XMLNode& child) {
-        ParseElement(child, *inner, /*isRoot=*/false);
+    ForEachChild(node, [this, &node, &inner] {
+        ParseElement(node, *inner, /*isRoot=*/false);
         return true;
     });
 }
 
-[[gnu::noinline]] ElementParser::Inner ElementParser::EnterElement(const xml::XMLNode& node,
+[[gnu::noinline]] ElementParser::Inner ElementParser::EnterElement(xml::XMLNode& node,
                                                                    const Scope& scope, bool isRoot)
 {
     Parsed element(node, scope);
@@ -104,20 +118,21 @@ void ElementParser::ParseElement(const xml::XMLNode& node, const Scope& scope, b
     if (isRoot) {
         return ParseGroup(element);
     }
-    const std::string_view name = node.GetName();
-    if (std::unique_ptr<Path> path =
-            BuildShape(name, element.attributes, document_.viewBox_, *document_.renderer_)) {
+    if (element.name == ElementName::kUnknown) {
+        return std::nullopt;
+    }
+    if (!IsShape(element.name)) {
+        const auto index = static_cast<std::size_t>(element.name) - kShapeCount;
+        return (this->*kActions[index].act)(element);
+    }
+    if (std::unique_ptr<Path> path = BuildShape(element.name, element.attributes,
+                                                document_.viewBox_, *document_.renderer_)) {
         document_.Add(*scope.group,
                       std::make_shared<SVGDocumentImpl::Graphic>(
                           element.graphic, std::move(element.classes), std::move(element.fill),
                           std::move(element.stroke), std::move(path)),
                       element.Id());
         return std::nullopt;
-    }
-    for (const ActionRow& row : kActions) {
-        if (row.name == name) {
-            return (this->*row.act)(element);
-        }
     }
     return std::nullopt;
 }
@@ -146,29 +161,33 @@ std::shared_ptr<Transform> ElementParser::ParseTransform(std::string_view text) 
 ElementParser::Inner ElementParser::ParseGroup(Parsed& element)
 {
     auto group = std::make_shared<Group>(element.graphic, std::move(element.classes));
-    document_.Add(*element.outer.group, group, element.Id());
-    return Scope{std::move(element.fill), std::move(element.stroke), std::move(group)};
+    Group* const receiver = group.get();
+    document_.Add(*element.outer.group, std::move(group), element.Id());
+    return Scope{std::move(element.fill), std::move(element.stroke), receiver, nullptr};
 }
 
 ElementParser::Inner ElementParser::ParseDefs(Parsed& element)
 {
     // Goes when its children have been parsed; those with an id stay.
-    return Scope{std::move(element.fill), std::move(element.stroke),
-                 std::make_shared<Group>(element.graphic, std::move(element.classes))};
+    auto group = std::make_shared<Group>(element.graphic, std::move(element.classes));
+    Group* const receiver = group.get();
+    return Scope{std::move(element.fill), std::move(element.stroke), receiver, std::move(group)};
 }
 
 ElementParser::Inner ElementParser::ParseSymbol(Parsed& element)
 {
     if (element.attributes.Has(AttributeName::kViewBox)) {
-        std::vector<float> numbers;
-        SVGStringParser::ParseNumberList(element.attributes.Text(AttributeName::kViewBox), numbers);
-        if (numbers.size() == 4) {
+        float numbers[4];
+        std::size_t count = 0;
+        SVGStringParser::ParseNumberList(element.attributes.Text(AttributeName::kViewBox), numbers,
+                                         count);
+        if (count == 4) {
             element.graphic.transform =
                 Created(document_.renderer_->CreateTransform(1, 0, 0, 1, -numbers[0], -numbers[1]));
         }
         // The document's own viewBox is replaced, on purpose: with it the scale of the whole
         // drawing changes.
-        if (numbers.size() >= 4) {
+        if (count >= 4) {
             document_.viewBox_ = {numbers[0], numbers[1], numbers[2], numbers[3]};
         }
     }
@@ -179,7 +198,7 @@ ElementParser::Inner ElementParser::ParseSymbol(Parsed& element)
     document_.Add(*group, group, element.Id());
     document_.symbols_.back() = group.get();
     // The children's styles are those around the symbol, not its own.
-    return Scope{element.outer.fill, element.outer.stroke, std::move(group)};
+    return Scope{element.outer.fill, element.outer.stroke, group.get(), nullptr};
 }
 
 ElementParser::Inner ElementParser::ParseUse(Parsed& element)
@@ -230,12 +249,12 @@ ElementParser::Inner ElementParser::ParseClipPath(Parsed& element)
     if (!element.attributes.Has(AttributeName::kId)) {
         return std::nullopt;
     }
-    const Scope scope{std::move(element.fill), std::move(element.stroke), nullptr};
+    const Scope scope{std::move(element.fill), std::move(element.stroke), nullptr, nullptr};
     auto clip = std::make_shared<ClippingPath>();
-    ForEachChild(element.node, [this, &scope, &clip](const xml::XMLNode& child) {
-        Parsed shape(child, scope);
+    ForEachChild(element.node, [this, &element, &scope, &clip] {
+        Parsed shape(element.node, scope);
         clip->path =
-            BuildShape(child.GetName(), shape.attributes, document_.viewBox_, *document_.renderer_);
+            BuildShape(shape.name, shape.attributes, document_.viewBox_, *document_.renderer_);
         if (clip->path == nullptr) {
             return true;
         }
@@ -283,7 +302,7 @@ ElementParser::Inner ElementParser::ParseGradient(Parsed& element)
             Lengths().Read(element.attributes, row.name, gradient.*row.place);
         }
     };
-    if (std::string_view(element.node.GetName()) == "linearGradient") {
+    if (element.name == ElementName::kLinearGradient) {
         gradient.type = GradientType::kLinear;
         readCoordinates(kLinear);
     } else {
@@ -312,10 +331,10 @@ ElementParser::Inner ElementParser::ParseGradient(Parsed& element)
 /// Appends the stops of a gradient element to those that it has taken over.
 void ElementParser::AddStops(const Parsed& element, Gradient& gradient)
 {
-    const Scope scope{element.fill, element.stroke, nullptr};
+    const Scope scope{element.fill, element.stroke, nullptr, nullptr};
     bool isFirst = true;
-    ForEachChild(element.node, [&](const xml::XMLNode& child) {
-        if (std::string_view(child.GetName()) != "stop") {
+    ForEachChild(element.node, [&] {
+        if (FindElement(element.node.Name()) != ElementName::kStop) {
             return true;
         }
         if (std::exchange(isFirst, false)) {
@@ -325,7 +344,7 @@ void ElementParser::AddStops(const Parsed& element, Gradient& gradient)
                 gradient.stops.Clear();
             }
         }
-        Parsed stop(child, scope);
+        Parsed stop(element.node, scope);
         ResolveStylesOf(stop, /*isRoot=*/false);
         const float previous = gradient.stops.empty() ? 0 : gradient.stops.Last().offset;
         float offset = previous;

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "svgloom/src/Attributes.h"
+#include "svgloom/src/ElementNames.h"
 #include "svgloom/src/GradientTable.h"
 #include "svgloom/src/SVGDocumentImpl.h"
 #include "svgloom/src/ShapeBuilder.h"
@@ -33,7 +34,7 @@ public:
     /// Nothing happens where `root` is not named "svg".
     ///
     /// @throws as SVGDocumentImpl::Parse
-    void ParseRoot(const xml::XMLNode& root);
+    void ParseRoot(xml::XMLNode& root);
 
 private:
     using Group = SVGDocumentImpl::Group;
@@ -42,22 +43,25 @@ private:
     struct Scope {
         SharedFillStyle fill;
         SharedStrokeStyle stroke;
-        std::shared_ptr<Group> group;  // receives it
+        Group* group;                  // receives it
+        std::shared_ptr<Group> owned;  // that group where nothing else holds it
     };
 
     /// An element whose attributes and styles have been read.
     struct Parsed {
-        const xml::XMLNode& node;
+        xml::XMLNode& node;  // may be moved, and stands here again then
         const Scope& outer;
+        const ElementName name;
         Attributes attributes;
         DocumentGraphicStyle graphic;
         SharedFillStyle fill;
         SharedStrokeStyle stroke;
         ClassSet classes;
 
-        Parsed(const xml::XMLNode& xmlNode, const Scope& scope)
+        Parsed(xml::XMLNode& xmlNode, const Scope& scope)
             : node(xmlNode),
               outer(scope),
+              name(FindElement(xmlNode.Name())),
               attributes(xmlNode),
               fill(scope.fill),
               stroke(scope.stroke)
@@ -72,13 +76,14 @@ private:
     /// Does what an element asks for.
     using Action = Inner (ElementParser::*)(Parsed& element);
     struct ActionRow {
-        std::string_view name;
+        ElementName name;
         Action act;
     };
-    static const ActionRow kActions[];
+    static const ActionRow kActions[kElementCount - kShapeCount];
+    static constexpr bool AreActionsInOrder();
 
-    void ParseElement(const xml::XMLNode& node, const Scope& scope, bool isRoot);
-    Inner EnterElement(const xml::XMLNode& node, const Scope& scope, bool isRoot);
+    void ParseElement(xml::XMLNode& node, const Scope& scope, bool isRoot);
+    Inner EnterElement(xml::XMLNode& node, const Scope& scope, bool isRoot);
     void ResolveStylesOf(Parsed& element, bool isRoot);
 
     Inner ParseGroup(Parsed& element);
@@ -89,6 +94,7 @@ private:
     Inner ParseGradient(Parsed& element);
     Inner ParseClipPath(Parsed& element);
     Inner ParseStyle(Parsed& element);
+    Inner ParseNothing(Parsed&) { return std::nullopt; }
 
     void AddStops(const Parsed& element, Gradient& gradient);
     void ReadViewBox(const Attributes& attributes);

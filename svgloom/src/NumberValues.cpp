@@ -1,5 +1,6 @@
 // Numbers, lengths and lists of them as whole values.
 
+#include <algorithm>
 #include <cstddef>
 
 #include "svgloom/src/Characters.h"
@@ -60,22 +61,19 @@ bool ReadWhole(std::string_view text, const Read& read, float& value)
     return true;
 }
 
-template <class Read>
-bool ReadList(std::string_view text, const Read& read, std::vector<float>& values)
+/// Calls take(value) for each value; false where one cannot be read.
+template <class Read, class Take>
+bool ReadList(std::string_view text, const Read& read, const Take& take)
 {
-    values.clear();
     const char* current = text.data();
     const char* const end = current + text.size();
     bool more = SkipSpace(current, end);
-    constexpr std::size_t kUsualCount = 4;
-    values.reserve(more ? kUsualCount : 0);
     while (more) {
         float value = 0;
         if (!read(current, end, value)) {
-            values.clear();
             return false;
         }
-        values.push_back(value);
+        take(value);
         more = SkipSpace(current, end);
         if (more && *current == ',') {
             ++current;
@@ -83,6 +81,20 @@ bool ReadList(std::string_view text, const Read& read, std::vector<float>& value
         }
     }
     return true;
+}
+
+template <class Read>
+bool ReadVector(std::string_view text, const Read& read, std::vector<float>& values)
+{
+    values.clear();
+    // Most values take two characters at least, the separator included.
+    constexpr std::size_t kUsualCount = 64;
+    values.reserve(std::min((text.size() + 1) / 2, kUsualCount));
+    const bool isRead = ReadList(text, read, [&values](float value) { values.push_back(value); });
+    if (!isRead) {
+        values.clear();
+    }
+    return isRead;
 }
 
 }  // namespace
@@ -104,13 +116,27 @@ bool SVGStringParser::ParseLength(std::string_view text, float reference, float&
 
 bool SVGStringParser::ParseNumberList(std::string_view text, std::vector<float>& values)
 {
-    return ReadList(text, ReadNumber, values);
+    return ReadVector(text, ReadNumber, values);
+}
+
+bool SVGStringParser::ParseNumberList(std::string_view text, std::span<float> values,
+                                      std::size_t& count)
+{
+    count = 0;
+    const bool isRead = ReadList(text, ReadNumber, [values, &count](float value) {
+        if (count < values.size()) {
+            values[count] = value;
+        }
+        ++count;
+    });
+    count = isRead ? count : 0;
+    return isRead;
 }
 
 bool SVGStringParser::ParseLengthList(std::string_view text, float reference,
                                       std::vector<float>& values)
 {
-    return ReadList(
+    return ReadVector(
         text,
         [reference](const char*& current, const char* end, float& number) {
             return ReadLength(current, end, reference, number);
@@ -121,15 +147,7 @@ bool SVGStringParser::ParseLengthList(std::string_view text, float reference,
 std::vector<std::string_view> SVGStringParser::SplitWords(std::string_view text)
 {
     std::vector<std::string_view> words;
-    const char* current = text.data();
-    const char* const end = current + text.size();
-    while (SkipSpace(current, end)) {
-        const char* const start = current;
-        while (current != end && !IsSpace(*current)) {
-            ++current;
-        }
-        words.emplace_back(start, static_cast<std::size_t>(current - start));
-    }
+    ForEachWord(text, [&words](std::string_view word) { words.push_back(word); });
     return words;
 }
 

@@ -40,38 +40,41 @@ const Node* ElementFrom(const Node* node)
     return node;
 }
 
-std::unique_ptr<XMLNode> HandleOfElement(const Node* node);
-
-class RapidXMLNode : public XMLNode {
-public:
-    /// `node` may be null.
-    explicit RapidXMLNode(const Node* node) : node_(node) {}
-
-    const char* GetName() const override { return node_ != nullptr ? node_->name() : nullptr; }
-    const char* GetValue() const override;
-    std::unique_ptr<XMLNode> GetFirstChild() const override
-    {
-        return HandleOfElement(node_ != nullptr ? node_->first_node() : nullptr);
-    }
-    std::unique_ptr<XMLNode> GetNextSibling() const override
-    {
-        return HandleOfElement(node_ != nullptr ? node_->next_sibling() : nullptr);
-    }
-    std::pair<bool, const char*> GetAttribute(const char* name, const char* prefix) const override;
-    void VisitAttributes(AttributeVisitor& visitor) const override;
-    bool MoveToNextSibling() override;
-
-private:
-    const Attribute* FindAttribute(std::string_view prefix, std::string_view name) const;
-
-    const Node* node_;
-};
-
 /// For the first element from `node` on.
 std::unique_ptr<XMLNode> HandleOfElement(const Node* node)
 {
     const Node* const element = ElementFrom(node);
     return element != nullptr ? std::make_unique<RapidXMLNode>(element) : nullptr;
+}
+
+/// A reference to NUL ends a value, as it does for who reads up to the zero.
+void CutValuesAtNul(const Node* node)
+{
+    const Node* const top = node;
+    while (node != nullptr) {
+        for (Attribute* each = node->first_attribute(); each != nullptr;
+             each = each->next_attribute()) {
+            each->value(each->value(), std::strlen(each->value()));
+        }
+        const Node* next = node->first_node();
+        while (next == nullptr && node != top) {
+            next = node->next_sibling();
+            node = next == nullptr ? node->parent() : node;
+        }
+        node = next;
+    }
+}
+
+}  // namespace
+
+std::unique_ptr<XMLNode> RapidXMLNode::GetFirstChild() const
+{
+    return HandleOfElement(node_ != nullptr ? node_->first_node() : nullptr);
+}
+
+std::unique_ptr<XMLNode> RapidXMLNode::GetNextSibling() const
+{
+    return HandleOfElement(node_ != nullptr ? node_->next_sibling() : nullptr);
 }
 
 const char* RapidXMLNode::GetValue() const
@@ -93,7 +96,8 @@ const char* RapidXMLNode::GetValue() const
     return text;
 }
 
-const Attribute* RapidXMLNode::FindAttribute(std::string_view prefix, std::string_view name) const
+const RapidXMLNode::Attribute* RapidXMLNode::FindAttribute(std::string_view prefix,
+                                                           std::string_view name) const
 {
     const std::size_t length = prefix.size() + name.size();
     for (const Attribute* each = node_->first_attribute(); each != nullptr;
@@ -128,10 +132,8 @@ void RapidXMLNode::VisitAttributes(AttributeVisitor& visitor) const
     }
     for (const Attribute* each = node_->first_attribute(); each != nullptr;
          each = each->next_attribute()) {
-        // A reference to NUL ends the value, as it does for who reads up to the zero.
-        const std::string_view value(each->value(), each->value_size());
         visitor.VisitAttribute({each->name(), each->name_size()},
-                               value.substr(0, value.find('\0')));
+                               {each->value(), each->value_size()});
     }
 }
 
@@ -142,7 +144,12 @@ bool RapidXMLNode::MoveToNextSibling()
     return next != nullptr;
 }
 
-}  // namespace
+bool RapidXMLNode::MoveToFirstChild()
+{
+    const Node* const child = ElementFrom(node_ != nullptr ? node_->first_node() : nullptr);
+    node_ = child != nullptr ? child : node_;
+    return child != nullptr;
+}
 
 RapidXMLDocument::RapidXMLDocument(char* text)
 {
@@ -163,11 +170,19 @@ RapidXMLDocument::RapidXMLDocument(char* text)
     } else {
         document_.parse<kPlainFlags>(text);
     }
+    if (hasReferences) {
+        CutValuesAtNul(&document_);
+    }
 }
 
 std::unique_ptr<XMLNode> RapidXMLDocument::GetFirstNode() const
 {
     return HandleOfElement(document_.first_node());
+}
+
+RapidXMLNode RapidXMLDocument::FirstNode() const
+{
+    return RapidXMLNode(ElementFrom(document_.first_node()));
 }
 
 }  // namespace SVGLoom::xml

@@ -3,11 +3,42 @@
 #pragma once
 
 #include <memory>
+#include <string_view>
+#include <utility>
 
 #include "svgloom/src/RapidXML.h"
 #include "svgloom/src/XMLDocument.h"
 
 namespace SVGLoom::xml {
+
+/// A handle that looks at a node of the library, or at none.
+class RapidXMLNode final : public XMLNode {
+public:
+    /// `node` may be null, and has to stand as long as this object.
+    explicit RapidXMLNode(const rapidxml::xml_node<char>* node) : node_(node) {}
+
+    const char* GetName() const override { return node_ != nullptr ? node_->name() : nullptr; }
+    const char* GetValue() const override;
+    std::unique_ptr<XMLNode> GetFirstChild() const override;
+    std::unique_ptr<XMLNode> GetNextSibling() const override;
+    std::pair<bool, const char*> GetAttribute(const char* name, const char* prefix) const override;
+    void VisitAttributes(AttributeVisitor& visitor) const override;
+    bool MoveToNextSibling() override;
+    bool MoveToFirstChild() override;
+    void MoveToParent() override { node_ = node_->parent(); }
+    std::string_view Name() const override
+    {
+        return node_ != nullptr ? std::string_view(node_->name(), node_->name_size())
+                                : std::string_view();
+    }
+
+private:
+    using Attribute = rapidxml::xml_attribute<char>;
+
+    const Attribute* FindAttribute(std::string_view prefix, std::string_view name) const;
+
+    const rapidxml::xml_node<char>* node_;
+};
 
 /// The nodes of a small document lie in the object itself, which is some kilobytes large.
 class RapidXMLDocument : public XMLDocument {
@@ -21,6 +52,8 @@ public:
     explicit RapidXMLDocument(char* text);
 
     std::unique_ptr<XMLNode> GetFirstNode() const override;
+    /// The same as a handle that may be without a node.
+    RapidXMLNode FirstNode() const;
 
 private:
     rapidxml::xml_document<char> document_;

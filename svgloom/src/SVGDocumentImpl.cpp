@@ -11,8 +11,7 @@
 namespace SVGLoom {
 
 SVGDocumentImpl::SVGDocumentImpl(std::shared_ptr<SVGRenderer> renderer)
-    : renderer_(std::move(renderer)),
-      root_(std::make_shared<Group>(DocumentGraphicStyle(), ClassSet()))
+    : renderer_(std::move(renderer)), root_(DocumentGraphicStyle(), ClassSet())
 {
 }
 
@@ -35,7 +34,7 @@ SVGDocumentImpl::~SVGDocumentImpl()
     }
 }
 
-void SVGDocumentImpl::Parse(const xml::XMLNode* root)
+void SVGDocumentImpl::Parse(xml::XMLNode* root)
 {
     if (root != nullptr) {
         ElementParser(*this).ParseRoot(*root);
@@ -59,7 +58,7 @@ void SVGDocumentImpl::Add(Group& group, std::shared_ptr<Element> element, std::s
 
 void SVGDocumentImpl::Render(const ColorMap& colors, float width, float height)
 {
-    RenderElement(*root_, colors, width, height);
+    RenderElement(root_, colors, width, height);
 }
 
 void SVGDocumentImpl::Render(std::string_view id, const ColorMap& colors, float width, float height)

@@ -119,12 +119,13 @@ public:
     SVGDocumentImpl& operator=(const SVGDocumentImpl&) = delete;
 
     /// Builds the tree. Null, and a root that is not named "svg", leave the document empty. `root`
-    /// and its document may be released behind the call. At most once.
+    /// and its document may be released behind the call; the handle may stand elsewhere then. At
+    /// most once.
     ///
     /// @throws std::out_of_range "invalid string position", std::invalid_argument "value not found"
     ///         or "empty CSS selector" for bad content, std::bad_alloc. The document can be used as
     ///         far as it was parsed then.
-    void Parse(const xml::XMLNode* root);
+    void Parse(xml::XMLNode* root);
 
     /// Draws the whole image so that the viewBox fits into `width` by `height`; its upper left
     /// corner goes to the origin. `colors` resolves variables.
@@ -141,7 +142,7 @@ public:
 
     /// The rectangle of user space that is mapped onto the output; its size is the image's own.
     const Rect& ViewBox() const { return viewBox_; }
-    const Group& Root() const { return *root_; }
+    const Group& Root() const { return root_; }
     /// The elements that an id leads to; the first element with an id has it.
     const NameMap<std::shared_ptr<Element>>& Ids() const { return ids_; }
 
@@ -155,7 +156,7 @@ private:
 
     Rect viewBox_{0, 0, 320, 200};
     std::shared_ptr<SVGRenderer> renderer_;
-    std::shared_ptr<Group> root_;
+    Group root_;
     NameMap<std::shared_ptr<Element>> ids_;
     std::set<const Element*> guard_;  // the references that are being drawn
     std::vector<Group*> symbols_;  // each a child of itself, which the destructor undoes; or null

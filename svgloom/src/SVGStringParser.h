@@ -4,11 +4,14 @@
 
 #pragma once
 
+#include <cstddef>
 #include <optional>
+#include <span>
 #include <string_view>
 #include <vector>
 
 #include "svgloom/renderer/SVGRenderer.h"
+#include "svgloom/src/Characters.h"
 #include "svgloom/src/ColorValue.h"
 #include "svgloom/src/GradientTable.h"
 #include "svgloom/src/PathNotes.h"
@@ -29,10 +32,28 @@ public:
     /// list. Anything left over makes the whole list invalid; `values` is empty then.
     static bool ParseNumberList(std::string_view text, std::vector<float>& values);
 
+    /// The same where only the first numbers count: as many as there is room for are written, and
+    /// `count` tells how many there are. It is 0 for an invalid list.
+    static bool ParseNumberList(std::string_view text, std::span<float> values, std::size_t& count);
+
     /// The same with lengths in place of numbers.
     static bool ParseLengthList(std::string_view text, float reference, std::vector<float>& values);
 
-    /// Splits at white space. The words look into `text`.
+    /// Calls use(word) for each word between white space. The words look into `text`.
+    template <class Use>
+    static void ForEachWord(std::string_view text, const Use& use)
+    {
+        const char* current = text.data();
+        const char* const end = current + text.size();
+        while (SkipSpace(current, end)) {
+            const char* const start = current;
+            while (current != end && !IsSpace(*current)) {
+                ++current;
+            }
+            use(std::string_view(start, static_cast<std::size_t>(current - start)));
+        }
+    }
+    /// The words of ForEachWord.
     static std::vector<std::string_view> SplitWords(std::string_view text);
 
     /// Applies the functions of a list to `transform` one by one, in the order of the text.

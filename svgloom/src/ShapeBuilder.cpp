@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <vector>
 
 #include "svgloom/src/PropertyReaders.h"
@@ -117,25 +118,28 @@ std::unique_ptr<Path> BuildPath(const Shape& shape)
 }
 
 struct ShapeRow {
-    std::string_view name;
+    ElementName name;
     std::unique_ptr<Path> (*build)(const Shape& shape);
 };
 
 constexpr ShapeRow kShapes[] = {
-    {"path", BuildPath},         {"rect", BuildRect}, {"circle", BuildCircle},
-    {"ellipse", BuildEllipse},   {"line", BuildLine}, {"polygon", BuildPolygon},
-    {"polyline", BuildPolyline},
+    {ElementName::kPath, BuildPath},         {ElementName::kRect, BuildRect},
+    {ElementName::kCircle, BuildCircle},     {ElementName::kEllipse, BuildEllipse},
+    {ElementName::kLine, BuildLine},         {ElementName::kPolygon, BuildPolygon},
+    {ElementName::kPolyline, BuildPolyline},
 };
+static_assert(std::size(kShapes) == kShapeCount);
 
-const ShapeRow* FindShape(std::string_view name)
+constexpr bool AreShapesInOrder()
 {
-    for (const ShapeRow& row : kShapes) {
-        if (row.name == name) {
-            return &row;
+    for (std::size_t i = 0; i < kShapeCount; ++i) {
+        if (static_cast<std::size_t>(kShapes[i].name) != i) {
+            return false;
         }
     }
-    return nullptr;
+    return true;
 }
+static_assert(AreShapesInOrder());
 
 enum class Direction { kHorizontal, kVertical, kDiagonal };
 
@@ -177,16 +181,12 @@ bool LengthReader::Read(const Attributes& attributes, AttributeName name, float&
            SVGStringParser::ParseLength(attributes.Text(name), ReferenceOf(name, viewBox_), value);
 }
 
-bool IsShape(std::string_view name)
-{
-    return FindShape(name) != nullptr;
-}
-
-std::unique_ptr<Path> BuildShape(std::string_view name, const Attributes& attributes,
+std::unique_ptr<Path> BuildShape(ElementName name, const Attributes& attributes,
                                  const Rect& viewBox, SVGRenderer& renderer)
 {
-    const ShapeRow* const row = FindShape(name);
-    return row != nullptr ? row->build({attributes, LengthReader(viewBox), renderer}) : nullptr;
+    return IsShape(name) ? kShapes[static_cast<std::size_t>(name)].build(
+                               {attributes, LengthReader(viewBox), renderer})
+                         : nullptr;
 }
 
 }  // namespace SVGLoom

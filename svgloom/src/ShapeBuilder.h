@@ -4,10 +4,10 @@
 
 #include <cmath>
 #include <memory>
-#include <string_view>
 
 #include "svgloom/renderer/SVGRenderer.h"
 #include "svgloom/src/Attributes.h"
+#include "svgloom/src/ElementNames.h"
 
 namespace SVGLoom {
 
@@ -37,16 +37,13 @@ private:
     const Rect& viewBox_;
 };
 
-/// Whether an element of that name is a shape.
-bool IsShape(std::string_view name);
-
 /// Builds the path of a shape.
 ///
 /// @param name the element's; any that is no shape gives an empty pointer, and so does a shape
 ///             without extent (a rect, circle or ellipse) or without a point (a polygon or
 ///             polyline)
 /// @throws std::bad_alloc
-std::unique_ptr<Path> BuildShape(std::string_view name, const Attributes& attributes,
+std::unique_ptr<Path> BuildShape(ElementName name, const Attributes& attributes,
                                  const Rect& viewBox, SVGRenderer& renderer);
 
 }  // namespace SVGLoom

@@ -46,9 +46,16 @@ public:
     /// ends at its first NUL, as GetAttribute's does.
     virtual void VisitAttributes(AttributeVisitor& visitor) const = 0;
 
-    /// Makes this the handle of the next element beside it, so that a walk needs one handle for
-    /// all children. False, and nothing changes, where there is none.
+    /// Makes this the handle of the next element beside it, so that a walk needs one handle. False,
+    /// and nothing changes, where there is none.
     virtual bool MoveToNextSibling() = 0;
+    /// The same for the first child element, and back to the element around. The latter requires a
+    /// handle that was moved to a child.
+    virtual bool MoveToFirstChild() = 0;
+    virtual void MoveToParent() = 0;
+
+    /// GetName with its length; empty for a handle without a node.
+    virtual std::string_view Name() const = 0;
 
     XMLNode() = default;
     XMLNode(const XMLNode&) = delete;

@@ -136,6 +136,15 @@ TEST(ParseNumberList, Cases)
         const bool read = SVGStringParser::ParseNumberList(ExactText(row.input).View(), values);
         EXPECT_EQ(read ? Joined(values) : "none", row.want);
         EXPECT_TRUE(read || values.empty());
+
+        // The same numbers, as far as there is room.
+        float few[2] = {77, 77};
+        std::size_t count = 77;
+        EXPECT_EQ(SVGStringParser::ParseNumberList(ExactText(row.input).View(), few, count), read);
+        EXPECT_EQ(count, values.size());
+        for (std::size_t i = 0; i < std::min(values.size(), std::size(few)); ++i) {
+            EXPECT_EQ(few[i], values[i]);
+        }
     }
 }
 

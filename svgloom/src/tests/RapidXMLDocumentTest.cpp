@@ -9,6 +9,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "svgloom/src/RapidXML.h"
@@ -58,6 +59,21 @@ std::string Written(std::unique_ptr<XMLNode> node)
     return text;
 }
 
+/// The names of a node and what is below it, read through one handle that stands there again then.
+std::string WrittenByWalking(XMLNode& node)
+{
+    std::string text(node.Name());
+    if (node.MoveToFirstChild()) {
+        std::string children;
+        do {
+            children += (children.empty() ? "" : " ") + WrittenByWalking(node);
+        } while (node.MoveToNextSibling());
+        node.MoveToParent();
+        text += "[" + children + "]";
+    }
+    return text;
+}
+
 std::string Parse(std::string_view input)
 {
     Buffer buffer(input);
@@ -103,6 +119,8 @@ constexpr XMLCase kCases[] = {
     {"<a b='&#65'/>", "error: expected ;"},
     // A NUL ends a value.
     {"<a b='1&#0;2'/>", "a b=1"},
+    {"<a b='1&#0;2' c='3'><b><c d='&#x0;'/></b><e f='4&#0;5'/></a><g h='6&#0;7'/>",
+     "a b=1 c=3[b[c d=] e f=4] g h=6"},
     // The first text counts; the first CDATA section where that is empty.
     {"<a>one<b/>two</a>", "a(one)[b]"},
     {"<a><![CDATA[<x>&amp;]]></a>", "a(<x>&amp;)"},
@@ -137,6 +155,48 @@ TEST(RapidXMLDocument, Cases)
         SCOPED_TRACE(row.input);
         EXPECT_EQ(Parse(row.input), row.want);
     }
+}
+
+TEST(RapidXMLDocument, OneHandleForAWalk)
+{
+    for (const std::string_view want :
+         {"a", "a[b]", "a[b c]", "a[b[c d[e]] f]", "a[b[c[d[e[f]]]]]"}) {
+        std::string text;
+        std::vector<std::string> open;
+        std::string name;
+        const auto closeName = [&text, &name] {
+            text += name.empty() ? "" : "</" + name + ">";
+            name.clear();
+        };
+        for (const char c : want) {
+            if (c == '[') {
+                open.push_back(std::exchange(name, ""));
+                text += "<!-- no element -->text";
+            } else if (c == ']' || c == ' ') {
+                closeName();
+                if (c == ']') {
+                    name = open.back();
+                    open.pop_back();
+                }
+            } else {
+                name = c;
+                text += "<" + name + ">";
+            }
+        }
+        closeName();
+        Buffer buffer(text);
+        const RapidXMLDocument document(buffer.Text());
+        RapidXMLNode root = document.FirstNode();
+        EXPECT_EQ(WrittenByWalking(root), want) << text;
+        EXPECT_EQ(root.Name(), "a");
+        EXPECT_FALSE(root.MoveToNextSibling());
+    }
+    Buffer empty("");
+    const RapidXMLDocument document(empty.Text());
+    RapidXMLNode none = document.FirstNode();
+    EXPECT_EQ(none.GetName(), nullptr);
+    EXPECT_EQ(none.Name(), "");
+    EXPECT_FALSE(none.MoveToFirstChild());
 }
 
 // Texts with references, and with sections, are parsed in other ways; all find the same.

@@ -173,8 +173,8 @@ std::shared_ptr<CheckedPath> CheckOutline(CheckedArtwork& artwork, const Checked
     }
     CheckPoints(artwork, element);
     CheckedRenderer renderer;  // makes no other paths
-    const std::shared_ptr<SVGLoom::Path> built =
-        SVGLoom::BuildShape(element.name, element.Known(), artwork.viewBox, renderer);
+    const std::shared_ptr<SVGLoom::Path> built = SVGLoom::BuildShape(
+        SVGLoom::FindElement(element.name), element.Known(), artwork.viewBox, renderer);
     const auto path = std::static_pointer_cast<CheckedPath>(built);
     // The corners are up to a twentieth of their radius away.
     constexpr float kCornerPart = 1.0f / 20;
