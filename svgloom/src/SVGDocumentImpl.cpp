@@ -1,9 +1,7 @@
 #include "svgloom/src/SVGDocumentImpl.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <utility>
-#include <vector>
 
 #include "svgloom/src/DrawingWalk.h"
 #include "svgloom/src/ElementParser.h"
@@ -17,19 +15,10 @@ SVGDocumentImpl::SVGDocumentImpl(std::shared_ptr<SVGRenderer> renderer)
 
 SVGDocumentImpl::~SVGDocumentImpl()
 {
-    // A group that holds itself would never go.
+    // A group that holds itself, as its first child, would never go.
     for (Group* const symbol : symbols_) {
-        if (symbol == nullptr) {
-            continue;
-        }
-        std::vector<std::shared_ptr<Element>>& children = symbol->children;
-        const auto self =
-            std::find_if(children.begin(), children.end(),
-                         [symbol](const auto& child) { return child.get() == symbol; });
-        if (self != children.end()) {
-            const std::shared_ptr<Element> kept =
-                std::move(*self);  // until the list is whole again
-            children.erase(self);
+        if (symbol != nullptr) {
+            const std::shared_ptr<Element> kept = symbol->children.TakeFirst();
         }
     }
 }
@@ -49,11 +38,7 @@ void SVGDocumentImpl::Add(Group& group, std::shared_ptr<Element> element, std::s
             registered = element;
         }
     }
-    constexpr std::size_t kFewChildren = 4;
-    if (group.children.empty()) {
-        group.children.reserve(kFewChildren);
-    }
-    group.children.push_back(std::move(element));
+    group.children.Append(std::move(element));
 }
 
 void SVGDocumentImpl::Render(const ColorMap& colors, float width, float height)

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <iterator>
 #include <memory>
 #include <new>
 #include <set>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "svgloom/renderer/SVGRenderer.h"
+#include "svgloom/src/ClassSet.h"
 #include "svgloom/src/NameMap.h"
 #include "svgloom/src/StyleResolution.h"
 #include "svgloom/src/Styles.h"
@@ -26,6 +28,8 @@ class SVGDocumentImpl {
 public:
     /// The numbers are fixed.
     enum class ElementKind : std::uint32_t { kImage = 0, kGraphic = 1, kGroup = 2, kReference = 3 };
+
+    class Children;
 
     /// The order of the operations is fixed.
     class Element {
@@ -40,11 +44,72 @@ public:
         Element(const Element&) = delete;
         Element& operator=(const Element&) = delete;
 
+    private:
+        friend class Children;
+        std::shared_ptr<Element> next_;  // of the group that it is a child of
+
     protected:
         explicit Element(const DocumentGraphicStyle& graphicStyle, ClassSet classNames)
             : style(graphicStyle), classes(std::move(classNames)), display(graphicStyle.display)
         {
         }
+    };
+
+    /// The children of a group in document order. An element is a child of one group at most.
+    class Children {
+    public:
+        class Iterator {
+        public:
+            explicit Iterator(const std::shared_ptr<Element>& at) : at_(&at) {}
+            const std::shared_ptr<Element>& operator*() const { return *at_; }
+            Iterator& operator++()
+            {
+                at_ = &(*at_)->next_;
+                return *this;
+            }
+            friend bool operator==(const Iterator& at, std::default_sentinel_t)
+            {
+                return *at.at_ == nullptr;
+            }
+
+        private:
+            const std::shared_ptr<Element>* at_;
+        };
+
+        Children() = default;
+        /// One after another: a child that held the next would end all behind it by recursion.
+        ~Children()
+        {
+            while (!empty()) {
+                TakeFirst();
+            }
+        }
+        Children(const Children&) = delete;
+        Children& operator=(const Children&) = delete;
+
+        bool empty() const { return first_ == nullptr; }
+        Iterator begin() const { return Iterator(first_); }
+        std::default_sentinel_t end() const { return {}; }
+
+        /// `element` is no child yet, neither here nor elsewhere.
+        void Append(std::shared_ptr<Element> element) noexcept
+        {
+            std::shared_ptr<Element>& place = last_ != nullptr ? last_->next_ : first_;
+            last_ = element.get();
+            place = std::move(element);
+        }
+        /// Requires a child.
+        std::shared_ptr<Element> TakeFirst() noexcept
+        {
+            std::shared_ptr<Element> taken = std::move(first_);
+            first_ = std::move(taken->next_);
+            last_ = first_ != nullptr ? last_ : nullptr;
+            return taken;
+        }
+
+    private:
+        std::shared_ptr<Element> first_;
+        Element* last_ = nullptr;
     };
 
     class Image : public Element {
@@ -90,7 +155,7 @@ public:
         }
         ElementKind Kind() const override { return ElementKind::kGroup; }
 
-        std::vector<std::shared_ptr<Element>> children;  // in document order
+        Children children;
     };
 
     class Reference : public Element {

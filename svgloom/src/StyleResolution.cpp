@@ -1,13 +1,66 @@
 #include "svgloom/src/StyleResolution.h"
 
-#include <algorithm>
-#include <utility>
+#include <cstddef>
+#include <span>
+#include <string_view>
 #include <vector>
 
 #include "svgloom/src/Declarations.h"
 #include "svgloom/src/SVGStringParser.h"
 
 namespace SVGLoom {
+
+namespace {
+
+/// The names in the order of the text, as many as there usually are without a list on the heap.
+class Words {
+public:
+    explicit Words(std::string_view text)
+    {
+        SVGStringParser::ForEachWord(text, [this](std::string_view word) { Add(word); });
+    }
+    std::span<std::string_view> All()
+    {
+        return count_ <= kFew ? std::span(few_, count_) : std::span(many_);
+    }
+
+private:
+    static constexpr std::size_t kFew = 8;
+
+    void Add(std::string_view word)
+    {
+        if (count_ < kFew) {
+            few_[count_] = word;
+        } else {
+            if (count_ == kFew) {
+                many_.assign(few_, few_ + kFew);
+            }
+            many_.push_back(word);
+        }
+        ++count_;
+    }
+
+    std::string_view few_[kFew];
+    std::size_t count_ = 0;
+    std::vector<std::string_view> many_;
+};
+
+/// Calls apply(property, text) for what the rules of the classes set.
+template <class Apply>
+ClassSet ApplyClasses(std::string_view text, const StyleSheet& sheet, const Apply& apply)
+{
+    Words names(text);
+    if (!sheet.empty()) {
+        for (const std::string_view name : names.All()) {
+            for (const PropertyText& each : sheet.FindClass(name)) {
+                apply(each.property, each.text);
+            }
+        }
+    }
+    return ClassSet(names.All());
+}
+
+}  // namespace
 
 ClassSet ResolveStyles(const Attributes& attributes, const StyleSheet& sheet,
                        const StyleSources& sources, const StyleTarget& target)
@@ -26,23 +79,13 @@ ClassSet ResolveStyles(const Attributes& attributes, const StyleSheet& sheet,
     if (!attributes.Has(AttributeName::kClass)) {
         return {};
     }
-    std::vector<std::string> names;
-    for (const std::string_view name :
-         SVGStringParser::SplitWords(attributes.Text(AttributeName::kClass))) {
-        names.emplace_back(name);
-        for (const PropertyText& each : sheet.FindClass(name)) {
-            apply(each.property, each.text);
-        }
-    }
-    std::sort(names.begin(), names.end());
-    names.erase(std::unique(names.begin(), names.end()), names.end());
-    return ClassSet(std::move(names));
+    return ApplyClasses(attributes.Text(AttributeName::kClass), sheet, apply);
 }
 
 void ApplySheet(const StyleSheet& sheet, const ClassSet& classes, const StyleSources& sources,
                 const StyleTarget& target)
 {
-    for (const std::string& name : classes) {
+    for (const std::string_view name : classes) {
         for (const PropertyText& each : sheet.FindClass(name)) {
             ApplyProperty(each.property, each.text, sources, target);
         }

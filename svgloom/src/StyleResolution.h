@@ -7,16 +7,13 @@
 #include <map>
 #include <string>
 
-#include "svgloom/renderer/SharedVector.h"
 #include "svgloom/src/Attributes.h"
+#include "svgloom/src/ClassSet.h"
 #include "svgloom/src/PropertyReaders.h"
 #include "svgloom/src/StyleSheet.h"
 #include "svgloom/src/Styles.h"
 
 namespace SVGLoom {
-
-/// Class names, sorted, each once.
-using ClassSet = SharedVector<std::string>;
 
 /// Colours by the names of variables, without "--".
 using ColorMap = std::map<std::string, Color, std::less<>>;

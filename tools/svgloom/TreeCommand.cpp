@@ -153,7 +153,7 @@ private:
                 ",\"clip\":" + JsonClip(element.style.clippingPath) +
                 ",\"display\":" + (element.display ? "true" : "false") + ",\"classes\":[";
         bool isFirst = true;
-        for (const std::string& name : element.classes) {
+        for (const std::string_view name : element.classes) {
             text += (isFirst ? "" : ",") + tools::JsonUtf8String(name);
             isFirst = false;
         }

@@ -2,6 +2,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -53,6 +54,17 @@ private:
         return text;
     }
 };
+
+/// Requires that there is one.
+inline const SVGDocumentImpl::Element& ChildAt(const SVGDocumentImpl::Group& group,
+                                               std::size_t index)
+{
+    auto child = group.children.begin();
+    for (; index > 0; --index) {
+        ++child;
+    }
+    return **child;
+}
 
 /// The lines inside the root group and the "svg" group, or what was thrown.
 inline std::string DrawContent(std::string_view content, const ColorMap& colors = {})

@@ -11,6 +11,7 @@
 namespace SVGLoom {
 namespace {
 
+using testing_support::ChildAt;
 using testing_support::DrawContent;
 using testing_support::TestDocument;
 using testing_support::TraceListener;
@@ -386,10 +387,9 @@ TEST(ElementParser, CopiesOfInheritedStopsAreBounded)
                             "<path fill='url(#g199)'/><path fill='url(#g200)'/></svg>");
     ASSERT_EQ(listener.messages.size(), 100u);
     EXPECT_EQ(listener.messages[0], "6 too many inherited stops: gradients take over no more");
-    const auto& svg =
-        static_cast<const SVGDocumentImpl::Group&>(*test.document->Root().children[0]);
+    const auto& svg = static_cast<const SVGDocumentImpl::Group&>(ChildAt(test.document->Root(), 0));
     const auto paintOf = [&svg](std::size_t i) {
-        return static_cast<const SVGDocumentImpl::Graphic&>(*svg.children[i]).fill->paint;
+        return static_cast<const SVGDocumentImpl::Graphic&>(ChildAt(svg, i)).fill->paint;
     };
     EXPECT_EQ(std::get<Gradient>(paintOf(0)).stops.size(), 5001u);
     EXPECT_TRUE(std::holds_alternative<Color>(paintOf(1)));

@@ -9,6 +9,7 @@
 namespace SVGLoom {
 namespace {
 
+using testing_support::ChildAt;
 using testing_support::DrawContent;
 
 std::string Draw(const std::string& attributes)
@@ -95,7 +96,7 @@ TEST(BuildImage, WithoutExtentThereIsNone)
     const auto document =
         CreateDocument("<svg><image width='5' href='data:image/png;base64,'/></svg>", renderer);
     EXPECT_TRUE(
-        static_cast<const SVGDocumentImpl::Group&>(*document->Root().children[0]).children.empty());
+        static_cast<const SVGDocumentImpl::Group&>(ChildAt(document->Root(), 0)).children.empty());
 }
 
 TEST(BuildImage, Formats)

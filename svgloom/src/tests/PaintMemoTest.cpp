@@ -10,6 +10,7 @@
 namespace SVGLoom {
 namespace {
 
+using testing_support::ChildAt;
 using testing_support::DrawContent;
 using testing_support::TestDocument;
 
@@ -47,12 +48,12 @@ TEST(PaintMemo, FindsTheSameTextOverTheSameStyle)
 
 const SVGDocumentImpl::Group& OnlyGroup(const TestDocument& document)
 {
-    return static_cast<const SVGDocumentImpl::Group&>(*document.document->Root().children[0]);
+    return static_cast<const SVGDocumentImpl::Group&>(ChildAt(document.document->Root(), 0));
 }
 
 const SharedFillStyle& FillOf(const SVGDocumentImpl::Group& group, std::size_t child)
 {
-    return static_cast<const SVGDocumentImpl::Graphic&>(*group.children[child]).fill;
+    return static_cast<const SVGDocumentImpl::Graphic&>(ChildAt(group, child)).fill;
 }
 
 TEST(PaintMemo, SiblingsShareEqualStyles)

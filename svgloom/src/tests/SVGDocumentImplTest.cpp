@@ -15,6 +15,7 @@
 namespace SVGLoom {
 namespace {
 
+using testing_support::ChildAt;
 using testing_support::RecordingRenderer;
 using testing_support::TestDocument;
 using testing_support::Text;
@@ -115,12 +116,11 @@ TEST(SVGDocumentImpl, KindsAndSlots)
 TEST(SVGDocumentImpl, ElementsKeepTheirClassNames)
 {
     const TestDocument test("<svg><g class='b a  b\ta'/><g/></svg>");
-    const auto& svg =
-        static_cast<const SVGDocumentImpl::Group&>(*test.document->Root().children[0]);
-    const ClassSet& classes = svg.children[0]->classes;
+    const auto& svg = static_cast<const SVGDocumentImpl::Group&>(ChildAt(test.document->Root(), 0));
+    const ClassSet& classes = ChildAt(svg, 0).classes;
     EXPECT_EQ(std::vector<std::string>(classes.begin(), classes.end()),
               (std::vector<std::string>{"a", "b"}));
-    EXPECT_TRUE(svg.children[1]->classes.empty());
+    EXPECT_TRUE(ChildAt(svg, 1).classes.empty());
 }
 
 TEST(SVGDocumentImpl, SymbolsGoWithTheDocument)
@@ -191,7 +191,7 @@ TEST(CreateDocument, AnyLengthOfAText)
         "0h1'/></g></svg>";
     for (std::size_t length = 0; length <= kText.size(); ++length) {
         const TestDocument test(kText.substr(0, length));
-        EXPECT_EQ(test.document->Root().children.size(), length == kText.size() ? 1u : 0u);
+        EXPECT_EQ(test.document->Root().children.empty(), length != kText.size());
     }
     TestDocument nul(std::string_view("<svg viewBox='0 0 1 1'/>\0<", 26));
     EXPECT_EQ(Text(nul.document->ViewBox()), "0 0 1 1");

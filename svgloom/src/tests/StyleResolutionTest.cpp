@@ -32,8 +32,8 @@ std::string Resolve(const std::string& attributes, std::string_view css = "")
             ResolveStyles(Attributes(*document.GetFirstNode()), sheet,
                           {gradients, clipPaths, viewBox}, {graphic, fill, stroke});
         std::string names;
-        for (const std::string& name : classes) {
-            names += "." + name;
+        for (const std::string_view name : classes) {
+            names.append(".").append(name);
         }
         return Describe(graphic, *fill, *stroke) + names;
     } catch (const std::exception& error) {
@@ -104,8 +104,7 @@ std::string ApplyAttached(std::string_view css)
     SharedStrokeStyle stroke;
     fill.Edit().fillOpacity = 0.5f;
     const Rect viewBox{0, 0, 30, 40};
-    ApplySheet(sheet, ClassSet(std::vector<std::string>{"a", "b"}), {gradients, clipPaths, viewBox},
-               {graphic, fill, stroke});
+    ApplySheet(sheet, ClassSet{"a", "b"}, {gradients, clipPaths, viewBox}, {graphic, fill, stroke});
     return Describe(graphic, *fill, *stroke);
 }
 
@@ -128,9 +127,9 @@ TEST(ApplySheet, AnEmptyNameIsAnError)
     DocumentGraphicStyle graphic;
     SharedFillStyle fill;
     SharedStrokeStyle stroke;
-    EXPECT_THROW(ApplySheet(sheet, ClassSet(std::vector<std::string>{""}),
-                            {gradients, clipPaths, viewBox}, {graphic, fill, stroke}),
-                 std::invalid_argument);
+    EXPECT_THROW(
+        ApplySheet(sheet, ClassSet{""}, {gradients, clipPaths, viewBox}, {graphic, fill, stroke}),
+        std::invalid_argument);
 }
 
 const ColorMap& Colors()
