@@ -1,7 +1,9 @@
 // Colours: "#" and hexadecimal digits, rgb(), var(), names, and the current-colour marker.
 
 #include <algorithm>
+#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -38,6 +40,27 @@ bool SkipCharacter(const char*& current, const char* end, char c)
     return true;
 }
 
+constexpr std::uint8_t kNoDigit = 0xFF;
+
+constexpr std::array<std::uint8_t, 256> MakeHexDigits()
+{
+    std::array<std::uint8_t, 256> digits{};
+    for (std::size_t i = 0; i < digits.size(); ++i) {
+        const auto c = static_cast<char>(i);
+        const int value = IsDigit(c) ? c - '0' : IsHexDigit(c) ? ToLower(c) - 'a' + 10 : kNoDigit;
+        digits[i] = static_cast<std::uint8_t>(value);
+    }
+    return digits;
+}
+
+// Digits and letters of colours come in no order that a processor could foresee.
+constexpr std::array<std::uint8_t, 256> kHexDigits = MakeHexDigits();
+
+std::uint8_t HexDigit(char c)
+{
+    return kHexDigits[static_cast<unsigned char>(c)];
+}
+
 /// The value of hexadecimal digits. As std::stoi, which would need a copy of the text.
 int HexNumber(std::string_view digits)
 {
@@ -47,16 +70,27 @@ int HexNumber(std::string_view digits)
     }
     int number = 0;
     for (const char c : digits) {
-        number = number * 16 + (IsDigit(c) ? c - '0' : ToLower(c) - 'a' + 10);
+        number = number * 16 + HexDigit(c);
     }
     return number;
+}
+
+/// The colour of three or six digits.
+Color HexColor(int number, std::size_t digits)
+{
+    const int bits = digits == 3 ? 4 : 8;
+    const int most = (1 << bits) - 1;
+    const auto part = [number, bits, most](int place) {
+        return static_cast<float>((number >> (place * bits)) & most) / static_cast<float>(most);
+    };
+    return {part(2), part(1), part(0), 1};
 }
 
 /// The digits behind a "#", which has been consumed.
 bool ReadHex(const char*& current, const char* end, Color& color)
 {
     const char* const start = current;
-    while (current != end && IsHexDigit(*current)) {
+    while (current != end && HexDigit(*current) != kNoDigit) {
         ++current;
     }
     const std::ptrdiff_t length = current - start;
@@ -69,12 +103,7 @@ bool ReadHex(const char*& current, const char* end, Color& color)
         })) {
         return false;
     }
-    const int bits = length == 3 ? 4 : 8;
-    const int most = (1 << bits) - 1;
-    const auto part = [number, bits, most](int place) {
-        return static_cast<float>((number >> (place * bits)) & most) / static_cast<float>(most);
-    };
-    color = {part(2), part(1), part(0), 1};
+    color = HexColor(number, static_cast<std::size_t>(length));
     return true;
 }
 
@@ -132,13 +161,14 @@ bool ReadPlainColor(const char*& current, const char* end, bool allowCurrentColo
             return false;
         }
         value = color;
+    } else if (allowCurrentColor && IsWordAt(current, end, kCurrentColor)) {
+        // No colour's name begins this word.
+        current += kCurrentColor.size();
+        value = CurrentColor();
     } else if (const NamedColor* const named =
                    FindNamedColor({current, static_cast<std::size_t>(end - current)})) {
         current += named->name.size();
         value = named->color;
-    } else if (allowCurrentColor && IsWordAt(current, end, kCurrentColor)) {
-        current += kCurrentColor.size();
-        value = CurrentColor();
     } else {
         return false;
     }
@@ -210,6 +240,26 @@ bool ReadVariable(const char*& current, const char* end, ColorValue& value)
 }
 
 }  // namespace
+
+bool SVGStringParser::ParseHexColor(std::string_view text, Color& color)
+{
+    if ((text.size() != 4 && text.size() != 7) || text.front() != '#') {
+        return false;
+    }
+    text.remove_prefix(1);
+    std::uint8_t all = 0;
+    int number = 0;
+    for (const char c : text) {
+        const std::uint8_t digit = HexDigit(c);
+        all |= digit;
+        number = number * 16 + digit;
+    }
+    if (all > 0xF) {
+        return false;
+    }
+    color = HexColor(number, text.size());
+    return true;
+}
 
 bool SVGStringParser::ParseColor(const char*& current, const char* end, ColorValue& value,
                                  bool allowCurrentColor, ParseResult& result)

@@ -107,7 +107,7 @@ private:
     StyleSheet sheet_;
     GradientTable gradients_;
     ClipPathTable clipPaths_;
-    PaintMemos memos_;
+    StyleMemos memos_;
     std::size_t inheritedStops_ = 0;
 };
 

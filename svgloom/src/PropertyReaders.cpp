@@ -46,6 +46,21 @@ bool ReadColor(std::string_view text, ColorValue& value)
                                        /*allowCurrentColor=*/true, result);
 }
 
+/// `has` is the flag of the record that says whether it is painted.
+template <class Style>
+void PaintWith(const Color& color, bool Style::*has, SharedStyle<Style>& style)
+{
+    const std::optional<ColorValue>& value = style->paintValue;
+    const Color* const known = value.has_value() ? std::get_if<Color>(&*value) : nullptr;
+    if ((*style).*has && known != nullptr && *known == color) {
+        return;  // stays as it is, and shared
+    }
+    Style& own = style.Edit();
+    own.*has = true;
+    own.paint = color;
+    own.paintValue = color;
+}
+
 /// For "fill" and "stroke": `has` is the flag of the record that says whether it is painted.
 template <class Style>
 void ParsePaintProperty(std::string_view text, const StyleSources& sources, bool Style::*has,
@@ -72,22 +87,17 @@ void ParsePaintProperty(std::string_view text, const StyleSources& sources, bool
     }
 }
 
-/// The same, from what is remembered where the colour has been there before.
+/// The same; most paints are plain colours.
 template <class Style>
 void ReadPaint(std::string_view text, const StyleSources& sources, bool Style::*has,
-               PaintMemo<Style>* memo, SharedStyle<Style>& style)
+               SharedStyle<Style>& style)
 {
-    if (memo == nullptr || !PaintMemo<Style>::Takes(text)) {
+    Color color;
+    if (SVGStringParser::ParseHexColor(text, color)) {
+        PaintWith(color, has, style);
+    } else {
         ParsePaintProperty(text, sources, has, style);
-        return;
     }
-    if (const SharedStyle<Style>* const known = memo->Find(style, text)) {
-        style = *known;
-        return;
-    }
-    const SharedStyle<Style> before = style;
-    ParsePaintProperty(text, sources, has, style);
-    memo->Remember(before, text, style);
 }
 
 void ReadOpacityProperty(std::string_view text, const StyleSources&, const StyleTarget& target)
@@ -132,7 +142,7 @@ void ReadStopColor(std::string_view text, const StyleSources&, const StyleTarget
 void ReadFill(std::string_view text, const StyleSources& sources, const StyleTarget& target)
 {
     ReadPaint(text, sources, static_cast<bool DocumentFillStyle::*>(&FillStyle::hasFill),
-              sources.memos != nullptr ? &sources.memos->fill : nullptr, target.fill);
+              target.fill);
 }
 
 void ReadFillOpacity(std::string_view text, const StyleSources&, const StyleTarget& target)
@@ -179,7 +189,7 @@ void ReadClipRule(std::string_view text, const StyleSources&, const StyleTarget&
 void ReadStroke(std::string_view text, const StyleSources& sources, const StyleTarget& target)
 {
     ReadPaint(text, sources, static_cast<bool DocumentStrokeStyle::*>(&StrokeStyle::hasStroke),
-              sources.memos != nullptr ? &sources.memos->stroke : nullptr, target.stroke);
+              target.stroke);
 }
 
 void ReadStrokeWidth(std::string_view text, const StyleSources& sources, const StyleTarget& target)
@@ -298,12 +308,33 @@ constexpr bool AreReadersInOrder()
 }
 static_assert(AreReadersInOrder());
 
+constexpr bool IsOfFill(AttributeName property)
+{
+    return property >= AttributeName::kFill && property <= AttributeName::kClipRule;
+}
+
+constexpr bool IsOfStroke(AttributeName property)
+{
+    return property >= AttributeName::kStroke && property <= AttributeName::kStrokeOpacity;
+}
+
 }  // namespace
 
 void ApplyProperty(AttributeName property, std::string_view text, const StyleSources& sources,
                    const StyleTarget& target)
 {
-    kReaders[static_cast<std::size_t>(property)].read(text, sources, target);
+    const auto read = [property, text, &sources, &target] {
+        kReaders[static_cast<std::size_t>(property)].read(text, sources, target);
+    };
+    if (sources.memos == nullptr) {
+        read();
+    } else if (IsOfFill(property) && StyleMemo<DocumentFillStyle>::Takes(text)) {
+        sources.memos->fill.Apply(property, text, target.fill, read);
+    } else if (IsOfStroke(property) && StyleMemo<DocumentStrokeStyle>::Takes(text)) {
+        sources.memos->stroke.Apply(property, text, target.stroke, read);
+    } else {
+        read();
+    }
 }
 
 float DiagonalOf(const Rect& viewBox)

@@ -6,7 +6,7 @@
 
 #include "svgloom/src/AttributeNames.h"
 #include "svgloom/src/GradientTable.h"
-#include "svgloom/src/PaintMemo.h"
+#include "svgloom/src/StyleMemo.h"
 #include "svgloom/src/Styles.h"
 
 namespace SVGLoom {
@@ -16,7 +16,7 @@ struct StyleSources {
     const GradientTable& gradients;
     const ClipPathTable& clipPaths;
     const Rect& viewBox;
-    PaintMemos* memos = nullptr;  // may be null
+    StyleMemos* memos = nullptr;  // may be null
 };
 
 /// The records of one element.

@@ -81,6 +81,10 @@ public:
     static bool ParseColor(const char*& current, const char* end, ColorValue& value,
                            bool allowCurrentColor, ParseResult& result);
 
+    /// Reads the whole text as "#" and three or six hexadecimal digits, which ParseColor reads
+    /// alike. `color` is written on success only.
+    static bool ParseHexColor(std::string_view text, Color& color);
+
     /// Reads the whole text as a paint. A reference to a gradient copies it into `paint` with the
     /// coordinates that it does not give taken from the size of `viewport`; a gradient with one
     /// stop is that stop's colour. A reference that is not known, without a fallback, is a success

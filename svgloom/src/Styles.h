@@ -4,6 +4,7 @@
 
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,36 +38,62 @@ struct DocumentGraphicStyle : GraphicStyle {
 
 using ClipPathTable = NameMap<std::shared_ptr<ClippingPath>>;
 
-/// A style that is shared with whoever has the same one, until Edit().
+/// A style that is shared with whoever has the same one, until Edit(). Not for two threads at once,
+/// copies that share a style included.
 template <class Style>
 class SharedStyle {
 public:
     /// The defaults, which are one object for the whole process.
-    SharedStyle() : style_(Default()) {}
+    SharedStyle() = default;
+    SharedStyle(const SharedStyle& other) : held_(other.held_)
+    {
+        if (held_ != nullptr) {
+            ++held_->owners;
+        }
+    }
+    SharedStyle(SharedStyle&& other) noexcept : held_(std::exchange(other.held_, nullptr)) {}
+    SharedStyle& operator=(SharedStyle other) noexcept
+    {
+        std::swap(held_, other.held_);
+        return *this;
+    }
+    ~SharedStyle()
+    {
+        if (held_ != nullptr && --held_->owners == 0) {
+            delete held_;
+        }
+    }
 
-    const Style& operator*() const { return *style_; }
-    const Style* operator->() const { return style_.get(); }
+    const Style& operator*() const { return held_ != nullptr ? held_->style : Default(); }
+    const Style* operator->() const { return &**this; }
 
     /// Makes the style this object's own.
     Style& Edit()
     {
-        if (style_.use_count() != 1) {
-            style_ = std::make_shared<Style>(*style_);
+        if (held_ == nullptr || held_->owners != 1) {
+            *this = SharedStyle(new Held{**this, 1});
         }
-        return *style_;
+        return held_->style;
     }
-    bool IsSharedWith(const SharedStyle& other) const { return style_ == other.style_; }
+    bool IsSharedWith(const SharedStyle& other) const { return held_ == other.held_; }
 
 private:
-    static std::shared_ptr<Style> Default()
+    struct Held {
+        Style style;
+        std::size_t owners;
+    };
+
+    explicit SharedStyle(Held* held) : held_(held) {}
+
+    static const Style& Default()
     {
-        // Owned by nobody, so its count is 0, and never edited. Nothing of it lies on the heap: a
-        // library that holds it leaves nothing behind when it is unloaded.
+        // Nothing of it lies on the heap: a library that holds it leaves nothing behind when it is
+        // unloaded.
         static kivcore::NeverDestroyed<Style> style;
-        return {std::shared_ptr<void>(), &*style};
+        return *style;
     }
 
-    std::shared_ptr<Style> style_;
+    Held* held_ = nullptr;  // null: the defaults
 };
 
 using SharedFillStyle = SharedStyle<DocumentFillStyle>;
