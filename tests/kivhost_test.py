@@ -18,6 +18,7 @@ import tempfile
 import time
 import unittest
 
+import main_job
 import photo_formats
 from programs import Program
 
@@ -202,6 +203,33 @@ class Edits(KivhostTest):
         self.expect(run, 2)
         self.assertEqual(run.stdout, "cancelled\n")
         self.assert_untouched()
+
+
+class Formats(KivhostTest):
+    def edit(self, path):
+        sets = [word for edit in main_job.EDITS.items() for word in ("--set", "=".join(edit))]
+        run = self.run_host(*sets, "--auto", "ok", path)
+        self.expect(run, 0)
+        self.assertTrue(run.stdout.startswith("confirmed\n"), run.stdout)
+
+    def test_a_file_of_each_kind(self):
+        for kind, path in main_job.make(sample("with-packet"), self.folder).items():
+            with self.subTest(kind):
+                before = self.folder / ("before" + path.suffix)
+                shutil.copy(path, before)
+                self.edit(path)
+                self.assertEqual(main_job.judge(before, path), ("", ""))
+                self.assertEqual(self.dump(path)["photoshop:City"]["value"], "Göteborg")
+
+    def test_a_photo_of_a_format_that_is_not_written_gets_a_sidecar(self):
+        files = main_job.make(sample("with-packet"), self.folder)
+        raw = files["TIFF"].rename(self.folder / "camera.nef")
+        untouched = raw.read_bytes()
+        self.edit(raw)
+        self.assertEqual(raw.read_bytes(), untouched)
+        beside = self.folder / "camera.nef.xmp"
+        self.assertEqual(self.independent(beside)["photoshop:City"], "Göteborg")
+        self.assertEqual(self.dump(raw)["photoshop:City"]["value"], "Göteborg")
 
 
 class Looks(KivhostTest):

@@ -95,6 +95,7 @@ class Parts:
         self.targets = []  # where pointers among them lead
         self.facts = ()  # what the cut bytes say besides
         self.packets = 0
+        self.packet_places = []  # (begin, end) of the text of each that is not compressed
         self.stays = False  # nothing moves
 
 
@@ -104,6 +105,8 @@ def jpeg_parts(data, parts):
         if marker == 0xE1 and body.startswith((XMP, EXTENDED_XMP)):
             parts.cuts.append((begin, end))
             parts.packets += 1
+            if body.startswith(XMP):
+                parts.packet_places.append((payload + len(XMP), end))
         elif marker == 0xE2 and body.startswith(INDEX):
             for position, target in index_fields(data, payload + len(INDEX), end):
                 parts.cuts.append((position, position + 4))
@@ -120,6 +123,10 @@ def png_parts(data, parts):
                 raise Unreadable("the checksum of the chunk at byte %d is wrong" % at)
             parts.cuts.append((at, end))
             parts.packets += 1
+            text = at + 8 + 18  # behind the keyword; two numbers, language, keyword once more
+            if data[text] == 0:
+                text = data.index(b"\0", data.index(b"\0", text + 2) + 1) + 1
+                parts.packet_places.append((text, end - 4))
         if kind == b"IEND":
             return
         at = end
@@ -156,6 +163,7 @@ def webp_parts(data, parts):
             if data[at + 8 + length : end].strip(b"\0"):
                 raise Unreadable("behind the packet there is no zero")
             parts.packets += 1
+            parts.packet_places.append((at + 8, at + 8 + length))
         if kind in (b"XMP ", b"VP8X"):
             parts.cuts.append((at, end))
         if not parts.facts and kind in (b"VP8X", b"VP8 ", b"VP8L"):
@@ -184,6 +192,7 @@ def tiff_parts(data, parts):
                 raise Unreadable("the packet's entry is wrong")
             parts.cuts.append((begin, begin + length))
             parts.packets += 1
+            parts.packet_places.append((begin, begin + length))
         else:
             found.append((tag, kind, length, content))
         at += 4 + 2 * value
@@ -226,6 +235,7 @@ class Photo:
         read(data, parts)
         self.data = data
         self.packets = parts.packets
+        self.packet_places = parts.packet_places
         self.facts = parts.facts
         self.stays = parts.stays
         cuts = self.cuts = merged(parts.cuts)
@@ -305,7 +315,7 @@ def main():
     for path in sys.argv[1:]:
         try:
             photos.append(Photo(path))
-        except (Unreadable, struct.error, IndexError) as error:
+        except (Unreadable, struct.error, IndexError, ValueError) as error:
             print("%s: %s" % (path, error))
             return 1
         except OSError as error:

@@ -94,7 +94,7 @@ def judge(file, one, other):
     """What the script would say, run in this process."""
     try:
         photos = [photo_equal.Photo(file("one", one)), photo_equal.Photo(file("other", other))]
-    except (photo_equal.Unreadable, struct.error, IndexError):
+    except (photo_equal.Unreadable, struct.error, IndexError, ValueError):
         return "different"
     return "different" if photo_equal.difference(*photos) else "equal"
 
@@ -156,6 +156,8 @@ class PhotoEqual(WithFiles):
                 self.assertEqual((status, text[:6]), (0, "equal:"), name)
             # Every byte outside of the packet, in turn.
             packet = longer.index(b"a longer packet")
+            places = photo_equal.Photo(self.file("longer", longer)).packet_places
+            self.assertEqual(places, [(packet, packet + 15)])
             for at in range(len(longer)):
                 if packet <= at < packet + 15:
                     continue
