@@ -18,9 +18,9 @@ step() {
 }
 
 # Packages of Debian 12, by what they are for.
-readonly packages_run="g++ cmake ninja-build ccache pkg-config libagg-dev libexpat1-dev libboost-dev
-    zlib1g-dev libpng-dev libwxgtk3.2-dev libgtk-3-dev xvfb xauth openbox fonts-dejavu-core
-    imagemagick python3"
+readonly packages_run="g++ cmake ninja-build ccache pkg-config libagg-dev libexpat1-dev libexiv2-dev
+    libboost-dev zlib1g-dev libpng-dev libwxgtk3.2-dev libgtk-3-dev xvfb xauth openbox
+    fonts-dejavu-core imagemagick python3"
 readonly packages_test="libgtest-dev libgmock-dev exiv2 libimage-exiftool-perl xdotool
     fonts-noto-cjk util-linux binutils libgettextpo-dev strace"
 readonly packages_windows="g++-mingw-w64-x86-64-posix libz-mingw-w64-dev googletest wine64 libwine patch

@@ -24,7 +24,7 @@ need_packages cmake ninja-build libagg-dev libboost-dev $packages_windows
 # build_NAME gets the folders $source (the unpacked source package), $work (its own, thrown away) and
 # $prefix (what is kept). With package_NAME, version_NAME is the version of that source package.
 
-readonly libraries="agg boost expat googletest png wxwidgets"
+readonly libraries="agg boost exiv2 expat googletest png wxwidgets"
 
 # The compiler must not see all of /usr/include: folders with a link to nothing but these headers.
 version_agg="$(dpkg-query -W -f '${Version}' libagg-dev)"
@@ -39,6 +39,20 @@ time_boost="no time"
 build_boost() {
     mkdir -p "$prefix/include"
     ln -s /usr/include/boost "$prefix/include/boost"
+}
+
+# Only the decoders of Exif and IIM are used. Static, so that it goes into one DLL of ours.
+package_exiv2=exiv2
+version_exiv2=0.27.6-1
+time_exiv2="a minute"
+build_exiv2() {
+    local flags="-w -ffile-prefix-map=$source=exiv2"
+    cmake_build "$source" -DCMAKE_CXX_FLAGS="$flags" -DBUILD_SHARED_LIBS=OFF \
+        -DEXIV2_ENABLE_XMP=OFF -DEXIV2_ENABLE_PNG=OFF -DEXIV2_ENABLE_NLS=OFF \
+        -DEXIV2_ENABLE_BMFF=OFF -DEXIV2_ENABLE_VIDEO=OFF -DEXIV2_ENABLE_WEBREADY=OFF \
+        -DEXIV2_ENABLE_CURL=OFF -DEXIV2_ENABLE_SSH=OFF -DEXIV2_BUILD_SAMPLES=OFF \
+        -DEXIV2_BUILD_EXIV2_COMMAND=OFF -DEXIV2_BUILD_UNIT_TESTS=OFF -DEXIV2_BUILD_DOC=OFF
+    keep_licence "$source/COPYING" exiv2.txt
 }
 
 package_expat=expat

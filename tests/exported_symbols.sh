@@ -2,6 +2,7 @@
 # Holds what the shared library lets out against what it may: its five functions, nothing else.
 #
 # usage: tests/exported_symbols.sh LIBRARY
+#        tests/exported_symbols.sh --without WORD LIBRARY   nothing with that word in its full name
 #        tests/exported_symbols.sh --self-test COMPILER   libraries that let out too much or too little
 set -euo pipefail
 
@@ -20,6 +21,13 @@ check() {
     [ "$found" = "$wanted" ] && return
     echo "$1: < is missing, > is too much" >&2
     diff <(echo "$wanted") <(echo "$found") | grep '^[<>]' >&2
+    return 1
+}
+
+check_without() {
+    local found
+    found="$(nm -DC --defined-only "$2" | grep -i -- "$1")" || return 0
+    printf '%s lets out:\n%s\n' "$2" "$found" >&2
     return 1
 }
 
@@ -48,10 +56,20 @@ self_test() {
         fi
         echo "$name: found: $(grep '^[<>]' "$folder/$name.txt")"
     done
+    library foreign "namespace Foreign { struct Thing {}; }
+        template <class T> void Use(T) {}
+        template void Use(Foreign::Thing);"
+    check_without Other "$folder/foreign.so" || { echo "a good library is refused" >&2; return 1; }
+    if check_without Foreign "$folder/foreign.so" 2> /dev/null; then
+        echo "foreign: not found" >&2
+        return 1
+    fi
+    echo "foreign: found"
 }
 
 case "${1-}" in
     --self-test) self_test "${2:-c++}" ;;
-    "" | -*) sed -n '2,5s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
+    --without) check_without "$2" "$3" && echo "$(basename "$3"): nothing of $2" ;;
+    "" | -*) sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
     *) check "$1" && echo "$(basename "$1"): $(wc -l <<< "$wanted") functions, nothing else" ;;
 esac

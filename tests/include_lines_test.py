@@ -66,6 +66,7 @@ FOREIGN = {
     r"X11/.+": ("framework/kivtoolkit", "*tests"),
     r"boost/(function\.hpp|smart_ptr/intrusive_ptr\.hpp|shared_ptr\.hpp)": (
         "framework", "svgbridge", "api"),
+    r"exiv2/.+": ("framework/kivxmp/src/ExifIimReader.cpp",),
     r"boost/uuid/detail/md5\.hpp|zlib\.h": ("framework/kivxmp",),
     r"boost/property_tree/detail/rapidxml\.hpp": ("svgloom/src",),
     # Of a processor; what includes it goes without where there is another.

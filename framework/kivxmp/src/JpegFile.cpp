@@ -21,6 +21,7 @@ constexpr std::string_view kPacketSignature = "http://ns.adobe.com/xap/1.0/\0"sv
 constexpr std::string_view kExtensionSignature = "http://ns.adobe.com/xmp/extension/\0"sv;
 constexpr std::string_view kExifSignature = "Exif\0"sv;
 constexpr std::string_view kIndexSignature = "MPF\0"sv;
+constexpr std::string_view kResourcesSignature = "Photoshop 3.0\0"sv;
 constexpr std::size_t kLongestSignature = kExtensionSignature.size();
 
 constexpr unsigned char kMarkerPrefix = 0xFF;
@@ -30,6 +31,7 @@ constexpr unsigned char kSos = 0xDA;
 constexpr unsigned char kApp0 = 0xE0;
 constexpr unsigned char kApp1 = 0xE1;
 constexpr unsigned char kApp2 = 0xE2;
+constexpr unsigned char kApp13 = 0xED;
 constexpr unsigned char kTem = 0x01;
 constexpr unsigned char kRst0 = 0xD0;
 constexpr unsigned char kRst7 = 0xD7;
@@ -196,11 +198,18 @@ void JpegFile::NoteSegment(HeaderReader& reader, const Segment& segment)
         app0End_ = joins ? segment.end : app0End_;
         return;
     }
-    if (segment.marker != kApp1 && segment.marker != kApp2) {
+    if (segment.marker != kApp1 && segment.marker != kApp2 && segment.marker != kApp13) {
         return;
     }
     const std::string head = reader.Bytes(
         segment.payload, std::min<std::uint64_t>(segment.PayloadBytes(), kLongestSignature));
+    if (segment.marker == kApp13) {
+        if (head.starts_with(kResourcesSignature)) {
+            const std::uint64_t resources = segment.payload + kResourcesSignature.size();
+            NoteBlock(MetadataBlock::Kind::kImageResources, {resources, segment.end - resources});
+        }
+        return;
+    }
     if (segment.marker == kApp1) {
         if (head.starts_with(kPacketSignature)) {
             const std::uint64_t packet = segment.payload + kPacketSignature.size();
@@ -209,6 +218,7 @@ void JpegFile::NoteSegment(HeaderReader& reader, const Segment& segment)
             NoteExtendedPiece(reader, segment);
         } else if (head.starts_with(kExifSignature) && exifEnd_ == 0) {
             exifEnd_ = segment.end;
+            NoteBlock(MetadataBlock::Kind::kExif, {segment.payload, segment.PayloadBytes()});
         }
         return;
     }

@@ -130,6 +130,14 @@ bool PhotoFormat::NotePacket(const ByteRange& packet)
     return true;
 }
 
+void PhotoFormat::NoteBlock(MetadataBlock::Kind kind, const ByteRange& range)
+{
+    constexpr std::size_t kMaxBlocks = 256;
+    if (blocks_.size() < kMaxBlocks) {
+        blocks_.push_back({kind, range});
+    }
+}
+
 std::string PhotoFormat::ReadPacket(std::size_t number, ByteSource& source) const
 {
     return ReadRange(source, Packets().at(number));

@@ -42,6 +42,17 @@ struct PacketParts {
     std::string extended;  ///< RDF that the main part has no room for; empty: it holds everything
 };
 
+/// What else tells of the photo besides packets. Only looked at.
+struct MetadataBlock {
+    enum class Kind : unsigned char {
+        kExif,            ///< a TIFF stream, in front of it perhaps the signature of JPEG's segment
+        kTiff,            ///< the same, and it is the whole photo
+        kImageResources,  ///< Photoshop's, or a part of them; they hold IIM data
+    };
+    Kind kind = Kind::kExif;
+    ByteRange range;
+};
+
 /// A file as its format sees it, read once and then fixed. Holds no reference to the source.
 class PhotoFormat {
 public:
@@ -65,6 +76,9 @@ public:
 
     /// Why saving is impossible (kBroken or kRefused); nothing if it is possible.
     const std::optional<PhotoError>& Refusal() const noexcept { return refusal_; }
+
+    /// In file order, as far as the file's structure could be followed.
+    const std::vector<MetadataBlock>& Blocks() const noexcept { return blocks_; }
 
     /// Longest main packet that the place takes.
     std::size_t PacketLimitBytes() const noexcept { return limit_.bytes; }
@@ -101,6 +115,8 @@ protected:
     void Refuse(PhotoError::Kind kind, const std::string& reason);
     /// False for one more than any photo holds; the file is refused then.
     bool NotePacket(const ByteRange& packet);
+    /// More of them than any photo holds are forgotten.
+    void NoteBlock(MetadataBlock::Kind kind, const ByteRange& range);
 
 private:
     /// Plan() of a packet that is not too long, for a file that is not refused.
@@ -108,6 +124,7 @@ private:
 
     Limit limit_;
     std::vector<ByteRange> packets_;
+    std::vector<MetadataBlock> blocks_;
     std::optional<PhotoError> refusal_;
 };
 

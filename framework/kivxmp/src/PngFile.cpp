@@ -20,6 +20,7 @@ constexpr std::uint64_t kChecksumBytes = 4;
 constexpr std::uint64_t kImageHeaderBytes = 13;
 constexpr std::uint64_t kLongestChunk = 0x7FFFFFFF;
 constexpr std::string_view kTextType = "iTXt";
+constexpr std::string_view kExifType = "eXIf";
 constexpr std::string_view kKeyword = "XML:com.adobe.xmp\0"sv;
 // Behind the keyword: not compressed, method 0, no language, no translated keyword.
 constexpr std::string_view kPlainText = "\0\0\0\0"sv;
@@ -115,6 +116,8 @@ PngFile::PngFile(ByteSource& source)
     for (; next == Next::kChunk; next = ReadChunk(reader, position, chunk)) {
         if (chunk.type == kTextType) {
             NoteText(reader, chunk, source);
+        } else if (chunk.type == kExifType) {
+            NoteBlock(MetadataBlock::Kind::kExif, {chunk.Content(), chunk.contentBytes});
         }
     }
     // A packet that is there in full is the place, and what is missing lies behind it. Without one

@@ -114,6 +114,9 @@ bool TiffFile::ReadHeader(HeaderReader& reader)
         return false;
     }
     directory_.offset = Number(head, sizes_->firstOffsetAt, sizes_->number);
+    if (!IsBig()) {
+        NoteBlock(MetadataBlock::Kind::kTiff, {0, fileBytes_});
+    }
     return true;
 }
 

@@ -16,6 +16,7 @@ constexpr std::uint64_t kFirstChunk = 12;
 constexpr std::uint64_t kHeadBytes = 4 + 4;  // name and size
 constexpr std::uint64_t kLongestRiff = 0xFFFFFFFE;
 constexpr std::string_view kPacketName = "XMP ";
+constexpr std::string_view kExifName = "EXIF";
 constexpr std::string_view kExtendedName = "VP8X";
 
 // The VP8X chunk: flags, three bytes for later, width - 1 and height - 1 of 24 bits each.
@@ -96,6 +97,8 @@ WebpFile::WebpFile(ByteSource& source)
         }
         if (chunk->name == kPacketName) {
             NotePacketChunk(*chunk);
+        } else if (chunk->name == kExifName) {
+            NoteBlock(MetadataBlock::Kind::kExif, {chunk->Content(), chunk->contentBytes});
         } else if (chunk->name == kExtendedName && chunk->begin != kFirstChunk) {
             Refuse(PhotoError::Kind::kBroken,
                    "its structure is damaged: a header out of place" + AtByte(chunk->begin));

@@ -1,0 +1,96 @@
+#include "framework/kivxmp/src/MetadataBlocks.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "framework/kivxmp/src/ByteNumbers.h"
+#include "framework/kivxmp/src/CondensedTiff.h"
+
+namespace kivxmp::photo {
+
+namespace {
+
+using namespace std::string_view_literals;
+
+// In front of the TIFF stream in a JPEG segment; some writers put it into other formats, too.
+constexpr std::string_view kExifSignature = "Exif\0"sv;
+constexpr std::size_t kExifSignatureBytes = 6;  // the last byte is a filler
+
+constexpr std::size_t kResourceHeadBytes = 4 + 2;  // signature and number
+constexpr std::uint64_t kResourceIim = 0x0404;
+constexpr std::size_t kMaxResourceBlocks = 64;
+
+/// Nothing for what is too large, or is not there.
+std::string ReadBlock(ByteSource& source, const ByteRange& range)
+{
+    if (range.bytes > kBlockBytesLimit) {
+        return {};
+    }
+    std::string bytes(static_cast<std::size_t>(range.bytes), '\0');
+    bytes.resize(source.ReadAt(range.offset, bytes.data(), bytes.size()));
+    return bytes;
+}
+
+constexpr std::size_t Even(std::size_t bytes)
+{
+    return bytes + (bytes & 1);
+}
+
+}  // namespace
+
+std::string_view FindIim(std::string_view resources)
+{
+    // Signature, number, name (its length and itself, together even), length, content (even).
+    while (resources.size() > kResourceHeadBytes && resources.starts_with("8BIM")) {
+        const std::uint64_t number = GetNumber(resources, 4, 2, ByteOrder::kBig);
+        const std::size_t nameBytes =
+            Even(1 + std::size_t{static_cast<unsigned char>(resources[kResourceHeadBytes])});
+        const std::size_t lengthAt = kResourceHeadBytes + nameBytes;
+        if (!HasBytes(resources, lengthAt, 4)) {
+            break;
+        }
+        const std::uint64_t bytes = GetNumber(resources, lengthAt, 4, ByteOrder::kBig);
+        resources.remove_prefix(lengthAt + 4);
+        if (bytes > resources.size()) {
+            break;
+        }
+        if (number == kResourceIim) {
+            return resources.substr(0, static_cast<std::size_t>(bytes));
+        }
+        resources.remove_prefix(std::min(Even(static_cast<std::size_t>(bytes)), resources.size()));
+    }
+    return {};
+}
+
+MetadataBlocks ReadMetadataBlocks(const PhotoFormat& photo, ByteSource& source)
+{
+    MetadataBlocks blocks;
+    std::string resources;
+    std::size_t resourceBlocks = 0;
+    for (const MetadataBlock& block : photo.Blocks()) {
+        if (block.kind == MetadataBlock::Kind::kImageResources) {
+            // What one segment has no room for goes on in the next.
+            if (++resourceBlocks <= kMaxResourceBlocks) {
+                resources += ReadBlock(source, block.range);
+            }
+        } else if (!blocks.exif.empty()) {
+            continue;
+        } else if (block.kind == MetadataBlock::Kind::kTiff) {
+            CondensedTiff condensed = CondenseTiff(source);
+            blocks.exif = std::move(condensed.stream);
+            blocks.iim = std::move(condensed.iim);
+            resources = std::move(condensed.imageResources);
+        } else {
+            blocks.exif = ReadBlock(source, block.range);
+            if (blocks.exif.starts_with(kExifSignature)) {
+                blocks.exif.erase(0, kExifSignatureBytes);
+            }
+        }
+    }
+    if (blocks.iim.empty()) {
+        blocks.iim = FindIim(resources);
+    }
+    return blocks;
+}
+
+}  // namespace kivxmp::photo
