@@ -70,7 +70,7 @@ FOREIGN = {
     r"boost/uuid/detail/md5\.hpp|zlib\.h": ("framework/kivxmp",),
     r"boost/property_tree/detail/rapidxml\.hpp": ("svgloom/src",),
     # Of a processor; what includes it goes without where there is another.
-    r"emmintrin\.h": ("svgloom/src",),
+    r"immintrin\.h": ("svgloom/src",),
     r"agg2/.+": ("framework/kivui/src/scrivel", "bench"),
     r"(gtest|gmock)/.+": ("*tests",),
     r"(benchmark|unicode|librsvg)/.+|libintl\.h": ("bench",),

@@ -46,8 +46,9 @@ public:
     }
     void ClosePath()
     {
-        *at_ = static_cast<std::uint8_t>(PathSegments::Kind::kClose);
-        MoveOn(1);
+        std::uint8_t* const at = at_;
+        *at = static_cast<std::uint8_t>(PathSegments::Kind::kClose);
+        GoTo(at + 1);
     }
 
     /// Hands over what is left.
@@ -67,14 +68,16 @@ private:
     template <std::size_t count>
     void Append(PathSegments::Kind kind, const float (&coordinates)[count])
     {
-        *at_ = static_cast<std::uint8_t>(kind);
-        std::memcpy(at_ + 1, coordinates, sizeof coordinates);
-        MoveOn(1 + sizeof coordinates);
+        // Read once: bytes that are written might be those of `at_` itself.
+        std::uint8_t* const at = at_;
+        *at = static_cast<std::uint8_t>(kind);
+        std::memcpy(at + 1, coordinates, sizeof coordinates);
+        GoTo(at + 1 + sizeof coordinates);
     }
-    void MoveOn(std::size_t bytes)
+    void GoTo(std::uint8_t* at)
     {
-        at_ += bytes;
-        if (at_ > fullFrom_) {
+        at_ = at;
+        if (at > fullFrom_) [[unlikely]] {
             MakeRoom();
         }
     }

@@ -6,13 +6,12 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <limits>
 
 #include "svgloom/src/ArcToCurve.h"
 #include "svgloom/src/Characters.h"
 #include "svgloom/src/NumberReader.h"
-#include "svgloom/src/NumberWindow.h"
 #include "svgloom/src/PathBuffer.h"
+#include "svgloom/src/PathTokens.h"
 #include "svgloom/src/SVGStringParser.h"
 #include "svgloom/src/TraceText.h"
 
@@ -34,131 +33,426 @@ constexpr bool RepeatsCommand(char c)
     return IsDigit(c) || c == ',' || c == '-' || c == '.';
 }
 
+constexpr bool IsFlag(char c)
+{
+    return c == '0' || c == '1';
+}
+
 constexpr char RepeatOf(char command)
 {
     return command == 'M' ? 'L' : command == 'm' ? 'l' : command;
 }
 
-struct NumberAt {
-    const char* next;  // where reading stopped
-    float number;      // NaN if it cannot be read: numbers are finite
+/// What commands leave to those behind them.
+struct PathState {
+    char previous = 'm';  // command
+    Point position;
+    Point start;
+    Point cubicControl;
+    Point quadControl;
 };
 
-// Called, not inlined, so that a command can read its numbers one after the other without a loop,
-// whose end is hard to foresee; both results come back in registers.
-[[gnu::noinline]] NumberAt ReadSeparated(const char* current, const char* end)
+Point Reflected(const Point& position, const Point& control)
 {
-    float number = 0;
-    SkipSeparator(current, end);
-    return ReadNumber(current, end, number)
-               ? NumberAt{current, number}
-               : NumberAt{current, std::numeric_limits<float>::quiet_NaN()};
+    return {2 * position.x - control.x, 2 * position.y - control.y};
 }
 
-/// A text with the operations of NumberWindow, read byte by byte.
-class PlainText {
+/// The start of a subpath behind a close without a move: its start with its x for both coordinates,
+/// on purpose; artwork has been drawn with it. It is only emitted: relative coordinates count from
+/// the true start. ParsePath.TheMoveBehindACloseTakesXTwice holds this.
+void MoveBehindClose(const PathState& state, PathBuffer& path)
+{
+    path.MoveTo(state.position.x, state.position.x);
+}
+
+/// Carries out the commands of a piece, as far as they are what they should be. All is inlined into
+/// Read(), so that the state stays in registers.
+class PieceReader {
 public:
-    using Place = const char*;
-    struct Outcome {
-        Place next;
-        bool isRead;
-    };
+    PieceReader(const PathTokens& tokens, const PathState& state, PathBuffer& path)
+        : tokens_(tokens),
+          path_(path),
+          state_(state),
+          command_(tokens.Commands()),
+          number_(tokens.Numbers()),
+          value_(tokens.Values())
+    {
+    }
 
-    PlainText(const char* text, const char* end) : text_(text), end_(end) {}
-
-    Place First() const { return text_; }
-    static Place Behind(Place at) { return at + 1; }
-    static const char* PointerTo(Place at) { return at; }
-    bool Look(Place& at, char& c) const
+    /// Returns the place of the first command or repeat that is not carried out; the end of the
+    /// piece if there is none.
+    [[gnu::always_inline]] PathTokens::Place Read()
     {
-        if (at == end_) {
-            return false;
+        next_ = *command_;
+        if (IsClose(state_.previous) && !GoBehindClose(state_.previous)) {
+            return *number_;
         }
-        c = *at;
-        return true;
-    }
-    bool LookBehindSpace(Place& at, char& c) const
-    {
-        SkipSpace(at, end_);
-        return Look(at, c);
-    }
-    bool ReadFlag(Place& at, bool& flag) const
-    {
-        SkipSeparator(at, end_);
-        if (at == end_ || (*at != '0' && *at != '1')) {
-            return false;
-        }
-        flag = *at++ == '1';
-        return true;
-    }
-    template <std::size_t count>
-    [[gnu::always_inline]] Outcome Read(Place at, float (&numbers)[count]) const
-    {
-// The end of a loop is hard to foresee.
-#pragma GCC unroll 6
-        for (float& number : numbers) {
-            const NumberAt read = ReadSeparated(at, end_);
-            at = read.next;
-            number = read.number;
-            if (std::isnan(number)) {
-                return {at, false};
+        PathTokens::Place place = 0;
+        char command = RepeatOf(state_.previous);
+        if (!HasMore()) {
+            if (next_ == tokens_.End()) {
+                return next_;
             }
+            command = TakeCommand(place);
         }
-        return {at, true};
+        for (;;) {
+            const PathTokens::Place* const first = number_;
+            if (!Execute(command)) [[unlikely]] {
+                if (number_ == first && !IsClose(command)) {
+                    return place;
+                }
+                state_.previous = command;
+                return *number_;
+            }
+            state_.previous = command;
+            if (next_ == tokens_.End()) {
+                return next_;
+            }
+            command = TakeCommand(place);
+        }
     }
+
+    const PathState& State() const { return state_; }
 
 private:
-    const char* const text_;
-    const char* const end_;
+    enum class Origin { kPage, kPosition };
+
+    /// One command with its repeats. False if it, or a repeat, is not carried out; the numbers of
+    /// that are still to be taken.
+    [[gnu::always_inline]] bool Execute(char& command)
+    {
+        switch (command) {
+            case 'M':
+                return MoveTo<Origin::kPage>();
+            case 'm':
+                return MoveTo<Origin::kPosition>();
+            case 'L':
+                return LineTo<Origin::kPage>();
+            case 'l':
+                return LineTo<Origin::kPosition>();
+            case 'H':
+                return HorizontalTo<Origin::kPage>();
+            case 'h':
+                return HorizontalTo<Origin::kPosition>();
+            case 'V':
+                return VerticalTo<Origin::kPage>();
+            case 'v':
+                return VerticalTo<Origin::kPosition>();
+            case 'C':
+                return CurveTo<Origin::kPage>();
+            case 'c':
+                return CurveTo<Origin::kPosition>();
+            case 'S':
+                return SmoothCurveTo<Origin::kPage>();
+            case 's':
+                return SmoothCurveTo<Origin::kPosition>();
+            case 'Q':
+                return QuadTo<Origin::kPage>();
+            case 'q':
+                return QuadTo<Origin::kPosition>();
+            case 'T':
+                return SmoothQuadTo<Origin::kPage>();
+            case 't':
+                return SmoothQuadTo<Origin::kPosition>();
+            case 'A':
+                return ArcTo<Origin::kPage>();
+            case 'a':
+                return ArcTo<Origin::kPosition>();
+            case 'Z':
+            case 'z':
+                return Close(command);
+            default:
+                return false;
+        }
+    }
+
+    /// Returns the next command, and where it stands.
+    char TakeCommand(PathTokens::Place& place)
+    {
+        place = next_;
+        next_ = *++command_;
+        return *tokens_.At(place);
+    }
+    bool Has(std::size_t count) const { return number_[count - 1] < next_; }
+    bool HasMore() const { return *number_ < next_; }
+    void Take(std::size_t count)
+    {
+        number_ += count;
+        value_ += count;
+    }
+    template <Origin origin>
+    float X(float x) const
+    {
+        return origin == Origin::kPosition ? x + state_.position.x : x;
+    }
+    template <Origin origin>
+    float Y(float y) const
+    {
+        return origin == Origin::kPosition ? y + state_.position.y : y;
+    }
+    template <Origin origin>
+    Point PointAt(std::size_t index) const
+    {
+        return {X<origin>(value_[index]), Y<origin>(value_[index + 1])};
+    }
+
+    void AddLine(const Point& to)
+    {
+        path_.LineTo(to);
+        state_.position = to;
+    }
+    void AddCurve(const Point& first, const Point& second, const Point& to)
+    {
+        path_.CurveTo(first, second, to);
+        state_.cubicControl = second;
+        state_.position = to;
+    }
+    void AddQuad(const Point& control, const Point& to)
+    {
+        path_.QuadTo(control, to);
+        state_.quadControl = control;
+        state_.position = to;
+    }
+
+    template <Origin origin>
+    bool MoveTo()
+    {
+        if (!Has(2)) {
+            return false;
+        }
+        state_.position = state_.start = PointAt<origin>(0);
+        path_.MoveTo(state_.position.x, state_.position.y);
+        Take(2);
+        return !HasMore() || LineTo<origin>();
+    }
+    template <Origin origin>
+    bool LineTo()
+    {
+        do {
+            if (!Has(2)) {
+                return false;
+            }
+            AddLine(PointAt<origin>(0));
+            Take(2);
+        } while (HasMore());
+        return true;
+    }
+    template <Origin origin>
+    bool HorizontalTo()
+    {
+        do {
+            if (!Has(1)) {
+                return false;
+            }
+            AddLine({X<origin>(value_[0]), state_.position.y});
+            Take(1);
+        } while (HasMore());
+        return true;
+    }
+    template <Origin origin>
+    bool VerticalTo()
+    {
+        do {
+            if (!Has(1)) {
+                return false;
+            }
+            AddLine({state_.position.x, Y<origin>(value_[0])});
+            Take(1);
+        } while (HasMore());
+        return true;
+    }
+    template <Origin origin>
+    bool CurveTo()
+    {
+        do {
+            if (!Has(6)) {
+                return false;
+            }
+            AddCurve(PointAt<origin>(0), PointAt<origin>(2), PointAt<origin>(4));
+            Take(6);
+        } while (HasMore());
+        return true;
+    }
+    template <Origin origin>
+    bool SmoothCurveTo()
+    {
+        do {
+            if (!Has(4)) {
+                return false;
+            }
+            // Always the reflection, whatever command came before.
+            AddCurve(Reflected(state_.position, state_.cubicControl), PointAt<origin>(0),
+                     PointAt<origin>(2));
+            Take(4);
+        } while (HasMore());
+        return true;
+    }
+    template <Origin origin>
+    bool QuadTo()
+    {
+        do {
+            if (!Has(4)) {
+                return false;
+            }
+            AddQuad(PointAt<origin>(0), PointAt<origin>(2));
+            Take(4);
+        } while (HasMore());
+        return true;
+    }
+    template <Origin origin>
+    bool SmoothQuadTo()
+    {
+        const char before = ToLower(state_.previous);
+        bool isBehindQuad = before == 'q' || before == 't';
+        do {
+            if (!Has(2)) {
+                return false;
+            }
+            AddQuad(isBehindQuad ? Reflected(state_.position, state_.quadControl) : state_.position,
+                    PointAt<origin>(0));
+            Take(2);
+            isBehindQuad = true;
+        } while (HasMore());
+        return true;
+    }
+    template <Origin origin>
+    bool ArcTo()
+    {
+        do {
+            // Flags may touch each other and the number behind them.
+            const char* const large = tokens_.At(number_[3]);
+            std::size_t count = 4;
+            const char* const sweep = IsDigit(large[1]) ? large + 1 : tokens_.At(number_[count++]);
+            const bool touchesNumber = IsDigit(sweep[1]) || sweep[1] == '.';
+            const std::size_t x = count;
+            count += touchesNumber ? 1 : 2;
+            if (!Has(count) || !IsFlag(*large) || large[1] == '.' || !IsFlag(*sweep)) {
+                return false;
+            }
+            Point to;
+            if (touchesNumber) {
+                const char* current = sweep + 1;
+                if (!ReadNumber(current, tokens_.At(tokens_.End()), to.x)) {
+                    return false;
+                }
+            } else {
+                to.x = value_[x];
+            }
+            to.y = value_[count - 1];
+            Arc arc;
+            arc.rx = value_[0];
+            arc.ry = value_[1];
+            arc.rotationDegrees = value_[2];
+            arc.large = *large == '1';
+            arc.sweep = *sweep == '1';
+            arc.to = {X<origin>(to.x), Y<origin>(to.y)};
+            ArcToCurve(Point(state_.position), arc, path_);
+            state_.position = arc.to;
+            Take(count);
+        } while (HasMore());
+        return true;
+    }
+    bool Close(char& command)
+    {
+        path_.ClosePath();
+        state_.position = state_.start;
+        return GoBehindClose(command);
+    }
+    /// Skips further closes, and makes the move that takes the place of `command` then. False if
+    /// there are numbers.
+    bool GoBehindClose(char& command)
+    {
+        for (; next_ != tokens_.End() && !HasMore(); next_ = *++command_) {
+            const char following = *tokens_.At(next_);
+            if (!IsClose(following)) {
+                if (ToLower(following) != 'm') {
+                    MoveBehindClose(state_, path_);
+                    command = 'm';
+                }
+                return true;
+            }
+        }
+        return !HasMore();
+    }
+
+    const PathTokens& tokens_;
+    PathBuffer& path_;
+    PathState state_;
+    const PathTokens::Place* command_;
+    const PathTokens::Place* number_;
+    const float* value_;
+    PathTokens::Place next_ = 0;  // where the numbers of the command end
 };
 
 // Everything but the numbers is inlined into Read(), so that the state stays in registers: its only
 // other home would be memory that each number has to pass through.
-template <class Text>
 class PathReader {
 public:
-    PathReader(Text& text, PathBuffer& path, PathNotes* notes)
-        : text_(text), path_(path), notes_(notes), at_(text.First())
+    PathReader(std::string_view text, PathBuffer& path, PathNotes* notes)
+        : at_(text.data()), end_(text.data() + text.size()), path_(path), notes_(notes)
     {
     }
 
     void Read()
     {
-        if (!ReadCommands()) {
+        if (!ReadAll()) {
             Note(PathNote::kStopped, at_);
         }
         path_.Flush();
     }
 
 private:
-    using Place = typename Text::Place;
-
     enum class Outcome { kDone, kUnreadable, kUnknown };
 
-    void Note(PathNote note, Place place)
+    void Note(PathNote note, const char* place)
     {
         if (notes_ != nullptr) {
-            notes_->Add(note, text_.PointerTo(place));
+            notes_->Add(note, place);
         }
     }
 
     /// False if it stopped early.
-    [[gnu::always_inline]] bool ReadCommands()
+    bool ReadAll()
     {
-        char command = '\0';
-        if (!text_.LookBehindSpace(at_, command)) {
+        if (!SkipSpace(at_, end_)) {
             return true;
         }
-        if (ToLower(command) != 'm') {
-            return false;
+        return ToLower(*at_) == 'm' &&
+               (notes_ != nullptr || !PathTokens::IsSupported() || ReadPieces()) &&
+               ReadCommands(end_);
+    }
+
+    /// False if it stopped before the end.
+    bool ReadPieces()
+    {
+        // So much is read step by step behind what is not as in most paths.
+        constexpr std::ptrdiff_t kSteps = 1024;
+        PathTokens tokens;
+        while (at_ != end_) {
+            tokens.Find(at_, end_);
+            PieceReader piece(tokens, state_, path_);
+            const PathTokens::Place place = piece.Read();
+            state_ = piece.State();
+            at_ += place;
+            if ((place == 0 || place != tokens.End()) &&
+                !ReadCommands(end_ - at_ > kSteps ? at_ + kSteps : end_)) {
+                return false;
+            }
         }
-        while (text_.LookBehindSpace(at_, command)) {
+        return true;
+    }
+
+    /// Reads commands that begin before `limit`. False if it stopped early.
+    [[gnu::noinline]] bool ReadCommands(const char* limit)
+    {
+        while (at_ < limit && SkipSpace(at_, end_)) {
+            char command = *at_;
             if (!RepeatsCommand(command)) {
-                at_ = text_.Behind(at_);
-            } else if (IsClose(previous_)) {
+                ++at_;
+            } else if (IsClose(state_.previous)) {
                 return false;
             } else {
-                command = RepeatOf(previous_);
+                command = RepeatOf(state_.previous);
             }
             if (!Execute(command)) {
                 return false;
@@ -171,36 +465,33 @@ private:
     [[gnu::always_inline]] bool Execute(char command)
     {
         for (;;) {
-            if (IsClose(previous_)) {
+            if (IsClose(state_.previous)) {
                 if (IsClose(command)) {
                     return true;
                 }
                 if (ToLower(command) != 'm') {
-                    // The start of the subpath with its x for both coordinates, on purpose; artwork
-                    // has been drawn with it. It is only emitted: relative coordinates count from
-                    // the true start. ParsePath.TheMoveBehindACloseTakesXTwice holds this.
-                    path_.MoveTo(position_.x, position_.x);
-                    if (position_.x != position_.y) {
+                    MoveBehindClose(state_, path_);
+                    if (state_.position.x != state_.position.y) {
                         Note(PathNote::kMoveBehindClose, at_);
                     }
                 }
             }
             const Outcome outcome = Dispatch(command);
-            previous_ = command;
+            state_.previous = command;
             if (outcome != Outcome::kUnknown) {
                 return outcome == Outcome::kDone;
             }
             if (notes_ != nullptr) {
-                notes_->Add(PathNote::kUnknownCommand, text_.PointerTo(at_) - 1);
+                notes_->Add(PathNote::kUnknownCommand, at_ - 1);
             }
             if (unhandledSite.Enabled()) {
                 unhandledSite.Write((TraceText("parsePathString UNHANDLED: ") << command).Text());
             }
             // Whatever comes next is the next command, white space included.
-            if (!text_.Look(at_, command)) {
+            if (at_ == end_) {
                 return false;
             }
-            at_ = text_.Behind(at_);
+            command = *at_++;
         }
     }
 
@@ -208,8 +499,8 @@ private:
     {
         const bool relative = command >= 'a';
         // Negative zero adds nothing, not even to the sign of a zero.
-        const Point origin = relative ? position_ : Point{-0.0f, -0.0f};
-        const char* const start = text_.PointerTo(at_);
+        const Point origin = relative ? state_.position : Point{-0.0f, -0.0f};
+        const char* const start = at_;
         Point points[3];
         float number[1] = {};
         switch (ToLower(command)) {
@@ -217,8 +508,8 @@ private:
                 if (!ReadPoints<1>(origin, points)) {
                     return Outcome::kUnreadable;
                 }
-                position_ = start_ = points[0];
-                path_.MoveTo(position_.x, position_.y);
+                state_.position = state_.start = points[0];
+                path_.MoveTo(state_.position.x, state_.position.y);
                 return Outcome::kDone;
             case 'l':
                 if (!ReadPoints<1>(origin, points)) {
@@ -226,10 +517,10 @@ private:
                 }
                 return LineTo(points[0]);
             case 'h':
-                return ReadNumbers(number) ? LineTo({number[0] + origin.x, position_.y})
+                return ReadNumbers(number) ? LineTo({number[0] + origin.x, state_.position.y})
                                            : Outcome::kUnreadable;
             case 'v':
-                return ReadNumbers(number) ? LineTo({position_.x, number[0] + origin.y})
+                return ReadNumbers(number) ? LineTo({state_.position.x, number[0] + origin.y})
                                            : Outcome::kUnreadable;
             case 'c':
                 if (!ReadPoints<3>(origin, points)) {
@@ -244,7 +535,8 @@ private:
                     return Outcome::kUnreadable;
                 }
                 // Always the reflection, whatever command came before.
-                return CurveTo(Reflected(cubicControl_), points[0], points[1]);
+                return CurveTo(Reflected(state_.position, state_.cubicControl), points[0],
+                               points[1]);
             case 'q':
                 if (!ReadPoints<2>(origin, points)) {
                     return Outcome::kUnreadable;
@@ -254,15 +546,17 @@ private:
                 if (!ReadPoints<1>(origin, points)) {
                     return Outcome::kUnreadable;
                 }
-                const char before = ToLower(previous_);
-                return QuadTo(before == 'q' || before == 't' ? Reflected(quadControl_) : position_,
+                const char before = ToLower(state_.previous);
+                return QuadTo(before == 'q' || before == 't'
+                                  ? Reflected(state_.position, state_.quadControl)
+                                  : state_.position,
                               points[0], start);
             }
             case 'a': {
                 Arc arc;
                 float shape[3] = {};
-                if (!ReadNumbers(shape) || !text_.ReadFlag(at_, arc.large) ||
-                    !text_.ReadFlag(at_, arc.sweep) || !ReadPoints<1>(origin, points)) {
+                if (!ReadNumbers(shape) || !ReadFlag(arc.large) || !ReadFlag(arc.sweep) ||
+                    !ReadPoints<1>(origin, points)) {
                     return Outcome::kUnreadable;
                 }
                 arc.rx = shape[0];
@@ -273,7 +567,7 @@ private:
             }
             case 'z':
                 path_.ClosePath();
-                position_ = start_;
+                state_.position = state_.start;
                 return Outcome::kDone;
             default:
                 return Outcome::kUnknown;
@@ -283,9 +577,23 @@ private:
     template <std::size_t count>
     [[gnu::always_inline]] bool ReadNumbers(float (&numbers)[count])
     {
-        const auto outcome = text_.Read(at_, numbers);
-        at_ = outcome.next;
-        return outcome.isRead;
+        for (float& number : numbers) {
+            SkipSeparator(at_, end_);
+            if (!ReadNumber(at_, end_, number)) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    bool ReadFlag(bool& flag)
+    {
+        SkipSeparator(at_, end_);
+        if (at_ == end_ || !IsFlag(*at_)) {
+            return false;
+        }
+        flag = *at_++ == '1';
+        return true;
     }
 
     template <std::size_t count>
@@ -304,15 +612,15 @@ private:
     Outcome LineTo(const Point& to)
     {
         path_.LineTo(to);
-        position_ = to;
+        state_.position = to;
         return Outcome::kDone;
     }
 
     Outcome CurveTo(const Point& first, const Point& second, const Point& to)
     {
         path_.CurveTo(first, second, to);
-        cubicControl_ = second;
-        position_ = to;
+        state_.cubicControl = second;
+        state_.position = to;
         return Outcome::kDone;
     }
 
@@ -322,8 +630,8 @@ private:
             notes_->AddQuadratic(start, QuadraticDistance(control, to));
         }
         path_.QuadTo(control, to);
-        quadControl_ = control;
-        position_ = to;
+        state_.quadControl = control;
+        state_.position = to;
         return Outcome::kDone;
     }
 
@@ -332,8 +640,8 @@ private:
         if (notes_ != nullptr) {
             NoteArc(arc, start);
         }
-        ArcToCurve(Point(position_), arc, path_);
-        position_ = arc.to;
+        ArcToCurve(Point(state_.position), arc, path_);
+        state_.position = arc.to;
         return Outcome::kDone;
     }
 
@@ -352,8 +660,8 @@ private:
     float QuadraticDistance(const Point& control, const Point& to) const
     {
         constexpr float kPart = 1.0f / 16;
-        const Point a = {control.x - position_.x, control.y - position_.y};
-        const Point b = {to.x - position_.x, to.y - position_.y};
+        const Point a = {control.x - state_.position.x, control.y - state_.position.y};
+        const Point b = {to.x - state_.position.x, to.y - state_.position.y};
         const float base = std::max(std::hypot(b.x, b.y), std::hypot(a.x, a.y));
         return base > 0 ? kPart * std::abs(a.x * b.y - a.y * b.x) / base : 0;
     }
@@ -373,27 +681,19 @@ private:
     /// Where the standard reflects nothing, the control point is where the path is.
     void NoteSmoothStart(const char* start)
     {
-        const char before = ToLower(previous_);
+        const char before = ToLower(state_.previous);
         if (before != 'c' && before != 's' &&
-            (cubicControl_.x != position_.x || cubicControl_.y != position_.y)) {
+            (state_.cubicControl.x != state_.position.x ||
+             state_.cubicControl.y != state_.position.y)) {
             notes_->Add(PathNote::kSmoothStart, start);
         }
     }
 
-    Point Reflected(const Point& control) const
-    {
-        return {2 * position_.x - control.x, 2 * position_.y - control.y};
-    }
-
-    Text& text_;
+    const char* at_;
+    const char* const end_;
     PathBuffer& path_;
     PathNotes* const notes_;
-    Place at_;
-    char previous_ = 'm';
-    Point position_;
-    Point start_;
-    Point cubicControl_;
-    Point quadControl_;
+    PathState state_;
 };
 
 }  // namespace
@@ -402,16 +702,7 @@ void SVGStringParser::ParsePath(std::string_view text, Path& path, PathNotes* no
 {
     const bool traces = unhandledSite.Enabled();
     PathBuffer buffer(path, traces ? PathBuffer::Mode::kEachAtOnce : PathBuffer::Mode::kPacked);
-    // From here on what a window costs pays.
-    constexpr std::size_t kLong = 1024;
-    const char* const end = text.data() + text.size();
-    if (text.size() < kLong) {
-        PlainText plain(text.data(), end);
-        PathReader(plain, buffer, notes).Read();
-    } else {
-        NumberWindow window(text.data(), end);
-        PathReader(window, buffer, notes).Read();
-    }
+    PathReader(text, buffer, notes).Read();
 }
 
 }  // namespace SVGLoom
