@@ -2,9 +2,10 @@
 
 usage: real_photos.py PHOTO_EDITOR FOLDER...
 
-Every file below the folders is copied and given a title. It is saved, in the photo or in a sidecar,
-or refused with a reason and left untouched. Of a saved photo ExifTool and Exiv2 must read the same as
-before but for the title, and ImageMagick decode the same pixels. Exit status 1 if one does not.
+Every photo and graphic below the folders is copied and given a title. It is saved, in the photo or in
+a sidecar, or refused with a reason and left untouched. Of a saved photo ExifTool and Exiv2 must read
+the same as before but for the title, and ImageMagick decode the same pixels. Exit status 1 if one
+does not. Prints for each folder what became of its files, and a table of the refused ones by reason.
 """
 
 import collections
@@ -26,30 +27,46 @@ EDIT = f"dc:title[@x-default]={TITLE}"
 LEFT_OUT = re.compile(r"SourceFile$|System:|ExifTool:|File:(Line|Word)Count$|XMP-x:XMPToolkit$"
                       r"|XMP-xmpNote:HasExtendedXMP$|XMP-dc:(Copy\d+:)?Title")
 
+# Also the broken ones among test data, which as a rule have no other name than "poc".
+EXTENSIONS = """avif bmp btf cr2 cr3 crw dng eps gif heic heif hif jp2 jpe jpeg jpg jxl mrw nef orf pef
+    pgf png psd raf rw2 sr2 srw tga tif tiff webp xmp""".split()
+SIGNATURES = (b"\xff\xd8\xff", b"\x89PNG", b"II*\0", b"MM\0*", b"II+\0", b"MM\0+", b"RIFF", b"GIF8")
+
+
+def is_photo(path):
+    if path.is_symlink() or not path.is_file():
+        return False
+    with path.open("rb") as file:
+        return path.suffix.lower()[1:] in EXTENSIONS or file.read(4).startswith(SIGNATURES)
+
 
 def run(*command):
     return subprocess.run(command, capture_output=True, timeout=120, check=False)
 
 
-def exiftool(path):
-    """Everything but the title and what the file system knows; order and doubles count."""
-    run_ = run("exiftool", "-j", "-a", "-G1:4", "-struct", "-api", "QuickTimeUTC", path)
+def exiftool(*paths):
+    """For each file everything but the title and what the file system knows; order and doubles
+    count."""
+    run_ = run("exiftool", "-j", "-a", "-G1:4", "-struct", "-api", "QuickTimeUTC", *paths)
     try:
-        [told] = json.loads(run_.stdout)
-    except (ValueError, json.JSONDecodeError):
-        return None
-    return {
-        key: value for key, value in told.items()
-        if not LEFT_OUT.match(key)
-    }  # fmt: skip
+        told = json.loads(run_.stdout)
+    except ValueError:
+        told = []
+    read = {file["SourceFile"]: file for file in told}
+    return [
+        {key: value for key, value in read[str(path)].items() if not LEFT_OUT.match(key)}
+        if str(path) in read else None
+        for path in paths
+    ]  # fmt: skip
 
 
 def exiv2(path):
+    left_out = ["Exif.Image.XMLPacket", "Xmp.dc.title", "Xmp.xmpNote.HasExtendedXMP"]
+    if path.suffix == ".xmp":
+        # Of a sidecar Exiv2 makes an IIM title out of ours, and says in which characters.
+        left_out += ["Iptc.Application2.ObjectName", "Iptc.Envelope.CharacterSet"]
     lines = run("exiv2", "-pa", path).stdout.decode("utf-8", "replace").splitlines()
-    # Of a sidecar Exiv2 makes an IIM title out of ours.
-    return [line for line in lines if not line.startswith(
-        ("Exif.Image.XMLPacket", "Xmp.dc.title", "Xmp.xmpNote.HasExtendedXMP",
-         "Iptc.Application2.ObjectName" if path.suffix == ".xmp" else "Exif.Image.XMLPacket"))]  # fmt: skip
+    return [line for line in lines if not line.startswith(tuple(left_out))]
 
 
 def pixels(path):
@@ -61,14 +78,15 @@ def pixels(path):
 def differences(before, after):
     """The readings that differ, as texts."""
     told = []
-    old, new = exiftool(before), exiftool(after)
+    old, new = exiftool(before, after)
     if old is not None and new is not None:
         told += [f"exiftool {key}: {old.get(key)!r} became {new.get(key)!r}"
                  for key in sorted(old.keys() | new.keys()) if old.get(key) != new.get(key)]  # fmt: skip
     elif old != new:
         told.append("exiftool does not read it any more")
-    gone = collections.Counter(exiv2(before)) - collections.Counter(exiv2(after))
-    told += [f"exiv2 no longer: {line}" for line in gone]
+    old, new = collections.Counter(exiv2(before)), collections.Counter(exiv2(after))
+    told += [f"exiv2 no longer: {line}" for line in old - new]
+    told += [f"exiv2 newly: {line}" for line in new - old]
     if pixels(before) != pixels(after):
         told.append("other pixels")
     # ExifTool does not take RDF without its usual frame for XMP.
@@ -101,23 +119,44 @@ def judge(photo, editor):
         return "saved", copy.suffix.lower(), found
 
 
-def main(editor, *folders):
-    photos = [path for folder in folders for path in sorted(pathlib.Path(folder).rglob("*"))
-              if path.is_file() and not path.is_symlink()]  # fmt: skip
-    outcomes = collections.Counter()
-    wrong = 0
-    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        results = pool.map(lambda photo: judge(photo, editor), photos)
-        for number, (photo, (outcome, reason, found)) in enumerate(zip(photos, results), 1):
-            outcomes[outcome, reason] += 1
-            if found or outcome == "FAILED":
-                wrong += 1
-                print(f"{photo}: {outcome} {reason}", *found, sep="\n    ")
-            if number % 50 == 0:
-                print(f"{number} of {len(photos)}", file=sys.stderr)
-    for (outcome, reason), count in sorted(outcomes.items(), key=lambda row: (row[0][0], -row[1])):
+def print_table(results):
+    """What became of the files of one folder."""
+    counts = collections.Counter((outcome, reason) for _, outcome, reason, _ in results
+                                 if outcome != "refused")  # fmt: skip
+    for (outcome, reason), count in sorted(counts.items()):
         print(f"{count:5} {outcome} {reason}")
-    print(f"{len(photos)} files, {wrong} wrong")
+    refused = collections.defaultdict(list)
+    for photo, outcome, reason, _ in results:
+        if outcome == "refused":
+            # Places in the file and sizes are not the reason.
+            reason = re.sub(r"( at (byte|line) \d+.*)|(: (?=no element found|not well-formed).*)", "", reason)
+            refused[re.sub(r"\d+", "N", reason)].append(photo.name)
+    print("\n| refused because | files | for example |\n|---|---|---|")
+    for reason, names in sorted(refused.items(), key=lambda row: (-len(row[1]), row[0])):
+        print(f"| {reason} | {len(names)} | `{names[0]}` |")
+    print()
+
+
+def main(editor, *folders):
+    wrong = total = 0
+    for folder in folders:
+        photos = [path for path in sorted(pathlib.Path(folder).rglob("*")) if is_photo(path)]
+        results = []
+        with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+            judged = pool.map(lambda photo: judge(photo, editor), photos)
+            for number, (photo, (outcome, reason, found)) in enumerate(zip(photos, judged), 1):
+                results.append((photo, outcome, reason, found))
+                if found or outcome == "FAILED":
+                    wrong += 1
+                    print(f"{photo}: {outcome} {reason}", *found, sep="\n    ")
+                if number % 50 == 0:
+                    print(f"{folder}: {number} of {len(photos)}", file=sys.stderr)
+        outcomes = collections.Counter(outcome for _, outcome, _, _ in results)
+        print(f"\n{folder}: {len(photos)} files,",
+              ", ".join(f"{count} {outcome}" for outcome, count in sorted(outcomes.items())))  # fmt: skip
+        print_table(results)
+        total += len(photos)
+    print(f"{total} files, {wrong} wrong")
     return 1 if wrong else 0
 
 
