@@ -67,6 +67,31 @@ TEST_F(PhotoFileSystemTest, RefusedByTheSystem)
     EXPECT_EQ(Retitle("p.jpg"), 0);
 }
 
+TEST_F(PhotoFileSystemTest, ASidecarThatMayNotBeRead)
+{
+    folder_.Write("p.jpg", photo_);
+    folder_.Write("p.gif", "GIF89a");
+    HANDLE held[2] = {};
+    int count = 0;
+    for (const char* const name : {"p.jpg.xmp", "p.gif.xmp"}) {
+        folder_.Write(name, test::SmallPacket("beside"));
+        held[count] = CreateFileW(folder_.Of(name).c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING,
+                                  0, nullptr);
+        ASSERT_NE(held[count++], INVALID_HANDLE_VALUE);
+    }
+    const PhotoInfo info = GetPhotoInfo(*OpenPhoto(folder_.Path("p.jpg")));
+    EXPECT_TRUE(info.canSave);
+    EXPECT_THAT(info.note, ::testing::StartsWith("the sidecar "));
+    EXPECT_THAT(info.note, HasSubstr("in use by another program"));
+    const PhotoInfo gif = GetPhotoInfo(*OpenPhoto(folder_.Path("p.gif")));
+    EXPECT_FALSE(gif.canSave);
+    EXPECT_THAT(gif.reason, HasSubstr("in use by another program"));
+    EXPECT_EQ(Retitle("p.gif"), kKivXmpFileUnsupported);
+    CloseHandle(held[0]);
+    CloseHandle(held[1]);
+    EXPECT_EQ(Title("p.gif"), "beside");
+}
+
 TEST_F(PhotoFileSystemTest, TheSystemsOwnErrorsOfReplacing)
 {
     folder_.Write("p.jpg", photo_);
