@@ -62,7 +62,7 @@ Day DayOf(std::string_view year, std::string_view month, std::string_view day)
     if (IsBlank(month) || month == "00") {
         return result;
     }
-    if (!AreDigits(month) || NumberOf(month) > 12) {
+    if (month.size() != 2 || !AreDigits(month) || NumberOf(month) > 12) {
         return {};
     }
     result.text += '-';
@@ -70,7 +70,8 @@ Day DayOf(std::string_view year, std::string_view month, std::string_view day)
     if (IsBlank(day) || day == "00") {
         return result;
     }
-    if (!AreDigits(day) || NumberOf(day) > DaysOf(NumberOf(year), NumberOf(month))) {
+    if (day.size() != 2 || !AreDigits(day) ||
+        NumberOf(day) > DaysOf(NumberOf(year), NumberOf(month))) {
         return {};
     }
     result.text += '-';

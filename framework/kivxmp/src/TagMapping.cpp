@@ -242,6 +242,15 @@ std::vector<MappedProperty> MapTags(const TagList& exif, const TagList& iim)
     return properties;
 }
 
+std::vector<MappingRow> MappingRows()
+{
+    std::vector<MappingRow> rows;
+    for (const Row& row : kRows) {
+        rows.push_back({row.tag, row.prefix, row.name});
+    }
+    return rows;
+}
+
 bool IsMappedTag(std::string_view name)
 {
     return std::any_of(std::begin(kRows), std::end(kRows),

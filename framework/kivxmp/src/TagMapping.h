@@ -35,6 +35,14 @@ struct MappedProperty {
 /// zeros for dates, denominators of zero) are left out. Names of the result outlive the tags.
 std::vector<MappedProperty> MapTags(const TagList& exif, const TagList& iim);
 
+/// The table behind it: the rows for one property in the order in which they count.
+struct MappingRow {
+    std::string_view tag;
+    std::string_view prefix;
+    std::string_view name;
+};
+std::vector<MappingRow> MappingRows();
+
 /// True for tags that MapTags looks at.
 bool IsMappedTag(std::string_view name);
 

@@ -1,0 +1,220 @@
+#include "framework/kivxmp/src/MetadataBlocks.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "framework/kivxmp/src/CondensedTiff.h"
+#include "framework/kivxmp/src/IimBlock.h"
+#include "framework/kivxmp/src/TagValue.h"
+#include "framework/kivxmp/tests/ExifBuilder.h"
+#include "framework/kivxmp/tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/PhotoBuilders.h"
+
+namespace kivxmp::photo {
+namespace {
+
+using namespace std::string_literals;
+using namespace std::string_view_literals;
+using test::ExifStream;
+using test::Iim;
+using test::ImageResource;
+using test::Jpeg;
+using test::Png;
+using test::ResourcesSegment;
+using test::Webp;
+
+constexpr unsigned char kApp1 = 0xE1;
+constexpr unsigned char kApp13 = 0xED;
+constexpr unsigned kIimNumber = 0x0404;
+
+MetadataBlocks Read(const std::string& file)
+{
+    MemorySource source(file);
+    const FormatRow* const row = RecogniseFormat(source);
+    return ReadMetadataBlocks(*row->read(source), source);
+}
+
+const std::string& Stream()
+{
+    static const std::string& stream = *new std::string(
+        ExifStream(ByteOrder::kBig).Ascii(ExifStream::kImage, 271, "Kivo").Bytes());
+    return stream;
+}
+
+TEST(MetadataBlocks, Jpeg)
+{
+    const std::string iim = Iim().Add(2, 5, "Harbour").Bytes();
+    const std::string file =
+        Jpeg()
+            .Segment(kApp13, ResourcesSegment(ImageResource(1005, "ppi", "a name") +
+                                              ImageResource(kIimNumber, iim)))
+            .Segment(kApp1, "Exif\0\0"s + Stream())
+            .Segment(kApp1, "Exif\0\0second"sv)
+            .Scan()
+            .Bytes();
+    EXPECT_EQ(Read(file).exif, Stream());
+    EXPECT_EQ(Read(file).iim, iim);
+    EXPECT_EQ(Read(Jpeg().App0().Scan().Bytes()).exif, "");
+    EXPECT_EQ(Read(Jpeg().App0().Scan().Bytes()).iim, "");
+    // Of other makers.
+    EXPECT_EQ(Read(Jpeg().Segment(kApp13, "Adobe_CM\0"sv).Scan().Bytes()).iim, "");
+    // Where the chain breaks, what stands in front of it counts.
+    EXPECT_EQ(Read(Jpeg().Segment(kApp1, "Exif\0\0"s + Stream()).Raw("no marker").Bytes()).exif,
+              Stream());
+}
+
+TEST(MetadataBlocks, ResourcesOfSeveralSegments)
+{
+    const std::string iim = Iim().Add(2, 120, std::string(100, 'x')).Bytes();
+    const std::string resources = ImageResource(1, "odd") + ImageResource(kIimNumber, iim);
+    for (const std::size_t cut : {std::size_t{1}, std::size_t{20}, std::size_t{60}}) {
+        const std::string file = Jpeg()
+                                     .Segment(kApp13, ResourcesSegment(resources.substr(0, cut)))
+                                     .Segment(kApp13, ResourcesSegment(resources.substr(cut)))
+                                     .Scan()
+                                     .Bytes();
+        EXPECT_EQ(Read(file).iim, iim) << cut;
+    }
+}
+
+TEST(MetadataBlocks, ResourcesCutAtEveryLength)
+{
+    const std::string iim = Iim().Add(2, 5, "Harbour").Bytes();
+    const std::string whole =
+        ImageResource(1, "odd", "name") + ImageResource(kIimNumber, iim) + ImageResource(2, "x");
+    const std::size_t end = whole.find("Harbour") + 7;
+    for (std::size_t bytes = 0; bytes <= whole.size(); ++bytes) {
+        const std::string cut(whole, 0, bytes);
+        EXPECT_EQ(FindIim(cut), bytes < end ? "" : iim) << bytes;
+    }
+    // A length that lies.
+    EXPECT_EQ(FindIim("8BIM\x04\x04\0\0\xFF\xFF\xFF\xFFxx"sv), "");
+    EXPECT_EQ(FindIim("OTHR\x04\x04\0\0\0\0\0\x02xx"sv), "");
+}
+
+TEST(MetadataBlocks, PngAndWebp)
+{
+    EXPECT_EQ(Read(Png().Chunk("eXIf", Stream()).Image().Bytes()).exif, Stream());
+    EXPECT_EQ(Read(Png().Chunk("tIME", "1234567").Image().Bytes()).exif, "");
+    EXPECT_EQ(Read(Webp().Extended(8).Image().Chunk("EXIF", Stream()).Bytes()).exif, Stream());
+    // Some writers keep JPEG's signature.
+    EXPECT_EQ(Read(Webp().Extended(8).Image().Chunk("EXIF", "Exif\0\0"s + Stream()).Bytes()).exif,
+              Stream());
+    // Too large, also where nothing else is.
+    EXPECT_EQ(
+        Read(Png().Chunk("eXIf", std::string(kBlockBytesLimit + 1, 'x')).Image().Bytes()).exif, "");
+}
+
+TEST(CondensedTiff, KeepsTheTags)
+{
+    for (const ByteOrder order : {ByteOrder::kLittle, ByteOrder::kBig}) {
+        // What leads elsewhere, and maker notes, go; all others come in their order.
+        ExifStream whole(order);
+        ExifStream want(order);
+        for (ExifStream* const stream : {&whole, &want}) {
+            stream->Ascii(ExifStream::kImage, 271, "Kivo")
+                .Short(ExifStream::kImage, 274, {6})
+                .Ratio(ExifStream::kPhoto, 33437, {{28, 10}})
+                .Undefined(ExifStream::kPhoto, 36864, "0232")
+                .Ratio(ExifStream::kGps, 2, {{48, 1}, {51, 1}, {0, 1}});
+        }
+        whole.Long(ExifStream::kImage, 273, {8})
+            .Long(ExifStream::kImage, 330, {8, 8})
+            .Byte(ExifStream::kImage, 700, "<x:xmpmeta/>")
+            .Undefined(ExifStream::kPhoto, 37500, std::string(1000, 'm'))
+            .Ascii(ExifStream::kImage, 270, std::string(kTagBytesLimit, 'x'))
+            .Byte(ExifStream::kImage, 33723, "IIM")
+            .Byte(ExifStream::kImage, 34377, "resources");
+        const std::string file = whole.Bytes(/*gap=*/100000);
+        MemorySource source(file);
+        const CondensedTiff condensed = CondenseTiff(source);
+        EXPECT_EQ(condensed.stream, want.Bytes());
+        EXPECT_EQ(condensed.iim, "IIM");
+        EXPECT_EQ(condensed.imageResources, "resources");
+    }
+}
+
+TEST(CondensedTiff, Damage)
+{
+    ExifStream stream;
+    stream.Ascii(ExifStream::kImage, 271, "Kivo")
+        .Entry(ExifStream::kImage, 272, 2, 0xFFFFFFFF, "offset of nothing")
+        .Entry(ExifStream::kImage, 305, 99, 4, "type")
+        .Entry(ExifStream::kImage, 306, 12, 0x40000000, "more than there is")
+        .Ratio(ExifStream::kPhoto, 33437, {{28, 10}});
+    const std::string want = ExifStream()
+                                 .Ascii(ExifStream::kImage, 271, "Kivo")
+                                 .Ratio(ExifStream::kPhoto, 33437, {{28, 10}})
+                                 .Bytes();
+    const std::string file = stream.Bytes();
+    MemorySource source(file);
+    EXPECT_EQ(CondenseTiff(source).stream, want);
+    // Cut anywhere, whatever is left comes, and nothing but.
+    for (std::size_t bytes = 0; bytes < file.size(); ++bytes) {
+        const std::unique_ptr<char[]> exact(new char[bytes]);
+        file.copy(exact.get(), bytes);
+        MemorySource cut({exact.get(), bytes});
+        EXPECT_LE(CondenseTiff(cut).stream.size(), want.size()) << bytes;
+    }
+    // A directory that leads to itself.
+    ExifStream circle;
+    circle.Long(ExifStream::kImage, 34665, {8}).Ascii(ExifStream::kImage, 271, "Kivo");
+    const std::string round = circle.Bytes();
+    MemorySource roundSource(round);
+    const std::string unrolled = CondenseTiff(roundSource).stream;
+    const std::size_t once = unrolled.find("Kivo");
+    const std::size_t twice = unrolled.find("Kivo", once + 1);
+    EXPECT_NE(twice, std::string::npos);
+    EXPECT_EQ(unrolled.find("Kivo", twice + 1), std::string::npos);
+    // No classic TIFF.
+    for (const std::string_view other :
+         {"II+\0\x08\0\0\0"sv, "II*\0"sv, "II*\0\xFF\xFF\xFF\xFF"sv}) {
+        MemorySource none(other);
+        EXPECT_EQ(CondenseTiff(none).stream, "");
+    }
+}
+
+TEST(IimBlock, SoundPart)
+{
+    const std::string good = Iim().Utf8().Add(2, 5, "Harbour").Add(2, 25, "sea").Bytes();
+    EXPECT_EQ(SoundIim(good), good);
+    EXPECT_EQ(SoundIim(good + std::string(8, '\0')), good);
+    EXPECT_EQ(SoundIim(good + "\x1C\x02\x05\x00\xFFshort"s), good);
+    // Other records, empty ones, and what is too long.
+    EXPECT_EQ(SoundIim(Iim().Add(3, 1, "x").Add(2, 5, "").Add(7, 1, "y").Bytes() + good), good);
+    EXPECT_EQ(SoundIim(Iim().Add(2, 202, std::string(kTagBytesLimit + 1, 'p')).Bytes() + good),
+              good);
+    const std::string extended = Iim().Add(2, 120, std::string(40000, 'c')).Bytes();
+    EXPECT_EQ(SoundIim(extended), extended);
+    // Lengths of lengths that lie.
+    EXPECT_EQ(SoundIim("\x1C\x02\x05\xFF\xFFxxxx"sv), "");
+    EXPECT_EQ(SoundIim("\x1C\x02\x05\x80\x04\xFF\xFF\xFF\xFFx"sv), "");
+    EXPECT_EQ(SoundIim("\x1C\x02\x05\x80\x00x"sv), "");
+    for (std::size_t bytes = 0; bytes < good.size(); ++bytes) {
+        const std::string cut(good, 0, bytes);
+        EXPECT_TRUE(good.starts_with(SoundIim(cut))) << bytes;
+    }
+    EXPECT_EQ(SoundIim(""), "");
+    EXPECT_EQ(SoundIim("Harbour"), "");
+
+    std::string many;
+    for (int i = 0; i < 5000; ++i) {
+        many += Iim().Add(2, 25, "k").Bytes();
+    }
+    EXPECT_EQ(SoundIim(many).size(), 4096u * 6);
+}
+
+TEST(IimBlock, FirstDataset)
+{
+    const std::string iim = Iim().Add(2, 60, "123456").Add(2, 60, "000000+0000").Bytes();
+    EXPECT_EQ(FirstDataset(iim, 2, 60), "123456");
+    EXPECT_EQ(FirstDataset(iim, 2, 63), "");
+    EXPECT_EQ(FirstDataset(iim, 1, 60), "");
+    EXPECT_EQ(FirstDataset("", 2, 60), "");
+}
+
+}  // namespace
+}  // namespace kivxmp::photo
