@@ -50,6 +50,7 @@ private:
     bool ReadHeader(HeaderReader& reader);
     void ReadDirectory(HeaderReader& reader);
     void NotePacketEntry(std::uint64_t number);
+    bool LeadsBack(HeaderReader& reader) const;
     SavePlan PlanPlace(const PacketParts& packet) const override;
 
     std::uint64_t Number(std::string_view bytes, std::uint64_t at, std::size_t count) const
@@ -153,6 +154,41 @@ void TiffFile::ReadDirectory(HeaderReader& reader)
             NotePacketEntry(number);
         }
     }
+    // Without a packet the directory has to move: what leads to it besides the header would lead to
+    // the old one then.
+    if (!packetEntry_ && LeadsBack(reader)) {
+        Refuse(PhotoError::Kind::kRefused,
+               "its directories lead in a circle, which would be broken open");
+    }
+}
+
+/// True if one of the directories names the first one as its next.
+bool TiffFile::LeadsBack(HeaderReader& reader) const
+{
+    std::uint64_t next = Number(nextDirectory_, 0, sizes_->number);
+    // Circles that the first one is no part of end at a directory that was kept in mind.
+    std::uint64_t known = 0;
+    for (std::uint64_t steps = 1; next != 0 && next != directory_.offset && next != known;
+         ++steps) {
+        if ((steps & (steps - 1)) == 0) {
+            known = next;
+        }
+        const std::string count = reader.Bytes(next, sizes_->entryCount);
+        if (count.size() < sizes_->entryCount) {
+            return false;
+        }
+        const std::uint64_t entries = Number(count, 0, sizes_->entryCount);
+        if (entries > kMaxEntries) {
+            return false;
+        }
+        const std::string place =
+            reader.Bytes(next + sizes_->entryCount + entries * sizes_->entry, sizes_->number);
+        if (place.size() < sizes_->number) {
+            return false;
+        }
+        next = Number(place, 0, sizes_->number);
+    }
+    return next == directory_.offset;
 }
 
 void TiffFile::NotePacketEntry(std::uint64_t number)

@@ -246,6 +246,51 @@ TEST(TiffFile, DirectoriesInCircles)
     }
 }
 
+/// A first directory that must grow moves to the end. What leads to it besides the header would
+/// lead to the old one then, and readers would see one image more.
+TEST(TiffFile, AFirstDirectoryThatOthersLeadToCannotGrow)
+{
+    for (const TiffLayout& layout : kLayouts) {
+        const Tiff numbers(layout);
+        const std::size_t number = layout.isBig ? 8 : 4;
+        const std::size_t countBytes = layout.isBig ? 8 : 2;
+        const std::size_t entryBytes = 4 + 2 * number;
+        const std::size_t first = layout.isBig ? 16 : 8;
+        const std::string whole = Photo(layout, "").Bytes();
+        const std::size_t firstNext = first + countBytes + 3 * entryBytes;
+        const std::size_t second = firstNext + number;
+        const std::size_t secondNext = second + countBytes + entryBytes;
+        const auto with = [&](std::size_t at, std::uint64_t place) {
+            return std::string(whole).replace(at, number, numbers.Number(place, number));
+        };
+        constexpr char kCircle[] = "its directories lead in a circle, which would be broken open";
+        const struct {
+            const char* about;
+            std::string bytes;
+            const char* refusal;
+        } rows[] = {
+            {"to itself", with(firstNext, first), kCircle},
+            {"the second one to the first one", with(secondNext, first), kCircle},
+            // Circles of others stay what they are, and what leads nowhere leads nowhere.
+            {"the second one to itself", with(secondNext, second), ""},
+            {"the second one behind the end", with(secondNext, whole.size()), ""},
+            {"the second one far behind the end", with(secondNext, ~std::uint64_t{0} >> 1), ""},
+            {"the second one into itself", with(secondNext, second + 1), ""},
+            {"nowhere", whole, ""},
+        };
+        for (const auto& row : rows) {
+            SCOPED_TRACE(row.about);
+            EXPECT_EQ(kTiff.Refusal(row.bytes), row.refusal);
+            const std::string saved = kTiff.Save(row.bytes, kLonger);
+            if (*row.refusal != '\0') {
+                EXPECT_EQ(saved, row.refusal);
+            } else {
+                EXPECT_EQ(kTiff.Packet(saved), kLonger);
+            }
+        }
+    }
+}
+
 TEST(TiffFile, CutAtEveryLength)
 {
     for (const TiffLayout& layout : kLayouts) {
