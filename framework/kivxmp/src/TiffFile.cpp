@@ -50,7 +50,10 @@ private:
     bool ReadHeader(HeaderReader& reader);
     void ReadDirectory(HeaderReader& reader);
     void NotePacketEntry(std::uint64_t number);
-    bool LeadsBack(HeaderReader& reader) const;
+    void CheckChain(HeaderReader& reader);
+    bool LeadsBehindTheEnd(std::string_view entry) const;
+    std::optional<std::uint64_t> LastNumber(std::uint16_t tag, HeaderReader& reader) const;
+    bool IsImageCut(HeaderReader& reader) const;
     SavePlan PlanPlace(const PacketParts& packet) const override;
 
     std::uint64_t Number(std::string_view bytes, std::uint64_t at, std::size_t count) const
@@ -75,6 +78,7 @@ private:
     std::optional<std::uint64_t> packetEntry_;
     bool isInline_ = false;  // the packet's few bytes stand in the entry
     bool isDng_ = false;
+    bool isCut_ = false;  // something that its directories lead to is missing
 };
 
 TiffFile::TiffFile(ByteSource& source) : fileBytes_(source.SizeBytes())
@@ -154,16 +158,15 @@ void TiffFile::ReadDirectory(HeaderReader& reader)
             NotePacketEntry(number);
         }
     }
-    // Without a packet the directory has to move: what leads to it besides the header would lead to
-    // the old one then.
-    if (!packetEntry_ && LeadsBack(reader)) {
-        Refuse(PhotoError::Kind::kRefused,
-               "its directories lead in a circle, which would be broken open");
+    CheckChain(reader);
+    for (std::uint64_t number = 0; number < count && !isCut_; ++number) {
+        isCut_ = LeadsBehindTheEnd(Entry(number));
     }
+    isCut_ = isCut_ || IsImageCut(reader);
 }
 
-/// True if one of the directories names the first one as its next.
-bool TiffFile::LeadsBack(HeaderReader& reader) const
+/// Looks where the directories lead, without reading them.
+void TiffFile::CheckChain(HeaderReader& reader)
 {
     std::uint64_t next = Number(nextDirectory_, 0, sizes_->number);
     // Circles that the first one is no part of end at a directory that was kept in mind.
@@ -174,21 +177,90 @@ bool TiffFile::LeadsBack(HeaderReader& reader) const
             known = next;
         }
         const std::string count = reader.Bytes(next, sizes_->entryCount);
-        if (count.size() < sizes_->entryCount) {
-            return false;
-        }
-        const std::uint64_t entries = Number(count, 0, sizes_->entryCount);
+        const std::uint64_t entries =
+            count.size() < sizes_->entryCount ? 0 : Number(count, 0, sizes_->entryCount);
         if (entries > kMaxEntries) {
-            return false;
+            return;  // no directory
         }
         const std::string place =
             reader.Bytes(next + sizes_->entryCount + entries * sizes_->entry, sizes_->number);
         if (place.size() < sizes_->number) {
-            return false;
+            isCut_ = true;
+            return;
         }
         next = Number(place, 0, sizes_->number);
     }
-    return next == directory_.offset;
+    // Without a packet the first one has to move: what leads to it besides the header would lead to
+    // the old one then.
+    if (next == directory_.offset && !packetEntry_) {
+        Refuse(PhotoError::Kind::kRefused,
+               "its directories lead in a circle, which would be broken open");
+    }
+}
+
+/// True if the entry's value, or the directory that it names, is not in the file.
+bool TiffFile::LeadsBehindTheEnd(std::string_view entry) const
+{
+    // By type: a value's bytes; 0 for what there is none of.
+    constexpr std::uint8_t kTypeBytes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
+    constexpr std::uint16_t kDirectoryTags[] = {330, 34665, 34853};  // further images, Exif, GPS
+    const std::uint64_t tag = Number(entry, 0, 2);
+    const std::uint64_t type = Number(entry, 2, 2);
+    const std::uint64_t count = Number(entry, kCountInEntry, sizes_->number);
+    const std::size_t value = kCountInEntry + sizes_->number;
+    if (tag == kTagPacket || type >= std::size(kTypeBytes) || kTypeBytes[type] == 0) {
+        return false;
+    }
+    const std::size_t bytes = kTypeBytes[type];
+    if (count > sizes_->number / bytes) {
+        const std::uint64_t place = Number(entry, value, sizes_->number);
+        return place > fileBytes_ || count > (fileBytes_ - place) / bytes;
+    }
+    const bool isDirectory = std::find(std::begin(kDirectoryTags), std::end(kDirectoryTags), tag) !=
+                             std::end(kDirectoryTags);
+    return isDirectory && count == 1 && Number(entry, value, bytes) >= fileBytes_;
+}
+
+/// The last number of an entry's value; nothing where it is no list of sizes or places.
+std::optional<std::uint64_t> TiffFile::LastNumber(std::uint16_t tag, HeaderReader& reader) const
+{
+    constexpr std::uint64_t kShort = 3;
+    constexpr std::uint64_t kLong = 4;
+    constexpr std::uint64_t kLong8 = 16;
+    for (std::uint64_t number = 0; number < entries_.size() / sizes_->entry; ++number) {
+        const std::string_view entry = Entry(number);
+        const std::uint64_t type = Number(entry, 2, 2);
+        const std::size_t bytes = type == kShort ? 2 : type == kLong ? 4 : type == kLong8 ? 8 : 0;
+        const std::uint64_t count = Number(entry, kCountInEntry, sizes_->number);
+        if (Number(entry, 0, 2) != tag || bytes == 0 || count == 0) {
+            continue;
+        }
+        const std::size_t value = kCountInEntry + sizes_->number;
+        if (count <= sizes_->number / bytes) {
+            return Number(entry, value + (count - 1) * bytes, bytes);
+        }
+        const std::string last =
+            reader.Bytes(Number(entry, value, sizes_->number) + (count - 1) * bytes, bytes);
+        if (last.size() == bytes) {
+            return Number(last, 0, bytes);
+        }
+    }
+    return std::nullopt;
+}
+
+/// True if the last part of the first directory's image is not in the file, or not all of it.
+bool TiffFile::IsImageCut(HeaderReader& reader) const
+{
+    struct Parts {
+        std::uint16_t places;
+        std::uint16_t sizes;
+    };
+    constexpr Parts kParts[] = {{273, 279}, {324, 325}, {513, 514}};  // strips, tiles, a JPEG file
+    return std::any_of(std::begin(kParts), std::end(kParts), [&](const Parts& parts) {
+        const std::optional<std::uint64_t> place = LastNumber(parts.places, reader);
+        const std::optional<std::uint64_t> bytes = LastNumber(parts.sizes, reader);
+        return place && bytes && (*place > fileBytes_ || fileBytes_ - *place < *bytes);
+    });
 }
 
 void TiffFile::NotePacketEntry(std::uint64_t number)
@@ -264,6 +336,11 @@ SavePlan TiffFile::PlanPlace(const PacketParts& packet) const
     }
     if (bytes <= sizes_->number) {
         throw PhotoError(PhotoError::Kind::kRefused, "the metadata is too short for a TIFF file");
+    }
+    if (isCut_) {
+        // What is missing would be found where the packet is.
+        throw PhotoError(PhotoError::Kind::kRefused,
+                         "it is cut off, and its metadata has no room but behind its end");
     }
     SavePlan plan;
     // What is appended begins at an even byte, as the format wants it.

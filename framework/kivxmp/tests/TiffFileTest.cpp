@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -25,6 +26,7 @@ const FormatHarness kTiff(ReadTiff);
 constexpr TiffLayout kLayouts[] = {{false, false}, {true, false}, {false, true}, {true, true}};
 constexpr std::string_view kOld = "the old packet, twenty-nine b";
 constexpr std::string_view kSame = "a new one of the same length.";
+constexpr char kCut[] = "it is cut off, and its metadata has no room but behind its end";
 constexpr std::string_view kLonger = "a new one that is longer than the old packet";
 
 /// A photo with an entry before and one behind the packet's, whose values stand behind it.
@@ -214,12 +216,9 @@ TEST(TiffFile, HeadersThatContradictThemselves)
          "its structure is damaged: an impossible directory at byte 16"},
     };
     kTiff.ExpectRefusals(rows, kSame);
-    // Read as what its header says, such a file may still make sense up to its packet's place.
+    // Read as what its header says, such a file leads anywhere.
     const std::string mixed = "II*\0\x10\0\0\0"s + std::string(8, '\0') + big.substr(16);
-    const std::string saved = kTiff.Save(mixed, kLonger);
-    EXPECT_EQ(kTiff.Packet(mixed), "-");
-    EXPECT_TRUE(saved.substr(8, mixed.size() - 8) == mixed.substr(8));
-    EXPECT_EQ(kTiff.Packet(saved), kLonger);
+    EXPECT_EQ(kTiff.Save(mixed, kLonger), kCut);
 }
 
 /// Directories that lead to themselves, to the header, or to each other are not followed: only the
@@ -232,14 +231,17 @@ TEST(TiffFile, DirectoriesInCircles)
         const std::size_t first = layout.isBig ? 16 : 8;
         const std::string whole = Photo(layout, kOld).Bytes();
         const std::size_t next = first + (layout.isBig ? 8 : 2) + 4 * (4 + 2 * number);
-        for (const std::uint64_t place :
-             {first, next, std::size_t{0}, whole.size(), whole.size() * 2}) {
+        for (const std::uint64_t place : {first, std::size_t{0}, whole.size(), whole.size() * 2}) {
             SCOPED_TRACE(testing::Message() << layout.isBig << layout.bigEndian << " " << place);
             const auto circle = [&](std::string bytes) {
                 return bytes.replace(next, number, numbers.Number(place, number));
             };
             EXPECT_TRUE(kTiff.Save(circle(whole), kSame) == circle(Photo(layout, kSame).Bytes()));
             const std::string grown = kTiff.Save(circle(whole), kLonger);
+            if (place >= whole.size()) {
+                EXPECT_EQ(grown, kCut);
+                continue;
+            }
             EXPECT_EQ(kTiff.Packet(grown), kLonger);
             EXPECT_EQ(grown.substr(next, number), numbers.Number(place, number));
         }
@@ -271,11 +273,8 @@ TEST(TiffFile, AFirstDirectoryThatOthersLeadToCannotGrow)
         } rows[] = {
             {"to itself", with(firstNext, first), kCircle},
             {"the second one to the first one", with(secondNext, first), kCircle},
-            // Circles of others stay what they are, and what leads nowhere leads nowhere.
+            // Circles of others stay what they are.
             {"the second one to itself", with(secondNext, second), ""},
-            {"the second one behind the end", with(secondNext, whole.size()), ""},
-            {"the second one far behind the end", with(secondNext, ~std::uint64_t{0} >> 1), ""},
-            {"the second one into itself", with(secondNext, second + 1), ""},
             {"nowhere", whole, ""},
         };
         for (const auto& row : rows) {
@@ -307,6 +306,70 @@ TEST(TiffFile, CutAtEveryLength)
                 EXPECT_TRUE(saved == Photo(layout, kSame).Bytes().substr(0, bytes));
             }
         }
+    }
+}
+
+/// What a file lacks behind its end would be found in the packet, were that put there. In its own
+/// place a packet of the same length can be saved.
+TEST(TiffFile, NothingIsPutBehindTheEndOfACutFile)
+{
+    for (const TiffLayout& layout : kLayouts) {
+        const Tiff numbers(layout);
+        const std::size_t number = layout.isBig ? 8 : 4;
+        const auto image = [&](std::uint16_t places, std::uint16_t sizes, std::uint64_t end,
+                               std::uint64_t bytes) {
+            return [=](Tiff tiff) {
+                // Two parts: the last one ends at `end`.
+                const std::string ends = numbers.Number(8, 4) + numbers.Number(end - bytes, 4);
+                return tiff.Entry(places, 4, 2, ends)
+                    .Entry(sizes, 4, 2, numbers.Number(bytes, 4) + numbers.Number(bytes, 4));
+            };
+        };
+        struct Row {
+            const char* about;
+            std::function<Tiff(Tiff)> add;
+            bool isCut;
+        };
+        constexpr std::uint64_t kFar = 100000;
+        const Row rows[] = {
+            {"nothing", [](const Tiff& tiff) { return tiff; }, false},
+            {"strips", image(273, 279, kFar, 60), true},
+            {"strips that are there", image(273, 279, 80, 60), false},
+            {"tiles", image(324, 325, kFar, 60), true},
+            {"a JPEG file", image(513, 514, kFar, 60), true},
+            {"a strip of short numbers",
+             [&](Tiff tiff) {
+                 return tiff.Entry(273, 3, 1, numbers.Number(8, 2))
+                     .Entry(279, 3, 1, numbers.Number(65000, 2));
+             },
+             true},
+            {"the directory of a camera's data",
+             [&](Tiff tiff) { return tiff.Entry(34665, 4, 1, numbers.Number(kFar, 4)); }, true},
+            {"a number that is as large",
+             [&](Tiff tiff) { return tiff.Entry(40000, 4, 1, numbers.Number(kFar, 4)); }, false},
+            {"places without sizes",
+             [&](Tiff tiff) { return tiff.Entry(273, 4, 1, numbers.Number(kFar, 4)); }, false},
+        };
+        for (const Row& row : rows) {
+            SCOPED_TRACE(row.about);
+            const std::string with = row.add(Photo(layout, kOld)).Bytes();
+            EXPECT_EQ(kTiff.Refusal(with), "");
+            EXPECT_EQ(kTiff.Packet(kTiff.Save(with, kSame)), kSame);
+            for (const std::string& bytes : {with, row.add(Photo(layout, "")).Bytes()}) {
+                const std::string saved = kTiff.Save(bytes, kLonger);
+                EXPECT_EQ(row.isCut ? saved : kTiff.Packet(saved), row.isCut ? kCut : kLonger);
+            }
+        }
+
+        // A value, and the last directory, of which nothing is there any more.
+        const std::string whole = Photo(layout, "").Bytes();
+        EXPECT_EQ(kTiff.Save(whole.substr(0, whole.size() - 1), kLonger), kCut);
+        std::string behind = whole;
+        const std::size_t next = (layout.isBig ? 16 + 8 : 8 + 2) + 3 * (4 + 2 * number);
+        behind.replace(next, number, numbers.Number(whole.size(), number));
+        EXPECT_EQ(kTiff.Save(behind, kLonger), kCut);
+        behind.replace(next, number, numbers.Number(whole.size() - 1, number));
+        EXPECT_EQ(kTiff.Save(behind, kLonger), kCut);
     }
 }
 
