@@ -52,6 +52,23 @@ class HeldOpen(kivhost_test.KivhostTest):
         self.edit_in_vain(holder)
         self.assertEqual(self.independent()["dc:title[@x-default]"], "x")
 
+    def test_a_packet_into_held_photos_and_a_free_one(self):
+        packet = self.folder / "in.xmp"
+        packet.write_bytes((kivhost_test.HERE / "full_packet.xmp").read_bytes())
+        free = self.folder / "free.jpg"
+        free.write_bytes(self.original)
+        for sharing in ("none", "read"):
+            with self.subTest(sharing):
+                holder = self.hold(self.photo, sharing)
+                run = self.run_host("--insert", packet, self.photo, free)
+                self.expect(run, 1)
+                reason, summary = run.stderr.splitlines()
+                self.assertRegex(reason, "photo.jpg.*in use")
+                self.assertRegex(summary, "^kivhost: [01] written, [01] unchanged, 1 refused$")
+                self.let_go(holder)
+                self.assert_untouched()
+                self.assertIn(packet.read_bytes(), free.read_bytes())
+
     def test_preferences_that_nobody_may_touch_are_no_obstacle(self):
         self.expect(self.edit(), 0)
         preferences = self.folder / "preferences" / "MetadataDialogPrefs.xml"
