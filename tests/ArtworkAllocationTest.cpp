@@ -45,6 +45,11 @@ TEST(AllocationFailure, CreateOperationsGiveEmptyPointers)
     EXPECT_EQ(WithEachAllocationFailing(
                   [&renderer] { EXPECT_EQ(renderer->CreatePath() == nullptr, hasFailed); }),
               1u);
+    const auto close = static_cast<std::uint8_t>(PathSegments::Kind::kClose);
+    EXPECT_EQ(WithEachAllocationFailing([&renderer, &close] {
+                  EXPECT_EQ(renderer->CreatePathOf({&close, 1}) == nullptr, hasFailed);
+              }),
+              1u);
     EXPECT_EQ(WithEachAllocationFailing([&renderer] {
                   EXPECT_EQ(renderer->CreateTransform(1, 2, 3, 4, 5, 6) == nullptr, hasFailed);
               }),

@@ -105,7 +105,8 @@ public:
     /// that the image cannot be had.
     virtual std::unique_ptr<ImageData> CreateImageData(std::string_view base64,
                                                        ImageFormat format) = 0;
-    /// An empty path. An empty pointer means that memory ran out, here and in CreateTransform.
+    /// An empty path. An empty pointer means that memory ran out, here, in CreatePathOf and in
+    /// CreateTransform.
     virtual std::unique_ptr<Path> CreatePath() = 0;
     virtual std::unique_ptr<Transform> CreateTransform(float a, float b, float c, float d, float e,
                                                        float f) = 0;
@@ -122,6 +123,17 @@ public:
     /// `clipArea` is where the image may show, `fillArea` where the whole image would lie.
     virtual void DrawImage(const ImageData& image, const GraphicStyle& graphic,
                            const Rect& clipArea, const Rect& fillArea) = 0;
+
+    /// A path that has these segments already: what CreatePath and AddSegments would make, which a
+    /// renderer can have in one block.
+    virtual std::unique_ptr<Path> CreatePathOf(const PathSegments& segments)
+    {
+        std::unique_ptr<Path> path = CreatePath();
+        if (path != nullptr) {
+            path->AddSegments(segments);
+        }
+        return path;
+    }
 };
 
 }  // namespace SVGLoom

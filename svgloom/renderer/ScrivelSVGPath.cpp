@@ -7,18 +7,73 @@
 
 namespace SVGLoom {
 
+namespace {
+
+/// The segments of a shape on their way to a path.
+class Shape {
+public:
+    void MoveTo(float x, float y) { Add(PathSegments::Kind::kMove, {x, y}); }
+    void LineTo(float x, float y) { Add(PathSegments::Kind::kLine, {x, y}); }
+    void CurveTo(float x1, float y1, float x2, float y2, float x, float y)
+    {
+        Add(PathSegments::Kind::kCurve, {x1, y1, x2, y2, x, y});
+    }
+    void QuadTo(float cx, float cy, float x, float y)
+    {
+        Add(PathSegments::Kind::kQuad, {cx, cy, x, y});
+    }
+    PathSegments Closed()
+    {
+        bytes_[size_++] = static_cast<std::uint8_t>(PathSegments::Kind::kClose);
+        return {bytes_, size_};
+    }
+
+private:
+    static constexpr std::size_t kMostSegments = 10;  // of a rounded rectangle
+
+    template <std::size_t count>
+    void Add(PathSegments::Kind kind, const float (&coordinates)[count])
+    {
+        bytes_[size_] = static_cast<std::uint8_t>(kind);
+        std::memcpy(bytes_ + size_ + 1, coordinates, sizeof coordinates);
+        size_ += 1 + sizeof coordinates;
+    }
+
+    std::uint8_t bytes_[kMostSegments * PathSegments::kMaxBytes];
+    std::size_t size_ = 0;
+};
+
+}  // namespace
+
 ScrivelSVGPath::~ScrivelSVGPath()
 {
-    std::free(block_);
+    if (OwnsBlock()) {
+        std::free(block_);
+    }
+}
+
+std::unique_ptr<ScrivelSVGPath> ScrivelSVGPath::Create(const PathSegments& segments)
+{
+    void* const place = ::operator new(sizeof(ScrivelSVGPath) + segments.size(), std::nothrow);
+    if (place == nullptr) {
+        return nullptr;
+    }
+    std::unique_ptr<ScrivelSVGPath> path(new (place) ScrivelSVGPath());
+    path->block_ = path->BehindItself();
+    path->size_ = segments.size();
+    path->capacity_ = segments.size();
+    std::copy_n(segments.data(), segments.size(), path->block_);
+    return path;
 }
 
 void ScrivelSVGPath::AddRect(float x, float y, float width, float height)
 {
-    MoveTo(x, y);
-    LineTo(x + width, y);
-    LineTo(x + width, y + height);
-    LineTo(x, y + height);
-    ClosePath();
+    Shape shape;
+    shape.MoveTo(x, y);
+    shape.LineTo(x + width, y);
+    shape.LineTo(x + width, y + height);
+    shape.LineTo(x, y + height);
+    AddSegments(shape.Closed());
 }
 
 // The top edge is drawn from its middle to the left, and its right half by the close: dashes and
@@ -27,16 +82,17 @@ void ScrivelSVGPath::AddRoundedRect(float x, float y, float width, float height,
 {
     const float right = x + width;
     const float bottom = y + height;
-    MoveTo(x + width * 0.5f, y);
-    LineTo(x + rx, y);
-    QuadTo(x, y, x, y + ry);
-    LineTo(x, bottom - ry);
-    QuadTo(x, bottom, x + rx, bottom);
-    LineTo(right - rx, bottom);
-    QuadTo(right, bottom, right, bottom - ry);
-    LineTo(right, y + ry);
-    QuadTo(right, y, right - rx, y);
-    ClosePath();
+    Shape shape;
+    shape.MoveTo(x + width * 0.5f, y);
+    shape.LineTo(x + rx, y);
+    shape.QuadTo(x, y, x, y + ry);
+    shape.LineTo(x, bottom - ry);
+    shape.QuadTo(x, bottom, x + rx, bottom);
+    shape.LineTo(right - rx, bottom);
+    shape.QuadTo(right, bottom, right, bottom - ry);
+    shape.LineTo(right, y + ry);
+    shape.QuadTo(right, y, right - rx, y);
+    AddSegments(shape.Closed());
 }
 
 void ScrivelSVGPath::AddEllipse(float cx, float cy, float rx, float ry)
@@ -46,12 +102,13 @@ void ScrivelSVGPath::AddEllipse(float cx, float cy, float rx, float ry)
     constexpr float kArc = 0.55228f;
     const float kx = kArc * rx;
     const float ky = kArc * ry;
-    MoveTo(cx + rx, cy);
-    CurveTo(cx + rx, cy - ky, cx + kx, cy - ry, cx, cy - ry);
-    CurveTo(cx - kx, cy - ry, cx - rx, cy - ky, cx - rx, cy);
-    CurveTo(cx - rx, cy + ky, cx - kx, cy + ry, cx, cy + ry);
-    CurveTo(cx + kx, cy + ry, cx + rx, cy + ky, cx + rx, cy);
-    ClosePath();
+    Shape shape;
+    shape.MoveTo(cx + rx, cy);
+    shape.CurveTo(cx + rx, cy - ky, cx + kx, cy - ry, cx, cy - ry);
+    shape.CurveTo(cx - kx, cy - ry, cx - rx, cy - ky, cx - rx, cy);
+    shape.CurveTo(cx - rx, cy + ky, cx - kx, cy + ry, cx, cy + ry);
+    shape.CurveTo(cx + kx, cy + ry, cx + rx, cy + ky, cx + rx, cy);
+    AddSegments(shape.Closed());
 }
 
 template <std::size_t count>
@@ -104,9 +161,12 @@ std::uint8_t* ScrivelSVGPath::MakeRoom(std::size_t bytes)
         constexpr std::size_t kHeader = 8;  // of an allocator's block, a multiple of 16 in size
         std::size_t capacity = std::max(size_ + bytes, capacity_ + capacity_ / 8);
         capacity = (capacity + kHeader + 15) / 16 * 16 - kHeader;
-        void* const block = std::realloc(block_, capacity);
+        void* const block = OwnsBlock() ? std::realloc(block_, capacity) : std::malloc(capacity);
         if (block == nullptr) {
             throw std::bad_alloc();
+        }
+        if (!OwnsBlock()) {
+            std::memcpy(block, block_, size_);
         }
         block_ = static_cast<std::uint8_t*>(block);
         capacity_ = capacity;

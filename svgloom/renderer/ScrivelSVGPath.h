@@ -1,9 +1,12 @@
-// The renderer's path: segments packed into one block, without gaps.
+// The renderer's path: segments packed into one block, without gaps. A path that is made of its
+// segments has that block behind itself.
 
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <new>
 
 #include "svgloom/renderer/SVGRenderer.h"
 
@@ -16,8 +19,19 @@ public:
     ScrivelSVGPath() = default;
     ~ScrivelSVGPath() override;
 
-    // Appending throws std::bad_alloc and leaves the path as it was, shapes of several segments
-    // excepted.
+    /// A path with these segments; an empty pointer if memory runs out.
+    static std::unique_ptr<ScrivelSVGPath> Create(const PathSegments& segments);
+
+    // A path may be the beginning of a larger block, so it is never given back by its size.
+    static void* operator new(std::size_t size) { return ::operator new(size); }
+    static void* operator new(std::size_t size, const std::nothrow_t& tag) noexcept
+    {
+        return ::operator new(size, tag);
+    }
+    static void* operator new(std::size_t, void* place) noexcept { return place; }
+    static void operator delete(void* path) noexcept { ::operator delete(path); }
+
+    // Appending throws std::bad_alloc and leaves the path as it was.
     void AddRect(float x, float y, float width, float height) override;
     /// Begins in the middle of the top edge and runs to the left; its corners are quads.
     void AddRoundedRect(float x, float y, float width, float height, float rx, float ry) override;
@@ -57,6 +71,8 @@ private:
     template <std::size_t count>
     void Append(PathSegments::Kind kind, const float (&coordinates)[count]);
     std::uint8_t* MakeRoom(std::size_t bytes);
+    std::uint8_t* BehindItself() { return reinterpret_cast<std::uint8_t*>(this + 1); }
+    bool OwnsBlock() { return block_ != BehindItself(); }
 
     std::uint8_t* block_ = nullptr;  // as PathSegments
     std::size_t size_ = 0;

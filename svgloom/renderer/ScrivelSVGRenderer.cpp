@@ -219,6 +219,11 @@ std::unique_ptr<Path> ScrivelSVGRenderer::CreatePath()
     return std::unique_ptr<Path>(new (std::nothrow) ScrivelSVGPath());
 }
 
+std::unique_ptr<Path> ScrivelSVGRenderer::CreatePathOf(const PathSegments& segments)
+{
+    return ScrivelSVGPath::Create(segments);
+}
+
 std::unique_ptr<Transform> ScrivelSVGRenderer::CreateTransform(float a, float b, float c, float d,
                                                                float e, float f)
 {

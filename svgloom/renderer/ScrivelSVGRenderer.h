@@ -39,6 +39,7 @@ public:
                   const StrokeStyle& stroke) override;
     void DrawImage(const ImageData& image, const GraphicStyle& graphic, const Rect& clipArea,
                    const Rect& fillArea) override;
+    std::unique_ptr<Path> CreatePathOf(const PathSegments& segments) override;
 
 private:
     class PushedState;

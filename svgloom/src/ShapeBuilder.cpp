@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <iterator>
+#include <utility>
 #include <vector>
 
 #include "svgloom/src/PropertyReaders.h"
@@ -110,11 +111,66 @@ std::unique_ptr<Path> BuildPolygon(const Shape& shape)
     return path;
 }
 
+/// Makes the renderer's path when the segments come, which for most paths is once, with all of
+/// them.
+class PathOfSegments final : public Path {
+public:
+    explicit PathOfSegments(SVGRenderer& renderer) : renderer_(renderer) {}
+
+    void AddSegments(const PathSegments& segments) override
+    {
+        if (path_ == nullptr) {
+            path_ = Created(renderer_.CreatePathOf(segments));
+        } else {
+            path_->AddSegments(segments);
+        }
+    }
+    void AddRect(float x, float y, float width, float height) override
+    {
+        Made().AddRect(x, y, width, height);
+    }
+    void AddRoundedRect(float x, float y, float width, float height, float rx, float ry) override
+    {
+        Made().AddRoundedRect(x, y, width, height, rx, ry);
+    }
+    void AddEllipse(float cx, float cy, float rx, float ry) override
+    {
+        Made().AddEllipse(cx, cy, rx, ry);
+    }
+    void MoveTo(float x, float y) override { Made().MoveTo(x, y); }
+    void LineTo(float x, float y) override { Made().LineTo(x, y); }
+    void CurveTo(float x1, float y1, float x2, float y2, float x, float y) override
+    {
+        Made().CurveTo(x1, y1, x2, y2, x, y);
+    }
+    void QuadTo(float cx, float cy, float x, float y) override { Made().QuadTo(cx, cy, x, y); }
+    void ClosePath() override { Made().ClosePath(); }
+
+    /// An empty path if there were no segments.
+    std::unique_ptr<Path> Take()
+    {
+        Made();
+        return std::move(path_);
+    }
+
+private:
+    Path& Made()
+    {
+        if (path_ == nullptr) {
+            path_ = Created(renderer_.CreatePath());
+        }
+        return *path_;
+    }
+
+    SVGRenderer& renderer_;
+    std::unique_ptr<Path> path_;
+};
+
 std::unique_ptr<Path> BuildPath(const Shape& shape)
 {
-    std::unique_ptr<Path> path = shape.NewPath();
-    SVGStringParser::ParsePath(shape.attributes.Text(AttributeName::kD), *path);
-    return path;
+    PathOfSegments path(shape.renderer);
+    SVGStringParser::ParsePath(shape.attributes.Text(AttributeName::kD), path);
+    return path.Take();
 }
 
 struct ShapeRow {

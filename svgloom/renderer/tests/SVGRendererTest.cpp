@@ -28,6 +28,7 @@ TEST(SVGRenderer, SlotOrder)
     EXPECT_EQ(VirtualSlot(&SVGRenderer::PopState), 5);
     EXPECT_EQ(VirtualSlot(&SVGRenderer::DrawPath), 6);
     EXPECT_EQ(VirtualSlot(&SVGRenderer::DrawImage), 7);
+    EXPECT_EQ(VirtualSlot(&SVGRenderer::CreatePathOf), 8);
 }
 
 TEST(Path, SlotOrder)

@@ -112,6 +112,24 @@ TEST(ScrivelSVGPath, LongPaths)
     EXPECT_EQ(seen, kCount);
 }
 
+// One that was made with its segments behind itself goes on like any other.
+TEST(ScrivelSVGPath, MadeOfItsSegments)
+{
+    const std::uint8_t close = static_cast<std::uint8_t>(PathSegments::Kind::kClose);
+    const auto closed = ScrivelSVGPath::Create({&close, 1});
+    EXPECT_EQ(Text(*closed), "Z");
+    closed->MoveTo(1, 2);
+    EXPECT_EQ(Text(*closed), "Z M 1 2");
+    closed->LineTo(3, 4);
+    EXPECT_EQ(Text(*closed), "Z M 1 2 L 3 4");
+
+    const auto empty = ScrivelSVGPath::Create({&close, 0});
+    EXPECT_EQ(Text(*empty), "");
+    empty->AddSegments({&close, 0});
+    empty->AddSegments({&close, 1});
+    EXPECT_EQ(Text(*empty), "Z");
+}
+
 // As the operations one by one, whichever comes first.
 TEST(ScrivelSVGPath, PackedSegments)
 {
