@@ -15,18 +15,30 @@ namespace {
 
 constinit kivcore::debug::TraceSite errorSite("SVGLoom.Parse", 6);
 
+/// Texts of icons mostly come from further away than the processor's nearest memory. It finds the
+/// rest of a long text by itself.
+void PrefetchStart(std::string_view text)
+{
+    constexpr std::size_t kLine = 64;
+    constexpr std::size_t kStart = 4096;
+    for (std::size_t at = 0; at < std::min(text.size(), kStart); at += kLine) {
+        __builtin_prefetch(text.data() + at);
+    }
+}
+
 }  // namespace
 
 std::unique_ptr<SVGDocumentImpl> CreateDocument(std::string_view text,
                                                 std::shared_ptr<SVGRenderer> renderer,
                                                 std::string* xmlError)
 {
+    PrefetchStart(text);
     if (xmlError != nullptr) {
         xmlError->clear();
     }
     auto document = std::make_unique<SVGDocumentImpl>(std::move(renderer));
     // The copy of an icon needs no allocation.
-    constexpr std::size_t kUsualSize = 4096;
+    constexpr std::size_t kUsualSize = 16384;
     char usual[kUsualSize];
     std::unique_ptr<char[]> large;
     if (text.size() >= kUsualSize) {

@@ -40,7 +40,7 @@ private:
     const rapidxml::xml_node<char>* node_;
 };
 
-/// The nodes of a small document lie in the object itself, which is some kilobytes large.
+/// The nodes of a small document lie in the object itself, which is some 50 kilobytes large.
 class RapidXMLDocument : public XMLDocument {
 public:
     /// Parses `text`, which ends in zero, in place: the buffer is changed, and has to stand as long
