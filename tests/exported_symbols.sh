@@ -3,6 +3,7 @@
 #
 # usage: tests/exported_symbols.sh LIBRARY
 #        tests/exported_symbols.sh --without WORD LIBRARY   nothing with that word in its full name
+#        tests/exported_symbols.sh --links-no WORD LIBRARY   needs no library with that word in its name
 #        tests/exported_symbols.sh --self-test COMPILER   libraries that let out too much or too little
 set -euo pipefail
 
@@ -29,6 +30,12 @@ check_without() {
     found="$(nm -DC --defined-only "$2" | grep -i -- "$1")" || return 0
     printf '%s lets out:\n%s\n' "$2" "$found" >&2
     return 1
+}
+
+links_no() {
+    local found
+    found="$(readelf -d "$2" | grep NEEDED)" || return 1 # each of ours needs some library
+    ! grep -i -- "$1" <<< "$found" >&2
 }
 
 # library NAME CODE: builds $folder/NAME.so from C++ code.
@@ -70,6 +77,7 @@ self_test() {
 case "${1-}" in
     --self-test) self_test "${2:-c++}" ;;
     --without) check_without "$2" "$3" && echo "$(basename "$3"): nothing of $2" ;;
-    "" | -*) sed -n '2,6s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
+    --links-no) links_no "$2" "$3" && echo "$(basename "$3"): needs no $2" ;;
+    "" | -*) sed -n '2,7s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
     *) check "$1" && echo "$(basename "$1"): $(wc -l <<< "$wanted") functions, nothing else" ;;
 esac
