@@ -28,8 +28,8 @@ LEFT_OUT = re.compile(r"SourceFile$|System:|ExifTool:|File:(Line|Word)Count$|XMP
                       r"|XMP-xmpNote:HasExtendedXMP$|XMP-dc:(Copy\d+:)?Title")
 
 # Also the broken ones among test data, which as a rule have no other name than "poc".
-EXTENSIONS = """avif bmp btf cr2 cr3 crw dng eps gif heic heif hif jp2 jpe jpeg jpg jxl mrw nef orf pef
-    pgf png psd raf rw2 sr2 srw tga tif tiff webp xmp""".split()
+EXTENSIONS = """avif btf cr2 cr3 crw dng gif heic heif hif jp2 jpe jpeg jpg jxl mrw nef orf pef
+    pgf png psd raf rw2 sr2 srw tif tiff webp xmp""".split()
 SIGNATURES = (b"\xff\xd8\xff", b"\x89PNG", b"II*\0", b"MM\0*", b"II+\0", b"MM\0+", b"RIFF", b"GIF8")
 
 

@@ -13,6 +13,7 @@ namespace kivxmp::photo {
 
 namespace {
 
+constexpr std::uint16_t kTagFurther = 330;
 constexpr std::uint16_t kTagPacket = 700;
 constexpr std::uint16_t kTagDngVersion = 50706;
 constexpr std::uint16_t kTypeByte = 1;
@@ -52,8 +53,10 @@ private:
     void NotePacketEntry(std::uint64_t number);
     void CheckChain(HeaderReader& reader);
     bool LeadsBehindTheEnd(std::string_view entry) const;
-    std::optional<std::uint64_t> LastNumber(std::uint16_t tag, HeaderReader& reader) const;
-    bool IsImageCut(HeaderReader& reader) const;
+    std::optional<std::uint64_t> ListNumber(std::string_view entry, std::uint64_t index,
+                                            HeaderReader& reader) const;
+    bool IsCut(std::string_view entries, HeaderReader& reader) const;
+    bool HasCutFurtherImage(HeaderReader& reader) const;
     SavePlan PlanPlace(const PacketParts& packet) const override;
 
     std::uint64_t Number(std::string_view bytes, std::uint64_t at, std::size_t count) const
@@ -159,10 +162,7 @@ void TiffFile::ReadDirectory(HeaderReader& reader)
         }
     }
     CheckChain(reader);
-    for (std::uint64_t number = 0; number < count && !isCut_; ++number) {
-        isCut_ = LeadsBehindTheEnd(Entry(number));
-    }
-    isCut_ = isCut_ || IsImageCut(reader);
+    isCut_ = isCut_ || IsCut(entries_, reader) || HasCutFurtherImage(reader);
 }
 
 /// Looks where the directories lead, without reading them.
@@ -203,7 +203,8 @@ bool TiffFile::LeadsBehindTheEnd(std::string_view entry) const
 {
     // By type: a value's bytes; 0 for what there is none of.
     constexpr std::uint8_t kTypeBytes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
-    constexpr std::uint16_t kDirectoryTags[] = {330, 34665, 34853};  // further images, Exif, GPS
+    constexpr std::uint16_t kDirectoryTags[] = {kTagFurther, 34665,
+                                                34853};  // further images, Exif, GPS
     const std::uint64_t tag = Number(entry, 0, 2);
     const std::uint64_t type = Number(entry, 2, 2);
     const std::uint64_t count = Number(entry, kCountInEntry, sizes_->number);
@@ -221,46 +222,86 @@ bool TiffFile::LeadsBehindTheEnd(std::string_view entry) const
     return isDirectory && count == 1 && Number(entry, value, bytes) >= fileBytes_;
 }
 
-/// The last number of an entry's value; nothing where it is no list of sizes or places.
-std::optional<std::uint64_t> TiffFile::LastNumber(std::uint16_t tag, HeaderReader& reader) const
+/// Number `index` of an entry's list of sizes or places; nothing where it is none.
+std::optional<std::uint64_t> TiffFile::ListNumber(std::string_view entry, std::uint64_t index,
+                                                  HeaderReader& reader) const
 {
-    constexpr std::uint64_t kShort = 3;
-    constexpr std::uint64_t kLong = 4;
-    constexpr std::uint64_t kLong8 = 16;
-    for (std::uint64_t number = 0; number < entries_.size() / sizes_->entry; ++number) {
-        const std::string_view entry = Entry(number);
-        const std::uint64_t type = Number(entry, 2, 2);
-        const std::size_t bytes = type == kShort ? 2 : type == kLong ? 4 : type == kLong8 ? 8 : 0;
-        const std::uint64_t count = Number(entry, kCountInEntry, sizes_->number);
-        if (Number(entry, 0, 2) != tag || bytes == 0 || count == 0) {
-            continue;
-        }
-        const std::size_t value = kCountInEntry + sizes_->number;
-        if (count <= sizes_->number / bytes) {
-            return Number(entry, value + (count - 1) * bytes, bytes);
-        }
-        const std::string last =
-            reader.Bytes(Number(entry, value, sizes_->number) + (count - 1) * bytes, bytes);
-        if (last.size() == bytes) {
-            return Number(last, 0, bytes);
-        }
+    constexpr std::uint8_t kTypeBytes[] = {0, 0, 0, 2, 4, 0, 0, 0, 0, 0, 0, 0, 0, 4, 0, 0, 8, 0, 8};
+    const std::uint64_t type = Number(entry, 2, 2);
+    const std::size_t bytes = type < std::size(kTypeBytes) ? kTypeBytes[type] : 0;
+    const std::uint64_t count = Number(entry, kCountInEntry, sizes_->number);
+    const std::size_t value = kCountInEntry + sizes_->number;
+    if (bytes == 0 || index >= count) {
+        return std::nullopt;
     }
-    return std::nullopt;
+    if (count <= sizes_->number / bytes) {
+        return Number(entry, value + index * bytes, bytes);
+    }
+    const std::string number =
+        reader.Bytes(Number(entry, value, sizes_->number) + index * bytes, bytes);
+    return number.size() == bytes ? std::optional(Number(number, 0, bytes)) : std::nullopt;
 }
 
-/// True if the last part of the first directory's image is not in the file, or not all of it.
-bool TiffFile::IsImageCut(HeaderReader& reader) const
+/// True if a value of the directory, or the last part of its image, is not in the file as a whole.
+bool TiffFile::IsCut(std::string_view entries, HeaderReader& reader) const
 {
     struct Parts {
         std::uint16_t places;
         std::uint16_t sizes;
+        std::optional<std::uint64_t> place = {};
+        std::optional<std::uint64_t> bytes = {};
     };
-    constexpr Parts kParts[] = {{273, 279}, {324, 325}, {513, 514}};  // strips, tiles, a JPEG file
-    return std::any_of(std::begin(kParts), std::end(kParts), [&](const Parts& parts) {
-        const std::optional<std::uint64_t> place = LastNumber(parts.places, reader);
-        const std::optional<std::uint64_t> bytes = LastNumber(parts.sizes, reader);
-        return place && bytes && (*place > fileBytes_ || fileBytes_ - *place < *bytes);
+    Parts parts[] = {{273, 279}, {324, 325}, {513, 514}};  // strips, tiles, a JPEG file
+    for (std::size_t at = 0; at < entries.size(); at += sizes_->entry) {
+        const std::string_view entry = entries.substr(at, sizes_->entry);
+        if (LeadsBehindTheEnd(entry)) {
+            return true;
+        }
+        const std::uint64_t tag = Number(entry, 0, 2);
+        const std::uint64_t last = Number(entry, kCountInEntry, sizes_->number) - 1;
+        for (Parts& part : parts) {
+            if (tag == part.places) {
+                part.place = ListNumber(entry, last, reader);
+            } else if (tag == part.sizes) {
+                part.bytes = ListNumber(entry, last, reader);
+            }
+        }
+    }
+    return std::any_of(std::begin(parts), std::end(parts), [this](const Parts& part) {
+        return part.place && part.bytes &&
+               (*part.place > fileBytes_ || fileBytes_ - *part.place < *part.bytes);
     });
+}
+
+/// The same of the directories that the first one has besides the next: a DNG file's image is
+/// there.
+bool TiffFile::HasCutFurtherImage(HeaderReader& reader) const
+{
+    constexpr std::uint64_t kMaxFurther = 32;
+    constexpr std::uint64_t kMaxFurtherEntries = 1024;
+    for (std::size_t at = 0; at < entries_.size(); at += sizes_->entry) {
+        const std::string_view entry = std::string_view(entries_).substr(at, sizes_->entry);
+        for (std::uint64_t i = 0; i < kMaxFurther && Number(entry, 0, 2) == kTagFurther; ++i) {
+            const std::optional<std::uint64_t> place = ListNumber(entry, i, reader);
+            if (!place) {
+                break;
+            }
+            const std::string count = reader.Bytes(*place, sizes_->entryCount);
+            if (count.size() < sizes_->entryCount) {
+                return true;
+            }
+            const std::uint64_t number = Number(count, 0, sizes_->entryCount);
+            if (number > kMaxFurtherEntries) {
+                continue;  // no directory
+            }
+            const std::uint64_t bytes = number * sizes_->entry;
+            const std::string entries = reader.Bytes(*place + sizes_->entryCount, bytes);
+            if (entries.size() < bytes || IsCut(entries, reader)) {
+                return true;
+            }
+        }
+    }
+    return false;
 }
 
 void TiffFile::NotePacketEntry(std::uint64_t number)

@@ -361,6 +361,28 @@ TEST(TiffFile, NothingIsPutBehindTheEndOfACutFile)
             }
         }
 
+        // A directory inside the first one, of which the strip is missing, or all of it.
+        for (const std::uint64_t end : {std::uint64_t{80}, kFar}) {
+            const std::size_t type = layout.isBig ? 16 : 4;
+            const auto field = [&](std::uint16_t tag, std::uint64_t value) {
+                return numbers.Number(tag, 2) + numbers.Number(type, 2) +
+                       numbers.Number(1, number) + numbers.Number(value, number);
+            };
+            const std::string inside = numbers.Number(2, layout.isBig ? 8 : 2) +
+                                       field(273, end - 60) + field(279, 60) +
+                                       numbers.Number(0, number);
+            const auto build = [&](std::uint64_t place) {
+                return Photo(layout, "")
+                    .Entry(330, static_cast<std::uint16_t>(type), 1, numbers.Number(place, number))
+                    .Entry(40000, 7, inside.size(), inside)
+                    .Bytes();
+            };
+            const std::string bytes = build(build(8).find(inside));
+            const std::string saved = kTiff.Save(bytes, kLonger);
+            EXPECT_EQ(end == kFar ? saved : kTiff.Packet(saved), end == kFar ? kCut : kLonger);
+            EXPECT_EQ(kTiff.Save(build(kFar), kLonger), kCut);
+        }
+
         // A value, and the last directory, of which nothing is there any more.
         const std::string whole = Photo(layout, "").Bytes();
         EXPECT_EQ(kTiff.Save(whole.substr(0, whole.size() - 1), kLonger), kCut);
