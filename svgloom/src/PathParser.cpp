@@ -434,8 +434,8 @@ private:
             const PathTokens::Place place = piece.Read();
             state_ = piece.State();
             at_ += place;
-            if ((place == 0 || place != tokens.End()) &&
-                !ReadCommands(end_ - at_ > kSteps ? at_ + kSteps : end_)) {
+            // What a piece has no room for may begin the next.
+            if (place == 0 && !ReadCommands(end_ - at_ > kSteps ? at_ + kSteps : end_)) {
                 return false;
             }
         }
