@@ -41,11 +41,6 @@ struct ArcEnd {
     SineCosine of;
 };
 
-ArcEnd EndAt(const Point& point, float angle)
-{
-    return {point, angle, SineAndCosine(angle)};
-}
-
 void TraceArc(const Point& from, const Arc& arc)
 {
     const float large = arc.large ? 1 : 0;
@@ -121,9 +116,15 @@ Ellipse FindEllipse(const Point& from, const Arc& arc, bool tracing)
     return ellipse;
 }
 
-float AngleOf(const Point& point, const Ellipse& ellipse)
+/// The sine of the angle of a point of the ellipse.
+float SineOf(const Point& point, const Ellipse& ellipse)
 {
-    float angle = ArcSine(std::clamp((point.y - ellipse.center.y) / ellipse.ry, -1.0f, 1.0f));
+    return std::clamp((point.y - ellipse.center.y) / ellipse.ry, -1.0f, 1.0f);
+}
+
+/// The angle of a point, 0 to a whole turn, from the arc sine.
+float AngleOf(const Point& point, const Ellipse& ellipse, float angle)
+{
     if (point.x < ellipse.center.x) {
         angle = kPi - angle;
     }
@@ -139,8 +140,9 @@ void ArcToCurve(const Point& from, const Arc& arc, PathBuffer& path)
         TraceArc(from, arc);
     }
     const Ellipse ellipse = FindEllipse(from, arc, tracing);
-    float angle = AngleOf(from, ellipse);
-    float endAngle = AngleOf(arc.to, ellipse);
+    const auto [arcSine, endArcSine] = ArcSines(SineOf(from, ellipse), SineOf(arc.to, ellipse));
+    float angle = AngleOf(from, ellipse, arcSine);
+    float endAngle = AngleOf(arc.to, ellipse, endArcSine);
     if (!arc.sweep && angle < endAngle) {
         endAngle -= kTwoPi;
     } else if (arc.sweep && endAngle < angle) {
@@ -164,15 +166,17 @@ void ArcToCurve(const Point& from, const Arc& arc, PathBuffer& path)
     };
     // Both angles are within one turn of each other, so this ends after three steps at most; angles
     // that are no numbers end it at once.
-    ArcEnd start = EndAt(from, angle);
+    const auto [startOf, endOf] = SinesAndCosines(angle, endAngle);
+    ArcEnd start = {from, angle, startOf};
     while (std::abs(endAngle - start.angle) > kPieceAngle) {
         const float step = arc.sweep && endAngle > start.angle ? kPieceAngle : -kPieceAngle;
-        ArcEnd end = EndAt({}, start.angle + step);
-        end.point = ellipse.At(end.of.sine, end.of.cosine);
+        const float next = start.angle + step;
+        const SineCosine of = SineAndCosine(next);
+        const ArcEnd end = {ellipse.At(of.sine, of.cosine), next, of};
         addPiece(start, end);
         start = end;
     }
-    addPiece(start, EndAt(arc.to, endAngle));
+    addPiece(start, {arc.to, endAngle, endOf});
 }
 
 }  // namespace SVGLoom

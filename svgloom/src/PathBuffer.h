@@ -34,22 +34,17 @@ public:
     PathBuffer(const PathBuffer&) = delete;
     PathBuffer& operator=(const PathBuffer&) = delete;
 
-    void MoveTo(float x, float y) { Append(PathSegments::Kind::kMove, {x, y}); }
-    void LineTo(const Point& to) { Append(PathSegments::Kind::kLine, {to.x, to.y}); }
+    void MoveTo(float x, float y) { Append(PathSegments::Kind::kMove, x, y); }
+    void LineTo(const Point& to) { Append(PathSegments::Kind::kLine, to.x, to.y); }
     void CurveTo(const Point& first, const Point& second, const Point& to)
     {
-        Append(PathSegments::Kind::kCurve, {first.x, first.y, second.x, second.y, to.x, to.y});
+        Append(PathSegments::Kind::kCurve, first.x, first.y, second.x, second.y, to.x, to.y);
     }
     void QuadTo(const Point& control, const Point& to)
     {
-        Append(PathSegments::Kind::kQuad, {control.x, control.y, to.x, to.y});
+        Append(PathSegments::Kind::kQuad, control.x, control.y, to.x, to.y);
     }
-    void ClosePath()
-    {
-        std::uint8_t* const at = at_;
-        *at = static_cast<std::uint8_t>(PathSegments::Kind::kClose);
-        GoTo(at + 1);
-    }
+    void ClosePath() { Append(PathSegments::Kind::kClose); }
 
     /// Hands over what is left.
     void Flush()
@@ -65,17 +60,14 @@ private:
     static constexpr std::size_t kUsualBytes = 4096;
     static constexpr std::size_t kLargeBytes = std::size_t{64} * 1024;
 
-    template <std::size_t count>
-    void Append(PathSegments::Kind kind, const float (&coordinates)[count])
+    /// One coordinate by the other: as an array, they would be written twice, and wait for that.
+    template <class... Coordinates>
+    void Append(PathSegments::Kind kind, Coordinates... coordinates)
     {
-        // Read once: bytes that are written might be those of `at_` itself.
-        std::uint8_t* const at = at_;
-        *at = static_cast<std::uint8_t>(kind);
-        std::memcpy(at + 1, coordinates, sizeof coordinates);
-        GoTo(at + 1 + sizeof coordinates);
-    }
-    void GoTo(std::uint8_t* at)
-    {
+        // Bytes that are written might be those of `at_` itself, so it is read once.
+        std::uint8_t* at = at_;
+        *at++ = static_cast<std::uint8_t>(kind);
+        ((std::memcpy(at, &coordinates, sizeof(float)), at += sizeof(float)), ...);
         at_ = at;
         if (at > fullFrom_) [[unlikely]] {
             MakeRoom();
