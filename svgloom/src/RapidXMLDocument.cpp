@@ -154,21 +154,24 @@ bool RapidXMLNode::MoveToFirstChild()
 RapidXMLDocument::RapidXMLDocument(char* text)
 {
     char* const end = text + std::strlen(text);
+    const auto size = static_cast<std::size_t>(end - text);
+    const bool hasReferences = std::memchr(text, '&', size) != nullptr;
+    const bool hasSection = HasSection({text, size});
+    if (!hasReferences && !hasSection) {
+        document_.parse<kPlainFlags>(text);
+        return;
+    }
     const char* const tooDeep = HasManyTags(text, end) ? FindTooDeep(text, end) : nullptr;
     if (tooDeep != nullptr) {
         throw rapidxml::parse_error("elements are nested too deeply", text + (tooDeep - text));
     }
-    const auto size = static_cast<std::size_t>(end - text);
-    const bool hasReferences = std::memchr(text, '&', size) != nullptr;
     if (hasReferences) {
         TameReferences(text, end);
     }
-    if (HasSection({text, size})) {
+    if (hasSection) {
         document_.parse<kFlags>(text);
-    } else if (hasReferences) {
-        document_.parse<kFlagsWithoutTexts>(text);
     } else {
-        document_.parse<kPlainFlags>(text);
+        document_.parse<kFlagsWithoutTexts>(text);
     }
     if (hasReferences) {
         CutValuesAtNul(&document_);

@@ -13,17 +13,6 @@ namespace SVGLoom::xml {
 
 namespace {
 
-// The library's classes of characters.
-bool IsElementNameCharacter(char c)
-{
-    return !IsSpace(c) && c != '/' && c != '>' && c != '?' && c != '\0';
-}
-
-bool IsAttributeNameCharacter(char c)
-{
-    return IsElementNameCharacter(c) && c != '!' && c != '<' && c != '=';
-}
-
 const char* Find(const char* current, const char* end, char c)
 {
     return static_cast<const char*>(

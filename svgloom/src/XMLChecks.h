@@ -3,7 +3,20 @@
 
 #pragma once
 
+#include "svgloom/src/Characters.h"
+
 namespace SVGLoom::xml {
+
+/// The library's classes of characters.
+constexpr bool IsElementNameCharacter(char c)
+{
+    return !IsSpace(c) && c != '/' && c != '>' && c != '?' && c != '\0';
+}
+
+constexpr bool IsAttributeNameCharacter(char c)
+{
+    return IsElementNameCharacter(c) && c != '!' && c != '<' && c != '=';
+}
 
 /// The root is level 1.
 inline constexpr int kMaxDepth = 512;

@@ -212,6 +212,53 @@ TEST(RapidXMLDocument, AllWaysOfParsing)
     }
 }
 
+// Plain texts are read by functions of our own, the others by the library's.
+TEST(RapidXMLDocument, PlainTextsFailAndReadAsOthers)
+{
+    constexpr std::string_view kText =
+        "<?xml version='1'?><!DOCTYPE a [<!ENTITY b 'c'>]> <svg a='1' b = \"2\"\n>\n<g  c=''>"
+        "<!-- d --><e/>x<f g=\"'\" /> y </g><!h>z<?i?><j:k l:m='>'></j:k\n></svg ><n/> ";
+    const auto expectSame = [](const std::string& text) {
+        EXPECT_EQ(Parse(text), Parse("<!-- & -->" + text)) << text;
+    };
+    for (std::size_t at = 0; at < kText.size(); ++at) {
+        expectSame(std::string(kText.substr(0, at)));
+        std::string changed(kText);
+        changed.erase(at, 1);
+        expectSame(changed);
+        for (const char c : std::string_view("<>/='\" \0\n!?x\xFF", 12)) {
+            changed = kText;
+            changed[at] = c;
+            expectSame(changed);
+            changed = kText;
+            changed.insert(at, 1, c);
+            expectSame(changed);
+        }
+    }
+}
+
+TEST(RapidXMLDocument, DepthIsLimitedInAllWays)
+{
+    for (const std::string_view before : {"", "<!-- & -->", "<!--![CDATA[-->"}) {
+        for (const int depth : {kMaxDepth, kMaxDepth + 1}) {
+            std::string text(before);
+            std::string close;
+            for (int i = 0; i < depth - 1; ++i) {
+                text += "<g><e/>";
+                close += "</g>";
+            }
+            // Neither what stands before nor an element without content opens another level.
+            text += "<e/>" + close + "<g><e/></g>";
+            const std::string parsed = Parse(text);
+            if (depth == kMaxDepth) {
+                EXPECT_TRUE(parsed.starts_with("g[e g[e")) << before;
+            } else {
+                EXPECT_EQ(parsed, "error: elements are nested too deeply") << before;
+            }
+        }
+    }
+}
+
 TEST(RapidXMLDocument, TheFirstNulEndsTheText)
 {
     EXPECT_EQ(Parse(std::string_view("<a/>\0<b/>", 9)), "a");
