@@ -100,8 +100,9 @@ struct FileExchange::Names {
     // renamed over the target, half written.
     std::shared_ptr<SystemFile> file;
     Descriptor old;
-    UString newName;   // of `file`, while it has one
-    UString keptName;  // of `old`, the second one, while it has it
+    UString newName;             // of `file`, while it has one
+    std::size_t freeNumber = 0;  // of beside names, the first that may be free
+    UString keptName;            // of `old`, the second one, while it has it
 
     void PutOldBack() noexcept
     {
@@ -143,6 +144,7 @@ const std::shared_ptr<SystemFile>& FileExchange::Create(bool exists)
         names_->file = SystemFile::CreateLocked(name, names_->shownPath, original);
         if (names_->file) {
             names_->newName = std::move(name);
+            names_->freeNumber = number + 1;
             return names_->file;
         }
     }
@@ -161,7 +163,7 @@ void FileExchange::KeepOld()
     }
     // By way of the open file, because another one may stand under its name by now.
     const std::string open = "/proc/self/fd/" + std::to_string(names_->old.Get());
-    for (std::size_t number = 0; number < kMaxBesideNumbers; ++number) {
+    for (std::size_t number = names_->freeNumber; number < kMaxBesideNumbers; ++number) {
         UString name = BesidePath(names_->target, number);
         if (linkat(AT_FDCWD, open.c_str(), AT_FDCWD, NativePath(name).c_str(), AT_SYMLINK_FOLLOW) ==
             0) {

@@ -2,14 +2,14 @@
 
 #include <algorithm>
 #include <cstring>
-#include <string_view>
-#include <vector>
+#include <memory>
 
 #include <kivcore/Trace.h>
 
 #include "framework/kivcore/src/FileExchange.h"
 #include "framework/kivcore/src/FileSystem.h"
 #include "framework/kivcore/src/Path.h"
+#include "framework/kivcore/src/ReplacementChecks.h"
 #include "framework/kivcore/src/SystemError.h"
 
 namespace kivcore::filesupport {
@@ -18,6 +18,8 @@ namespace {
 
 // What is written is cut into blocks of this size, and read back in the same blocks.
 constexpr std::size_t kBlockBytes = std::size_t{256} * 1024;
+
+constinit bool checksAreOn = true;
 
 // Not a secure digest: it only has to tell what was written from what came back. Every step is
 // one-to-one in the digest so far and in the word, so a single damaged word is always seen.
@@ -40,17 +42,21 @@ std::uint64_t Digest(std::uint64_t digest, const char* data, std::size_t bytes)
     return digest;
 }
 
-/// Writes in blocks and keeps the digest of them.
+/// Writes in blocks and keeps the digest of them, where that is asked for.
 class BlockOutput final : public OutputFile {
 public:
-    BlockOutput(SystemFile& file, const UString& shownPath) : file_(file), shownPath_(shownPath) {}
+    /// Without a digest of its own if nobody `asksBack`.
+    BlockOutput(SystemFile& file, const UString& shownPath, bool asksBack)
+        : file_(file), shownPath_(shownPath), asksBack_(asksBack)
+    {
+    }
 
     void Write(const void* data, std::size_t bytes) override
     {
         const auto* current = static_cast<const char*>(data);
         while (bytes > 0) {
             const std::size_t count = std::min(bytes, kBlockBytes - used_);
-            std::memcpy(block_.data() + used_, current, count);
+            std::memcpy(block_.get() + used_, current, count);
             Took(count);
             current += count;
             bytes -= count;
@@ -62,7 +68,7 @@ public:
         while (bytes > 0) {
             const auto count =
                 static_cast<std::size_t>(std::min<std::uint64_t>(bytes, kBlockBytes - used_));
-            if (source.ReadAt(offset, block_.data() + used_, count) != count) {
+            if (source.ReadAt(offset, block_.get() + used_, count) != count) {
                 throw FileError(
                     FileError::Kind::kChanged,
                     ErrorText(shownPath_, "what is to be copied is not there any more"));
@@ -75,20 +81,24 @@ public:
 
     std::uint64_t SizeBytes() const noexcept override { return sizeBytes_; }
 
-    /// Flushes, and compares what the system gives back with what it got.
-    void Finish()
+    void Flush()
     {
         PutOut();
         file_.Flush();
+    }
+
+    /// Compares what the system gives back with what it got.
+    void ReadBack()
+    {
         std::uint64_t digest = 0;
         std::uint64_t offset = 0;
         while (offset < sizeBytes_) {
             const std::size_t count =
-                file_.ReadAt(offset, block_.data(), kBlockBytes, FileStep::kVerify);
+                file_.ReadAt(offset, block_.get(), kBlockBytes, FileStep::kVerify);
             if (count == 0) {
                 break;
             }
-            digest = Digest(digest, block_.data(), count);
+            digest = Digest(digest, block_.get(), count);
             offset += count;
         }
         if (digest != digest_ || file_.Identity().sizeBytes != sizeBytes_) {
@@ -110,15 +120,18 @@ private:
     void PutOut()
     {
         if (used_ > 0) {
-            digest_ = Digest(digest_, block_.data(), used_);
-            file_.Append(block_.data(), used_);
+            if (asksBack_) {
+                digest_ = Digest(digest_, block_.get(), used_);
+            }
+            file_.Append(block_.get(), used_);
             used_ = 0;
         }
     }
 
     SystemFile& file_;
     const UString& shownPath_;
-    std::vector<char> block_ = std::vector<char>(kBlockBytes);
+    const bool asksBack_;
+    const std::unique_ptr<char[]> block_ = std::make_unique_for_overwrite<char[]>(kBlockBytes);
     std::size_t used_ = 0;
     std::uint64_t sizeBytes_ = 0;
     std::uint64_t digest_ = 0;
@@ -163,12 +176,15 @@ private:
     void Write(const std::shared_ptr<SystemFile>& file,
                const std::function<void(OutputFile& out)>& write) const
     {
-        BlockOutput out(*file, path_);
+        const bool compares = checksAreOn && !options_.compare;
+        BlockOutput out(*file, path_, compares);
         write(out);
-        out.Finish();
-        if (options_.check) {
-            InputFile written(file);
-            options_.check(written);
+        out.Flush();
+        if (compares) {
+            out.ReadBack();
+        } else if (checksAreOn) {
+            InputFile written(file, FileStep::kVerify);
+            options_.compare(written);
         }
     }
 
@@ -176,6 +192,11 @@ private:
     const UString target_;  // with symbolic links followed
     const ReplaceOptions& options_;
 };
+
+void SetReplacementChecks(bool areOn) noexcept
+{
+    checksAreOn = areOn;
+}
 
 FileIdentity ReplaceWholeFile(const UString& path,
                               const std::function<void(OutputFile& out)>& write,

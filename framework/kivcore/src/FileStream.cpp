@@ -5,10 +5,13 @@
 
 namespace kivcore::filesupport {
 
-InputFile::InputFile(const UString& path) : InputFile(SystemFile::Open(AbsolutePath(path), path)) {}
+InputFile::InputFile(const UString& path)
+    : InputFile(SystemFile::Open(AbsolutePath(path), path), FileStep::kRead)
+{
+}
 
-InputFile::InputFile(std::shared_ptr<SystemFile> file)
-    : file_(std::move(file)), identity_(file_->Identity())
+InputFile::InputFile(std::shared_ptr<SystemFile> file, FileStep step)
+    : file_(std::move(file)), step_(step), identity_(file_->Identity())
 {
 }
 
@@ -16,7 +19,7 @@ InputFile::~InputFile() = default;
 
 std::size_t InputFile::ReadAt(std::uint64_t offset, void* buffer, std::size_t bytes)
 {
-    return file_->ReadAt(offset, buffer, bytes, FileStep::kRead);
+    return file_->ReadAt(offset, buffer, bytes, step_);
 }
 
 OutputFile::~OutputFile() = default;

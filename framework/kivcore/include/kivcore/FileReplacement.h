@@ -27,13 +27,14 @@ struct ReplaceOptions {
     /// The state in which the file was read; if it is not in this state any more, nothing is
     /// written and FileError kChanged is thrown. Without it the file may be missing, and is made.
     std::optional<FileIdentity> expected;
-    /// Checks the flushed copy, over and above that it reads back as it was written. Throws to
-    /// refuse it; the old file then stays.
-    std::function<void(InputFile& written)> check;
+    /// Takes the place of the comparison of the flushed copy with what was written: it has to read
+    /// the copy whole and hold every byte of it against what it should be, so that nobody reads it
+    /// twice. Throws to refuse it; the old file then stays.
+    std::function<void(InputFile& written)> compare;
 };
 
 /// Replaces (or makes) the file at `path` by what `write` puts out, and returns the new file's
-/// identity. Throws FileError, and whatever `write` and `check` throw; the old file is then as it
+/// identity. Throws FileError, and whatever `write` and `compare` throw; the old file is then as it
 /// was and nothing is left beside it. There are two exceptions. On a POSIX file system without hard
 /// links the new content stands where the system refuses to flush the folder behind the rename.
 /// Where Windows has put the old file aside and lets nobody rename it back, the message tells its

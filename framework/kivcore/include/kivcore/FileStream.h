@@ -22,6 +22,19 @@ struct FileIdentity {
     bool operator==(const FileIdentity&) const = default;
 };
 
+/// The steps of file work, by which the fault switch names them.
+enum class FileStep {
+    kOpen,
+    kRead,
+    kCreate,
+    kWrite,
+    kFlush,
+    kVerify,
+    kRename,
+    kFlushFolder,
+    kRemove
+};
+
 class SystemFile;
 
 /// A file open for reading. Others may read and write it meanwhile.
@@ -41,9 +54,10 @@ public:
 
 private:
     friend class FileReplacement;
-    explicit InputFile(std::shared_ptr<SystemFile> file);
+    InputFile(std::shared_ptr<SystemFile> file, FileStep step);
 
     std::shared_ptr<SystemFile> file_;
+    FileStep step_;
     FileIdentity identity_;
 };
 
@@ -57,19 +71,6 @@ public:
     virtual void CopyFrom(InputFile& source, std::uint64_t offset, std::uint64_t bytes) = 0;
     /// Bytes written so far.
     virtual std::uint64_t SizeBytes() const noexcept = 0;
-};
-
-/// The steps of file work, by which the fault switch names them.
-enum class FileStep {
-    kOpen,
-    kRead,
-    kCreate,
-    kWrite,
-    kFlush,
-    kVerify,
-    kRename,
-    kFlushFolder,
-    kRemove
 };
 
 /// As the error of a fault: the process ends on the spot, as if it had been killed.
