@@ -1,20 +1,18 @@
-// What the SVG benchmarks share: the pictures that fetch_artwork.py put into a folder, librsvg as a
-// library to compare with, medians of several contestants that take turns, and the run of what was
-// registered.
+// What the SVG benchmarks share: the pictures that fetch_artwork.py put into a folder, and librsvg
+// as a library to compare with.
 
 #pragma once
+
+#include "bench/Turns.h"
 
 #include <benchmark/benchmark.h>
 #include <librsvg/rsvg.h>
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iterator>
 #include <memory>
 #include <string>
@@ -61,53 +59,6 @@ inline RsvgDocument ParseWithRsvg(const std::string& text)
 {
     return RsvgDocument(rsvg_handle_new_from_data(reinterpret_cast<const guint8*>(text.data()),
                                                   text.size(), nullptr));
-}
-
-/// On the processor: what other programs take does not count.
-template <class Work>
-double SecondsOf(const Work& work)
-{
-    const std::clock_t start = std::clock();
-    work();
-    return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-inline double MedianOf(std::vector<double> values)
-{
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
-}
-
-/// The median seconds of each contestant. They take turns, so that what else the machine does
-/// meets all of them; the first round does not count.
-inline std::vector<double> MediansInTurn(int rounds,
-                                         const std::vector<std::function<void()>>& contestants)
-{
-    std::vector<std::vector<double>> seconds(contestants.size());
-    for (int round = 0; round <= rounds; ++round) {
-        for (std::size_t i = 0; i < contestants.size(); ++i) {
-            const double took = SecondsOf(contestants[i]);
-            if (round > 0) {
-                seconds[i].push_back(took);
-            }
-        }
-    }
-    std::vector<double> medians;
-    for (const std::vector<double>& each : seconds) {
-        medians.push_back(MedianOf(each));
-    }
-    return medians;
-}
-
-/// Runs what has been registered, as the arguments choose. @return the exit status
-inline int RunRegistered(int argc, char** argv)
-{
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
-        return 1;
-    }
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
 }
 
 }  // namespace bench

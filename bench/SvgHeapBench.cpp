@@ -4,6 +4,7 @@
 //
 // usage: KIV_BENCH_ARTWORK=FOLDER SvgHeapBench
 
+#include "bench/HeapCount.h"
 #include "bench/SvgCorpora.h"
 #include "bench/SvgFamilies.h"
 #include "svgloom/renderer/ScrivelSVGRenderer.h"
@@ -12,67 +13,12 @@
 #include <kivui/ScrivelTargets.h>
 
 #include <benchmark/benchmark.h>
-#include <malloc.h>
 
 #include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <vector>
-
-namespace {
-
-std::int64_t bytesInUse = 0;  // on one thread
-
-void* Count(void* block)
-{
-    bytesInUse += static_cast<std::int64_t>(malloc_usable_size(block));
-    return block;
-}
-
-void Forget(void* block)
-{
-    bytesInUse -= static_cast<std::int64_t>(malloc_usable_size(block));
-}
-
-}  // namespace
-
-// The C library lets a program put its own functions before its own, and keeps these names for the
-// originals.
-extern "C" {
-// NOLINTBEGIN(bugprone-reserved-identifier,readability-identifier-naming)
-void* __libc_malloc(std::size_t size);
-void* __libc_calloc(std::size_t count, std::size_t size);
-void* __libc_realloc(void* block, std::size_t size);
-void __libc_free(void* block);
-// NOLINTEND(bugprone-reserved-identifier,readability-identifier-naming)
-
-void* malloc(std::size_t size)
-{
-    return Count(__libc_malloc(size));
-}
-
-void* calloc(std::size_t count, std::size_t size)
-{
-    return Count(__libc_calloc(count, size));
-}
-
-void* realloc(void* block, std::size_t size)
-{
-    const std::size_t before = malloc_usable_size(block);
-    void* const moved = __libc_realloc(block, size);
-    if (moved != nullptr || size == 0) {
-        bytesInUse -= static_cast<std::int64_t>(before);
-    }
-    return Count(moved);
-}
-
-void free(void* block)
-{
-    Forget(block);
-    __libc_free(block);
-}
-}
 
 namespace {
 
@@ -112,11 +58,11 @@ void HeapOfCorpus(benchmark::State& state, const std::string& name)
         std::int64_t parsedBytes = 0;
         std::int64_t drawnBytes = 0;
         for (const std::string& text : texts) {
-            const std::int64_t before = bytesInUse;
+            const std::int64_t before = bench::bytesInUse;
             const Parsed parsed = Parse(text);
-            parsedBytes += bytesInUse - before;
+            parsedBytes += bench::bytesInUse - before;
             draw(parsed);
-            drawnBytes += bytesInUse - before;
+            drawnBytes += bench::bytesInUse - before;
         }
         const auto count = static_cast<double>(texts.size());
         state.counters["bytes"] = static_cast<double>(parsedBytes) / count;
@@ -130,10 +76,10 @@ void HeapOfFamily(benchmark::State& state, std::size_t family)
     const std::string text = bench::FamilyText(family, count);
     Parse(text);
     for (auto _ : state) {
-        const std::int64_t before = bytesInUse;
+        const std::int64_t before = bench::bytesInUse;
         const Parsed parsed = Parse(text);
         state.counters["bytes_of_item"] =
-            static_cast<double>(bytesInUse - before) / static_cast<double>(count);
+            static_cast<double>(bench::bytesInUse - before) / static_cast<double>(count);
     }
 }
 

@@ -60,6 +60,17 @@ def growth(counters, name, counter, sizes):
     return counters[f"{name}/{sizes[1]}"][counter] / counters[f"{name}/{sizes[0]}"][counter]
 
 
+PHOTO_FORMATS = ("jpg", "png", "webp", "tif", "dng")
+PHOTO_READS = [f"{photo}/{packet}" for photo in ("100KB", "24MB") for packet in ("3KB", "100KB")]
+PHOTO_SIZES = ("100KB", "5MB", "50MB")
+
+
+def of_photos(text, name, sizes, counter, limit):
+    """One row for each format and size."""
+    return [(f"{text}, {photo} {size}", lambda c, n=f"{name}/{photo}/{size}": c[n][counter], "<=",
+             limit) for photo in PHOTO_FORMATS for size in sizes]
+
+
 def of_dictionaries(text, name, counter, direction, limits, scale=1):
     """One row for each size of catalog."""
     return [(f"{text}, {size} texts",
@@ -87,6 +98,12 @@ COUNTERS = [
                      (0, 0, 0, 0)),
     *of_dictionaries("allocations of a full lookup", "Footprint", "allocations_of_full", "<=",
                      (1, 1, 1, 1)),
+    *of_photos("reading a photo's packet, times Exiv2", "PhotoRead", PHOTO_READS, "of_exiv2", 1),
+    # Waiting for the disk is what a save takes, so here the clock on the wall counts.
+    *of_photos("saving a photo, times its least steps", "PhotoSave", PHOTO_SIZES,
+               "wall_of_reference", 1.5),
+    *of_photos("saving a photo bare, times Exiv2", "PhotoSaveBare", PHOTO_SIZES, "of_exiv2", 2),
+    *of_photos("heap of saving a photo, MiB", "PhotoHeap", ("50MB", "500MB"), "MiB", 2),
     ("SVG parsing, times librsvg over the icons",
      lambda c: of_icons(c, "SvgParse", "times_librsvg"), ">=", 12),
     ("SVG parsing, times librsvg on a path of 10 MB",

@@ -42,7 +42,8 @@ LAYERS = {
     "tools/svgloom": ("svgloom", "kivcore", "kivui", "tools/common"),
     # Judges of the whole.
     "bench": ("include", "dictionary", "svgloom", "kivcore", "kivui", "kivxmp", "kivmetadata",
-              "kivmetadataui", "framework/kivui/src/scrivel", "framework/kivxmp/tests"),
+              "kivmetadataui", "framework/kivui/src/scrivel", "framework/kivxmp/tests",
+              "framework/kivxmp/src/ByteNumbers.h", "framework/kivcore/src/ReplacementChecks.h"),
     "fuzz": ("dictionary", "svgloom", "framework/kivcore/src", "framework/kivui/src",
              "framework/kivxmp/src", "framework/kivmetadata/src", "kivcore", "kivui", "kivxmp",
              "kivmetadata", "tools/svgloom/check"),
@@ -66,7 +67,7 @@ FOREIGN = {
     r"X11/.+": ("framework/kivtoolkit", "*tests"),
     r"boost/(function\.hpp|smart_ptr/intrusive_ptr\.hpp|shared_ptr\.hpp)": (
         "framework", "svgbridge", "api"),
-    r"exiv2/.+": ("framework/kivxmp/src/ExifIimReader.cpp",),
+    r"exiv2/.+": ("framework/kivxmp/src/ExifIimReader.cpp", "bench"),
     r"boost/uuid/detail/md5\.hpp|zlib\.h": ("framework/kivxmp",),
     r"boost/property_tree/detail/rapidxml\.hpp": ("svgloom/src",),
     # Of a processor; what includes it goes without where there is another.
@@ -83,7 +84,7 @@ STANDARD_C = set("""assert.h complex.h ctype.h errno.h fenv.h float.h inttypes.h
     stdio.h stdlib.h stdnoreturn.h string.h tgmath.h time.h uchar.h wchar.h wctype.h""".split())
 # Those of a system stand in files that are named after it, in tests and in benchmarks, which run on
 # one system only.
-SYSTEM = re.compile(r"(sys/\w+|unistd|fcntl|dirent|dlfcn|link|pwd|grp|poll|malloc|iconv)\.h")
+SYSTEM = re.compile(r"(sys/\w+|unistd|fcntl|dirent|dlfcn|link|pwd|grp|poll|sched|malloc|iconv)\.h")
 # Those of Windows in files that are named after it, in tests too: no other system has them.
 WINDOWS = re.compile(r"(windows|commctrl|dwmapi|gdiplus|io|knownfolders|objbase|objidl|psapi|shellapi"
                      r"|sddl|shlobj|tlhelp32|winioctl|winternl|xmmintrin)\.h")
