@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
+#include <map>
 #include <set>
 #include <string>
 #include <string_view>
@@ -269,6 +271,24 @@ TEST(TagMapping, EachRow)
         EXPECT_TRUE(tested.contains(std::string(row.tag) + " " + std::string(row.prefix) + ":" +
                                     std::string(row.name)))
             << row.tag << " has no row here";
+    }
+}
+
+TEST(TagMapping, TheManualShowsEachRow)
+{
+    std::ifstream file(KIV_PHOTOS_PAGE, std::ios::binary);
+    ASSERT_TRUE(file) << KIV_PHOTOS_PAGE;
+    std::map<std::string, std::string> lines;  // by property
+    std::string line;
+    while (std::getline(file, line)) {
+        if (line.starts_with("| `")) {
+            lines[line.substr(3, line.find('`', 3) - 3)] = line;
+        }
+    }
+    for (const MappingRow& row : MappingRows()) {
+        const std::string property = std::string(row.prefix) + ":" + std::string(row.name);
+        EXPECT_NE(lines[property].find("`" + std::string(row.tag) + "`"), std::string::npos)
+            << property << " by " << row.tag;
     }
 }
 
