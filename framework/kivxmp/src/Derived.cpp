@@ -58,6 +58,12 @@ const DerivedSource* FindDerivedSource(const __XMPMeta__& meta, std::string_view
     return FindDerivedSource(meta, meta.ParsePath(path));
 }
 
+std::vector<DerivedSource> DerivedPackets(const __XMPMeta__& meta)
+{
+    const DerivedSet* const set = SetOf(meta);
+    return set == nullptr ? std::vector<DerivedSource>() : set->PacketSources();
+}
+
 std::unique_ptr<const __XMPMeta__> DerivedProperties(const __XMPMeta__& meta)
 {
     std::unique_ptr<__XMPMeta__> derived = __XMPMeta__::Create();

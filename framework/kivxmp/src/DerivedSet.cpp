@@ -27,6 +27,15 @@ void DerivedSet::AddPacket(std::unique_ptr<const __XMPMeta__> packet, DerivedSou
     packets_.push_back({std::move(packet), std::make_unique<DerivedSource>(std::move(source))});
 }
 
+std::vector<DerivedSource> DerivedSet::PacketSources() const
+{
+    std::vector<DerivedSource> sources;
+    for (const Packet& packet : packets_) {
+        sources.push_back(*packet.source);
+    }
+    return sources;
+}
+
 void DerivedSet::SetPhoto(const UString& path, const FileIdentity& identity)
 {
     // What was read stays: a save changes nothing in it.

@@ -20,6 +20,8 @@ class DerivedSet {
 public:
     /// Adds the packet of another place, which counts before the photo's own data.
     void AddPacket(std::unique_ptr<const __XMPMeta__> packet, DerivedSource source);
+    /// Where those packets come from.
+    std::vector<DerivedSource> PacketSources() const;
     /// Lets the Exif and IIM data of a photo be read at the first question, if it is then in the
     /// state given here.
     void SetPhoto(const kivcore::UString& path, const kivcore::filesupport::FileIdentity& identity);

@@ -52,6 +52,7 @@ TEST_F(DerivedTest, WhatThePacketLacks)
     EXPECT_EQ(FindDerived(*meta, "xmp:Rating"), nullptr);
     EXPECT_THROW(FindDerived(*meta, "xmp:"), XMP_Error);
 
+    EXPECT_EQ(DerivedPackets(*meta), std::vector<DerivedSource>{sidecar});
     const auto derived = DerivedProperties(*meta);
     EXPECT_EQ(derived->PropertyCount(), 2u);
     EXPECT_EQ(TextOf(derived->Find("xmp:Label")), "red");
@@ -97,6 +98,7 @@ TEST_F(DerivedTest, AnObjectOfNoFileHasNone)
     EXPECT_EQ(FindDerivedSource(*meta, "dc:title"), nullptr);
     EXPECT_EQ(TextOf(FindWithDerived(*meta, "dc:title")), "t");
     EXPECT_EQ(DerivedProperties(*meta)->PropertyCount(), 0u);
+    EXPECT_TRUE(DerivedPackets(*meta).empty());
 }
 
 }  // namespace

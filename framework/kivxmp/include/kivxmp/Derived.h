@@ -21,6 +21,7 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kivxmp {
 
@@ -58,5 +59,9 @@ KIVXMP_API const DerivedSource* FindDerivedSource(const __XMPMeta__& meta, std::
 /// All derived properties that the packet lacks, as an object of their own to look at: a copy that
 /// does not follow later changes of `meta`. Never null.
 KIVXMP_API std::unique_ptr<const __XMPMeta__> DerivedProperties(const __XMPMeta__& meta);
+
+/// The packets in other places that were read besides, in the order in which they count, also those
+/// that add nothing: kSidecar or kEmbedded and the name of the file.
+KIVXMP_API std::vector<DerivedSource> DerivedPackets(const __XMPMeta__& meta);
 
 }  // namespace kivxmp
