@@ -470,6 +470,26 @@ Size MeasureCheck(const Drawing& drawing, kivcore::UStringView label)
     return {side + SnapUnits(metrics::kGap, drawing.scale) + words, height};
 }
 
+void DrawMark(const Drawing& drawing, const Rect& rect, kivcore::UStringView text)
+{
+    const Rect place = SnapRect(rect);
+    drawing.painter.Frame(place, metrics::kMarkRadius * drawing.scale,
+                          SnapUnits(metrics::kFrameWidth, drawing.scale), drawing.Color(kHairline));
+    Rect words = place;
+    const double padding = SnapUnits(metrics::kMarkPadding, drawing.scale);
+    Cut(words, padding);
+    Cut(words, -padding);
+    DrawTextLine(drawing, text, words, TextRole::kHint);
+}
+
+Size MeasureMark(const Drawing& drawing, kivcore::UStringView text)
+{
+    const double words =
+        std::ceil(drawing.painter.MeasureText(text, StyleOfText(drawing, TextRole::kHint)).width);
+    return {words + 2 * SnapUnits(metrics::kMarkPadding, drawing.scale),
+            LineHeight(drawing, TextRole::kLabel)};
+}
+
 void DrawChangedDot(const Drawing& drawing, const Rect& rect)
 {
     const Rect dot = Middle(SnapRect(rect), SnapUnits(metrics::kChangedDot, drawing.scale));

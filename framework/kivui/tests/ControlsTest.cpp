@@ -206,6 +206,12 @@ std::vector<Control> Controls()
          {{"hint", Message(MessageKind::kHint)},
           {"warning", Message(MessageKind::kWarning)},
           {"error", Message(MessageKind::kError)}}},
+        {"mark",
+         {{"as wide as its words",
+           [](const Drawing& d) { DrawMark(d, At(d, 10, 10, 64, 18), u"From Exif"); }},
+          {"narrower", [](const Drawing& d) { DrawMark(d, At(d, 10, 10, 20, 18), u"From Exif"); }},
+          {"too narrow for words",
+           [](const Drawing& d) { DrawMark(d, At(d, 10, 10, 8, 18), u"From Exif"); }}}},
         {"text",
          {{"body", TextLine(TextRole::kBody, TextAlign::kStart)},
           {"label", TextLine(TextRole::kLabel, TextAlign::kStart)},
@@ -300,6 +306,8 @@ TEST_F(ControlSizes, FollowTheirTexts)
     EXPECT_EQ(MeasureChip(At(1), u"winter").width, 69);
     EXPECT_EQ(MeasureChip(At(1.5), u"winter").width, 104);
     EXPECT_EQ(MeasureChip(At(2), u"winter").height, 48);
+    EXPECT_EQ(MeasureMark(At(1), u"From Exif").width, 64);
+    EXPECT_EQ(MeasureMark(At(2), u"From Exif").height, 35);
     EXPECT_EQ(MeasureCheck(At(1), u"Marked").width, 63);
     EXPECT_EQ(MeasureCheck(At(1), u"").width, 16);
     EXPECT_EQ(LineHeight(At(1), TextRole::kBody), 19);

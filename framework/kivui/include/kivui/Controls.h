@@ -38,7 +38,9 @@ inline constexpr double kChipHeight = 24;
 inline constexpr double kChipRadius = 12;
 inline constexpr double kChipPadding = 10;
 inline constexpr double kChipCross = 20;  ///< width of the part that removes the chip
-inline constexpr double kStar = 24;       ///< one star's place; the star itself is smaller
+inline constexpr double kMarkRadius = 3;
+inline constexpr double kMarkPadding = 5;
+inline constexpr double kStar = 24;  ///< one star's place; the star itself is smaller
 inline constexpr double kCheckBox = 16;
 inline constexpr double kGap = 8;  ///< between an icon and its text
 inline constexpr double kBottomBarHeight = 52;
@@ -168,6 +170,11 @@ enum class CheckValue { kOff, kOn, kMixed };
 KIVUI_API void DrawCheck(const Drawing& drawing, const Rect& rect, kivcore::UStringView label,
                          CheckValue value, const ControlState& state);
 KIVUI_API Size MeasureCheck(const Drawing& drawing, kivcore::UStringView label);
+
+/// A word or two beside a label that say something of the value: where it comes from.
+KIVUI_API void DrawMark(const Drawing& drawing, const Rect& rect, kivcore::UStringView text);
+/// The size that a mark needs, whole pixels; as high as a line of a label.
+KIVUI_API Size MeasureMark(const Drawing& drawing, kivcore::UStringView text);
 
 /// The dot of what is changed, in the middle of `rect`.
 KIVUI_API void DrawChangedDot(const Drawing& drawing, const Rect& rect);
