@@ -65,7 +65,7 @@ bool DialogView::HasErrors() const noexcept
 
 DialogModel::DialogModel(const __XMPMeta__& meta, const kivmetadata::ViewDefinitions& views,
                          const kivmetadata::SchemaDefinitions& schemas, DialogOptions options)
-    : options_(std::move(options))
+    : options_(std::move(options)), note_(NoteOf(meta))
 {
     ModelBuilder builder(meta, schemas);
     for (const std::shared_ptr<const kivmetadata::ViewDefinition>& view : views) {
@@ -276,8 +276,14 @@ std::optional<std::size_t> DialogModel::FindView(std::string_view name) const
 
 void DialogModel::Apply(__XMPMeta__& target) const
 {
-    for (const PropertyBinding& binding : bindings_) {
-        WriteField(binding, target);
+    // A derived structure comes into the target whole with the first field that is set in it, so
+    // what goes out of it goes last.
+    for (const bool isRemoval : {false, true}) {
+        for (const PropertyBinding& binding : bindings_) {
+            if (binding.field->Items().empty() == isRemoval) {
+                WriteField(binding, target);
+            }
+        }
     }
 }
 

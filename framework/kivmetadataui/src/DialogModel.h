@@ -12,6 +12,7 @@
 #include <string_view>
 #include <vector>
 
+#include "framework/kivmetadataui/src/DerivedText.h"
 #include "framework/kivmetadataui/src/Fields.h"
 #include "framework/kivmetadataui/src/PropertyBinding.h"
 
@@ -39,6 +40,7 @@ struct FieldGroup {
 struct PropertyRow {
     std::string path;
     kivcore::UString value;
+    FieldSource source;  ///< as of a field
 };
 
 enum class ViewKind { kFields, kAllProperties };
@@ -120,6 +122,8 @@ public:
 
     /// "", "1 change", "3 changes", "2 errors".
     kivcore::UString SummaryText() const;
+    /// What lies beside the photo and what it adds; mostly empty.
+    const PhotoNote& Note() const noexcept { return note_; }
     std::size_t ChangeCount() const noexcept;
     std::size_t ErrorCount() const noexcept;
     /// Ends the typing in all fields, so that all errors show; before confirming.
@@ -170,6 +174,7 @@ private:
     std::vector<DialogView> views_;
     std::map<std::string, std::string, std::less<>> namespaces_;  // by prefix
     std::size_t currentView_ = 0;
+    PhotoNote note_;
     kivcore::UString message_;
     DialogModelObserver* observer_ = nullptr;
 };

@@ -108,6 +108,9 @@ UString Field::AccessibleState() const
     if (IsChanged()) {
         add(DialogText("$$$/Kiv/Dialog/State/Changed=changed"));
     }
+    if (IsDerived()) {
+        add(source_.detail);
+    }
     if (IsReadOnly()) {
         add(DialogText("$$$/Kiv/Dialog/State/ReadOnly=read-only"));
     }
@@ -136,6 +139,11 @@ void Field::Lock(UString explanation)
     explanation_ = std::move(explanation);
 }
 
+void Field::SetSource(FieldSource source)
+{
+    source_ = std::move(source);
+}
+
 void Field::Edit(FieldItems items, EditKind kind)
 {
     if (IsReadOnly() || items == items_) {
@@ -156,9 +164,23 @@ UString Field::Check(const FieldItems&) const
     return {};
 }
 
+UString Field::CurrentError() const
+{
+    if (!IsChanged()) {
+        return {};
+    }
+    // Taking it out of the packet would change nothing, and it would be back at the next look.
+    if (source_.isWhole && IsEmpty()) {
+        return DialogText(
+            "$$$/Kiv/Dialog/Source/Stays=This value comes from elsewhere. It can be replaced, but "
+            "not removed.");
+    }
+    return Check(items_);
+}
+
 void Field::SetError(bool isLenient)
 {
-    UString error = IsChanged() ? Check(items_) : UString();
+    UString error = CurrentError();
     // While typing, an error may go or become another one, but none appears.
     if (!isLenient || error.empty() || HasError()) {
         error_ = std::move(error);

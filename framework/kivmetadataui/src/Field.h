@@ -47,6 +47,14 @@ struct FieldItem {
 
 using FieldItems = std::vector<FieldItem>;
 
+/// Where a value comes from that the packet lacks (<kivxmp/Derived.h>).
+struct FieldSource {
+    kivcore::UString mark;    ///< stands beside the label: "From Exif"; empty for the packet's own
+    kivcore::UString detail;  ///< "From the camera’s Exif data: Exif.Photo.FNumber"
+    /// The whole property is meant. It cannot be removed: its source goes on telling it.
+    bool isWhole = false;
+};
+
 class Field;
 
 /// Told of everything that may look different. Calls come in the middle of the change, so a watcher
@@ -101,6 +109,10 @@ public:
     bool HasError() const noexcept { return !error_.empty(); }
     /// True if the content differs from what was read.
     bool IsChanged() const noexcept { return items_ != original_; }
+    /// Where what was read comes from; empty where that is the packet.
+    const FieldSource& Source() const noexcept { return source_; }
+    /// True while the content is that of a source: shown, marked, and never written.
+    bool IsDerived() const noexcept { return !source_.mark.empty() && !IsChanged(); }
 
     /// Goes back to what was read; can be undone.
     void Revert();
@@ -114,7 +126,7 @@ public:
 
     /// For assistive technology: the label.
     kivcore::UString AccessibleName() const { return description_.label; }
-    /// "changed", "read-only", and the error or the hint, as one text; may be empty.
+    /// "changed" or the source, "read-only", and the error or the hint, as one text; may be empty.
     kivcore::UString AccessibleState() const;
 
     /// At most one; null takes it away. Not owned.
@@ -124,6 +136,8 @@ public:
     void Load(FieldItems items);
     /// Used by the binding: shows the content read-only and says why.
     void Lock(kivcore::UString explanation);
+    /// Used by the binding: what was read comes from a source.
+    void SetSource(FieldSource source);
     /// Used by the model: locks without a word.
     void SetReadOnly() noexcept { description_.isReadOnly = true; }
 
@@ -142,11 +156,13 @@ protected:
     void Notify();
 
 private:
+    kivcore::UString CurrentError() const;
     void SetError(bool isLenient);
 
     FieldKind kind_;
     FieldDescription description_;
     kivcore::UString explanation_;
+    FieldSource source_;
     FieldItems original_;
     FieldItems items_;
     kivcore::UString error_;

@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 
+#include "framework/kivmetadataui/src/DerivedText.h"
 #include "framework/kivmetadataui/src/NodeText.h"
 #include "framework/kivmetadataui/src/Texts.h"
 
 #include <kivcore/Trace.h>
+#include <kivxmp/Derived.h>
 
 namespace kivmetadataui {
 
@@ -43,7 +45,7 @@ void TraceMissing(const ViewDefinition& view, const kivmetadata::ViewItem& item)
 }  // namespace
 
 ModelBuilder::ModelBuilder(const __XMPMeta__& meta, const kivmetadata::SchemaDefinitions& schemas)
-    : meta_(meta)
+    : meta_(meta), derived_(kivxmp::DerivedProperties(meta))
 {
     for (kivmetadata::SchemaIterator at = schemas.Begin(); !at.AtEnd(); at.Next()) {
         const SchemaDefinition& schema = at.Current();
@@ -96,7 +98,7 @@ void ModelBuilder::AddItem(const kivmetadata::ViewItem& item, bool isCamera, Dia
 {
     const Known& known = known_.at(Name(item.namespaceUri, item.propertyName));
     Path path{FieldStep(item.namespaceUri, item.propertyName, known.prefix)};
-    const Node* const node = meta_.FindProperty(item.namespaceUri, item.propertyName);
+    const Node* const node = kivxmp::FindWithDerived(meta_, path);
     const PropertyDefinition& definition = *known.definition;
     const bool hasMembers = definition.type == ValueType::kStructure &&
                             !definition.members.empty() && !definition.isReadOnly;
@@ -149,6 +151,14 @@ Field* ModelBuilder::FieldAt(Path path, const Definition& definition)
     return fields_[key] = bindings_.back().field.get();
 }
 
+std::vector<const Node*> ModelBuilder::Properties() const
+{
+    std::vector<const Node*> nodes = meta_.Properties();
+    const std::vector<const Node*> derived = derived_->Properties();
+    nodes.insert(nodes.end(), derived.begin(), derived.end());
+    return nodes;
+}
+
 void ModelBuilder::AddAllProperties()
 {
     DialogView view;
@@ -156,11 +166,19 @@ void ModelBuilder::AddAllProperties()
     view.name = "com.orvan.xmp/all-properties";
     view.label = DialogText("$$$/Kiv/Dialog/View/AllProperties=All properties");
     view.icon = "list";
-    for (const Node* const node : meta_.Properties()) {
+    const std::map<std::string, std::string, std::less<>> namespaces = Namespaces();
+    for (const Node* const node : Properties()) {
         const Path path{FieldStep(node->NamespaceUri(), node->LocalName(), node->Prefix())};
-        view.rows.push_back(
-            {node->NamespaceUri().empty() ? node->LocalName() : meta_.PrintPath(path),
-             NodeText(*node)});
+        PropertyRow row{node->LocalName(), NodeText(*node), SourceAt(meta_, path)};
+        const auto known = namespaces.find(node->Prefix());
+        if (!row.source.mark.empty() && !node->Prefix().empty() && known != namespaces.end() &&
+            known->second == node->NamespaceUri()) {
+            // The packet need not know the prefix of what it does not hold.
+            row.path = node->Prefix() + ":" + node->LocalName();
+        } else if (!node->NamespaceUri().empty()) {
+            row.path = meta_.PrintPath(path);
+        }
+        view.rows.push_back(std::move(row));
     }
     if (view.rows.empty()) {
         view.emptyText =
@@ -172,7 +190,7 @@ void ModelBuilder::AddAllProperties()
 std::map<std::string, std::string, std::less<>> ModelBuilder::Namespaces() const
 {
     std::map<std::string, std::string, std::less<>> namespaces = schemaNamespaces_;
-    for (const Node* const node : meta_.Properties()) {
+    for (const Node* const node : Properties()) {
         namespaces.emplace(node->Prefix(), node->NamespaceUri());
     }
     return namespaces;

@@ -9,11 +9,13 @@
 #include <vector>
 
 #include "framework/kivmetadataui/src/DateText.h"
+#include "framework/kivmetadataui/src/DerivedText.h"
 #include "framework/kivmetadataui/src/Fields.h"
 #include "framework/kivmetadataui/src/NodeText.h"
 #include "framework/kivmetadataui/src/NumberValue.h"
 #include "framework/kivmetadataui/src/Texts.h"
 
+#include <kivxmp/Derived.h>
 #include <kivxmp/XMPAccess.h>
 #include <kivxmp/XMPValue.h>
 
@@ -294,8 +296,11 @@ PropertyBinding MakeBinding(const __XMPMeta__& meta, kivxmp::Path path,
     description.hint = definition->description;
     description.placeholder = definition->placeholder;
     description.isReadOnly = definition->isReadOnly;
-    std::unique_ptr<Field> field =
-        MakeFilledField(*definition, path, meta.Find(path), std::move(description));
+    std::unique_ptr<Field> field = MakeFilledField(
+        *definition, path, kivxmp::FindWithDerived(meta, path), std::move(description));
+    if (!field->IsEmpty()) {
+        field->SetSource(SourceAt(meta, path));
+    }
     return {std::move(path), std::move(definition), std::move(field)};
 }
 
@@ -309,7 +314,7 @@ void WriteField(const PropertyBinding& binding, __XMPMeta__& target)
         target.Remove(binding.path);
         return;
     }
-    const Node* const node = target.Find(binding.path);
+    const Node* const node = kivxmp::FindWithDerived(target, binding.path);
     if (field.Kind() == FieldKind::kLanguageAlternative) {
         std::vector<kivxmp::LanguageText> items;
         for (const FieldItem& item : field.Items()) {

@@ -1,6 +1,6 @@
 // Ties a field to its property: makes the field that a definition asks for, fills it from the
-// packet, and writes it back. What the packet holds in a form that the definition does not expect
-// is shown read-only, with the reason, and kept.
+// packet, or from the photo where the packet lacks the property, and writes it back. What is there
+// in a form that the definition does not expect is shown read-only, with the reason, and kept.
 
 #pragma once
 
@@ -21,8 +21,8 @@ struct PropertyBinding {
     std::unique_ptr<Field> field;  ///< never null
 };
 
-/// The binding of one property or field of a structure. `path` leads to `node`, which is null where
-/// the packet has no such property.
+/// The binding of one property or field of a structure: of what the packet holds, else of what is
+/// derived, else empty.
 PropertyBinding MakeBinding(const __XMPMeta__& meta, kivxmp::Path path,
                             std::shared_ptr<const kivmetadata::PropertyDefinition> definition);
 

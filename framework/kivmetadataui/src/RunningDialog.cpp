@@ -9,6 +9,7 @@
 #include "framework/kivmetadataui/src/Texts.h"
 
 #include <kivcore/ErrorManager.h>
+#include <kivxmp/Derived.h>
 #include <kivxmp/XMPAccess.h>
 #include <kivxmp/XMPError.h>
 
@@ -50,6 +51,33 @@ bool RunContained(const std::function<void()>& function, std::string& failure) n
 std::optional<std::string> UnlessNull(std::string json)
 {
     return json == "null" ? std::nullopt : std::optional(std::move(json));
+}
+
+// A derived value is the old one: the dialog showed it.
+std::vector<kivxmp::Change> ChangesBetween(const __XMPMeta__& before, const __XMPMeta__& after)
+{
+    std::vector<kivxmp::Change> changes = kivxmp::Compare(before, after);
+    const auto derived = kivxmp::DerivedProperties(before);
+    const auto shown = __XMPMeta__::Create();
+    const auto written = __XMPMeta__::Create();
+    for (const kivxmp::Node* const node : derived->Properties()) {
+        const kivxmp::Node* const own = after.FindProperty(node->NamespaceUri(), node->LocalName());
+        if (own != nullptr) {
+            kivxmp::PathStep step;
+            step.uri = node->NamespaceUri();
+            step.local = node->LocalName();
+            step.prefix = node->Prefix();
+            shown->SetCopy({step}, *node);
+            written->SetCopy({step}, *own);
+        }
+    }
+    std::erase_if(changes, [&](const kivxmp::Change& change) {
+        const kivxmp::PathStep property = after.ParsePath(change.path).front();
+        return written->FindProperty(property.uri, property.local) != nullptr;
+    });
+    const std::vector<kivxmp::Change> replaced = kivxmp::Compare(*shown, *written);
+    changes.insert(changes.end(), replaced.begin(), replaced.end());
+    return changes;
 }
 
 }  // namespace
@@ -126,7 +154,7 @@ void RunningDialog::WriteChanges()
     const std::unique_ptr<__XMPMeta__> changed = object->Clone();
     model_->Apply(*changed);
     std::vector<DialogChange> changes;
-    for (kivxmp::Change& change : kivxmp::Compare(*object, *changed)) {
+    for (kivxmp::Change& change : ChangesBetween(*object, *changed)) {
         changes.push_back({std::move(change.path), UnlessNull(std::move(change.oldJson)),
                            UnlessNull(std::move(change.newJson))});
     }

@@ -18,7 +18,7 @@
 namespace kivmetadataui {
 
 /// Counts up with every change to a class that the module sees.
-constexpr std::uint32_t kToolkitVersion = 1;
+constexpr std::uint32_t kToolkitVersion = 2;
 
 enum class DialogButton { kOk, kCancel };
 

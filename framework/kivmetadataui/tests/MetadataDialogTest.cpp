@@ -6,6 +6,7 @@
 #include <string>
 #include <utility>
 
+#include "framework/kivcore/tests/TestFolder.h"
 #include "framework/kivmetadataui/src/ToolkitInForce.h"
 #include "framework/kivmetadataui/tests/FakeToolkit.h"
 #include "framework/kivmetadataui/tests/Samples.h"
@@ -18,6 +19,8 @@
 #include <kivmetadata/Definitions.h>
 #include <kivmetadata/Provider.h>
 #include <kivmetadataui/DialogDriver.h>
+#include <kivxmp/PhotoFile.h>
+#include <kivxmp/XMPAccess.h>
 
 namespace kivmetadataui {
 namespace {
@@ -112,6 +115,34 @@ TEST_F(MetadataDialogTest, ConfirmWritesTheChanges)
     EXPECT_EQ(DialogDriver::LastChanges(),
               (std::vector<DialogChange>{{"photoshop:City", "\"Bonn\"", "\"Köln\""}}));
     EXPECT_EQ(Failure(), "");
+}
+
+TEST_F(MetadataDialogTest, ADerivedValueIsTheOldOne)
+{
+    const kivcore::testing::TestFolder folder;
+    folder.Write("sea.jpg", samples::Jpeg(samples::Packet(kSample)));
+    folder.Write("sea.jpg.xmp",
+                 samples::Packet("<dc:title><rdf:Alt><rdf:li xml:lang='x-default'>Sea</rdf:li>"
+                                 "<rdf:li xml:lang='de'>Meer</rdf:li></rdf:Alt></dc:title>"
+                                 "<dc:creator><rdf:Seq><rdf:li>Ann</rdf:li></rdf:Seq></dc:creator>"
+                                 "<xmp:Rating>4</xmp:Rating>"));
+    meta_ = kivxmp::OpenPhoto(folder.Path("sea.jpg"));
+    provider_ = std::make_shared<Provider>(meta_.get());
+    EXPECT_TRUE(Show([](ShownDialog& dialog) {
+        CityOf(dialog).SetText(u"Köln");
+        const auto field = [&](const char* path) { return dialog.Model().FindField(path); };
+        static_cast<LanguageField&>(*field("dc:title")).SetTextOf("de", u"See");
+        static_cast<ListField&>(*field("dc:creator")).Add(u"Bob");
+        EXPECT_EQ(dialog.Model().SummaryText(), u"3 changes");
+        EXPECT_TRUE(dialog.Confirm());
+        return DialogResult::kConfirmed;
+    }));
+    EXPECT_EQ(DialogDriver::LastChanges(),
+              (std::vector<DialogChange>{{"photoshop:City", "\"Bonn\"", "\"Köln\""},
+                                         {"dc:title[@de]", "\"Meer\"", "\"See\""},
+                                         {"dc:creator", R"(["Ann"])", R"(["Ann","Bob"])"}}));
+    EXPECT_EQ(kivxmp::ToJson(*meta_, meta_->Find("dc:title")), R"({"x-default":"Sea","de":"See"})");
+    EXPECT_EQ(meta_->Find("xmp:Rating"), nullptr);
 }
 
 TEST_F(MetadataDialogTest, CancelLeavesTheObjectUntouched)

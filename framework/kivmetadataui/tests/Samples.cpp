@@ -147,6 +147,21 @@ std::unique_ptr<__XMPMeta__> Parse(std::string_view properties)
     return __XMPMeta__::Parse(Packet(properties));
 }
 
+std::string Jpeg(std::string_view packet)
+{
+    using namespace std::string_literals;
+    std::string photo = "\xFF\xD8";
+    if (!packet.empty()) {
+        const std::string content = "http://ns.adobe.com/xap/1.0/\0"s + std::string(packet);
+        const std::size_t length = content.size() + 2;
+        photo += "\xFF\xE1";
+        photo += static_cast<char>(length >> 8);
+        photo += static_cast<char>(length & 0xFF);
+        photo += content;
+    }
+    return photo + "\xFF\xDA\0\2\xFF\xD9"s;
+}
+
 FieldDescription Describe(std::string path)
 {
     FieldDescription description;

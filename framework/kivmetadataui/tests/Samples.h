@@ -37,6 +37,9 @@ std::shared_ptr<kivmetadata::ViewDefinition> MakeView(std::string name,
 std::string Packet(std::string_view properties);
 std::unique_ptr<__XMPMeta__> Parse(std::string_view properties);
 
+/// A JPEG photo, which ends where its image would begin; without a packet for an empty one.
+std::string Jpeg(std::string_view packet);
+
 /// What a field is described by in tests that need no definition.
 FieldDescription Describe(std::string path);
 
