@@ -19,6 +19,7 @@ enum class AccessibleRole {
     kPanel,
     kText,
     kStatus,
+    kLabel,
 };
 
 /// Names `window` and what it is; nothing happens where the system has no assistive interface.
@@ -27,6 +28,9 @@ void DescribeControl(wxWindow& window, AccessibleRole role, kivcore::UStringView
 
 /// The name that DescribeControl gave; empty where there is none. For tests.
 kivcore::UString AccessibleNameOf(const wxWindow& window);
+
+/// The description that it gave.
+kivcore::UString AccessibleDescriptionOf(const wxWindow& window);
 
 /// Marks a control as checked or not.
 void SetAccessibleChecked(wxWindow& window, bool isChecked);

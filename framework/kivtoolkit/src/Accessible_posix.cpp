@@ -29,6 +29,8 @@ AtkRole RoleOf(AccessibleRole role)
             return ATK_ROLE_ENTRY;
         case AccessibleRole::kStatus:
             return ATK_ROLE_STATUSBAR;
+        case AccessibleRole::kLabel:
+            return ATK_ROLE_LABEL;
         case AccessibleRole::kPanel:
             break;
     }
@@ -67,6 +69,13 @@ kivcore::UString AccessibleNameOf(const wxWindow& window)
     AtkObject* object = AccessibleOf(window);
     const char* name = object != nullptr ? atk_object_get_name(object) : nullptr;
     return kivcore::string::UTF8to16(name != nullptr ? name : "");
+}
+
+kivcore::UString AccessibleDescriptionOf(const wxWindow& window)
+{
+    AtkObject* object = AccessibleOf(window);
+    const char* description = object != nullptr ? atk_object_get_description(object) : nullptr;
+    return kivcore::string::UTF8to16(description != nullptr ? description : "");
 }
 
 void SetAccessibleChecked(wxWindow& window, bool isChecked)

@@ -26,6 +26,7 @@ constexpr RoleRow kRoleRows[] = {
     {AccessibleRole::kMenu, wxROLE_SYSTEM_MENUPOPUP},
     {AccessibleRole::kPanel, wxROLE_SYSTEM_PANE},
     {AccessibleRole::kStatus, wxROLE_SYSTEM_STATUSBAR},
+    {AccessibleRole::kLabel, wxROLE_SYSTEM_STATICTEXT},
 };
 
 // The window itself is child 0.
@@ -51,6 +52,7 @@ public:
         Tell(wxACC_EVENT_OBJECT_STATECHANGE);
     }
     const wxString& Name() const noexcept { return name_; }
+    const wxString& Words() const noexcept { return description_; }
 
     wxAccStatus GetName(int child, wxString* name) override { return Give(child, name_, *name); }
     wxAccStatus GetDescription(int child, wxString* description) override
@@ -124,6 +126,12 @@ kivcore::UString AccessibleNameOf(const wxWindow& window)
 {
     const Description* description = FindDescription(window);
     return description != nullptr ? FromWx(description->Name()) : kivcore::UString();
+}
+
+kivcore::UString AccessibleDescriptionOf(const wxWindow& window)
+{
+    const Description* description = FindDescription(window);
+    return description != nullptr ? FromWx(description->Words()) : kivcore::UString();
 }
 
 void SetAccessibleChecked(wxWindow& window, bool isChecked)

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 
 namespace kivtoolkit {
 
@@ -17,6 +18,7 @@ namespace {
 constexpr double kMargin = 16;
 constexpr double kButtonGap = 8;
 constexpr double kWordsGap = 16;
+constexpr double kShortestNote = 60;
 
 }  // namespace
 
@@ -31,6 +33,11 @@ BottomBar::BottomBar(Look& look, wxWindow& parent, std::function<void()> confirm
     ok_->SetLabelText(look_.Model().ConfirmLabel());
     cancel_->SetLabelText(look_.Model().CancelLabel());
     ok_->SetDisabled(!look_.Model().CanConfirm());
+    const kivmetadataui::PhotoNote& note = look_.Model().Note();
+    if (!note.text.empty()) {
+        note_ = new QuietWords(look_, *this, ui::kRaisedGround, QuietWords::Shape::kLine);
+        note_->SetText(note.text, note.detail);
+    }
     BindPainting(look_, *this, ui::kRaisedGround,
                  [this](const ui::Drawing& drawing, const ui::Rect& area) { Draw(drawing, area); });
     BindContained(look_, *this, wxEVT_SIZE, [this](wxSizeEvent&) { Arrange(); });
@@ -42,7 +49,39 @@ void BottomBar::UpdateWords()
     const kivcore::UString& message = look_.Model().Message();
     DescribeControl(*this, AccessibleRole::kStatus,
                     message.empty() ? look_.Model().SummaryText() : message, {});
+    PlaceNote();
     Refresh();
+}
+
+ui::Rect BottomBar::WordsRect(const ui::Rect& area)
+{
+    const double margin = look_.Px(kMargin);
+    return {margin, 0, area.width - 2 * margin - ButtonsWidth() - look_.Px(kWordsGap), area.height};
+}
+
+// Behind the summary; a failure's message takes all the room.
+void BottomBar::PlaceNote()
+{
+    if (note_ == nullptr) {
+        return;
+    }
+    const ui::Rect area = FromWx(GetClientRect());
+    ui::Rect place = WordsRect(area);
+    const kivcore::UString summary = look_.Model().SummaryText();
+    if (!summary.empty()) {
+        const ui::Drawing drawing = look_.Measuring();
+        const ui::TextStyle style = ui::StyleOfText(drawing, ui::TextRole::kHint);
+        const double taken =
+            std::ceil(drawing.painter.MeasureText(summary, style).width) + look_.Px(kWordsGap);
+        place.x += taken;
+        place.width -= taken;
+    }
+    const wxSize wanted = note_->WantedSize();
+    place.y = std::floor((area.height - wanted.y) / 2);
+    place.height = wanted.y;
+    place.width = std::min<double>(place.width, wanted.x);
+    note_->Show(look_.Model().Message().empty() && place.width >= look_.Px(kShortestNote));
+    note_->Place(ToWx(look_.IsMirrored() ? ui::MirrorRect(place, area) : place));
 }
 
 int BottomBar::ButtonsWidth()
@@ -80,15 +119,14 @@ void BottomBar::Arrange()
         button->Place(wxRect(place, (client.y - size.y) / 2, size.x, size.y));
         x -= look_.Px(kButtonGap);
     }
+    PlaceNote();
     Refresh();
 }
 
 void BottomBar::Draw(const ui::Drawing& drawing, const ui::Rect& area)
 {
     ui::DrawHairline(drawing, area, ui::HairlineDirection::kHorizontal);
-    const double margin = look_.Px(kMargin);
-    ui::Rect words{margin, 0, area.width - 2 * margin - ButtonsWidth() - look_.Px(kWordsGap),
-                   area.height};
+    ui::Rect words = WordsRect(area);
     if (look_.IsMirrored()) {
         words = ui::MirrorRect(words, area);
     }

@@ -1,8 +1,10 @@
-// The bar at the bottom of the dialog: the summary, or a failure's message, and the buttons.
+// The bar at the bottom of the dialog: the summary and the note on the photo, or a failure's
+// message, and the buttons.
 
 #pragma once
 
 #include "framework/kivtoolkit/src/Buttons.h"
+#include "framework/kivtoolkit/src/QuietWords.h"
 
 #include <functional>
 #include <vector>
@@ -28,11 +30,15 @@ public:
 private:
     void Arrange();
     void Draw(const kivui::ui::Drawing& drawing, const kivui::ui::Rect& area);
+    void PlaceNote();
+    /// The room for words, not mirrored.
+    kivui::ui::Rect WordsRect(const kivui::ui::Rect& area);
     int ButtonsWidth();
 
     Look& look_;
     PushButton* ok_;  // owned by this window
     PushButton* cancel_;
+    QuietWords* note_ = nullptr;  // null where there is none
     std::vector<kivcore::UString> lines_;
 };
 

@@ -3,9 +3,6 @@
 #include "framework/kivtoolkit/src/NativeText.h"
 #include "framework/kivtoolkit/src/Texts.h"
 
-#include <wx/app.h>
-#include <wx/weakref.h>
-
 #include <algorithm>
 
 namespace kivtoolkit {
@@ -17,18 +14,8 @@ namespace {
 // Design units.
 constexpr double kLabelGap = 4;
 constexpr double kDotRoom = 12;
-
-// Not at once: the call may come from one of the window's own events. Where the page goes first,
-// the window goes with it.
-void DeleteSoon(wxWindow* window)
-{
-    window->Hide();
-    wxTheApp->CallAfter([gone = wxWeakRef<wxWindow>(window)] {
-        if (gone) {
-            gone->Destroy();
-        }
-    });
-}
+constexpr double kMarkGap = 8;
+constexpr double kMarkOverhang = 24;  // into what parts the fields of a row; their dots have room
 
 }  // namespace
 
@@ -99,7 +86,52 @@ void FieldView::Create()
                                       [this] { Revert(); }));
         revert_->Hide();
     }
+    if (!field_.Source().mark.empty()) {
+        mark_ = Keep(new QuietWords(look_, page_, ui::kGround, QuietWords::Shape::kMark));
+        mark_->SetText(field_.Source().mark, field_.Source().detail);
+        mark_->Hide();
+    }
     isShown_ = true;
+}
+
+// The revert button is for what was changed, the mark for what was not.
+void FieldView::ShowSigns()
+{
+    if (revert_ != nullptr) {
+        revert_->Show(field_.IsChanged() && isShown_);
+    }
+    if (mark_ != nullptr) {
+        mark_->Show(field_.IsDerived() && isShown_);
+    }
+}
+
+wxRect FieldView::LabelRect()
+{
+    wxRect label = area_;
+    label.height = look_.LineHeight(ui::TextRole::kLabel);
+    if (mark_ == nullptr || !field_.IsDerived()) {
+        return label;
+    }
+    const ui::Drawing drawing = look_.Measuring();
+    const ui::TextStyle style = ui::StyleOfText(drawing, ui::TextRole::kLabel);
+    const int words =
+        static_cast<int>(drawing.painter.MeasureText(field_.Label(), style).width) + 1;
+    const int room =
+        area_.width + look_.Px(kMarkOverhang) - mark_->WantedSize().x - look_.Px(kMarkGap);
+    label.width = std::clamp(words, 0, std::max(area_.width / 2, std::min(area_.width, room)));
+    label.x = look_.IsMirrored() ? area_.x + area_.width - label.width : area_.x;
+    return label;
+}
+
+void FieldView::PlaceMark()
+{
+    const wxRect label = LabelRect();
+    const int gap = look_.Px(kMarkGap);
+    const wxSize wanted = mark_->WantedSize();
+    const int room = area_.width + look_.Px(kMarkOverhang) - label.width - gap;
+    const int width = std::clamp(wanted.x, 1, std::max(1, room));
+    const int x = look_.IsMirrored() ? label.x - gap - width : label.x + label.width + gap;
+    mark_->Place(wxRect(x, label.y, width, std::min(wanted.y, label.height)));
 }
 
 void FieldView::Revert()
@@ -136,8 +168,11 @@ void FieldView::Place(const wxRect& area)
         const int place = look_.IsMirrored() ? used.x - gap - side : used.x + used.width + gap;
         revert_->Place(
             wxRect(place, body_.y + (std::min(line, body_.height) - side) / 2, side, side));
-        revert_->Show(field_.IsChanged());
     }
+    if (mark_ != nullptr) {
+        PlaceMark();
+    }
+    ShowSigns();
 }
 
 void FieldView::Hide()
@@ -147,9 +182,7 @@ void FieldView::Hide()
     }
     isShown_ = false;
     ShowBody(false);
-    if (revert_ != nullptr) {
-        revert_->Hide();
-    }
+    ShowSigns();
 }
 
 void FieldView::FinishTyping()
@@ -183,9 +216,7 @@ void FieldView::Update()
 {
     if (isCreated_) {
         UpdateBody();
-        if (revert_ != nullptr) {
-            revert_->Show(field_.IsChanged() && isShown_);
-        }
+        ShowSigns();
     }
     RequestLayout();
     RefreshAll();
@@ -203,9 +234,9 @@ void FieldView::Draw(const ui::Drawing& drawing)
         return;
     }
     const wxSize page = page_.GetClientSize();
+    ui::DrawTextLine(drawing, field_.Label(), FromWx(LabelRect()), ui::TextRole::kLabel);
     ui::Rect label = FromWx(area_);
     label.height = look_.LineHeight(ui::TextRole::kLabel);
-    ui::DrawTextLine(drawing, field_.Label(), label, ui::TextRole::kLabel);
     if (field_.IsChanged()) {
         const double room = look_.Px(kDotRoom);
         const double x = look_.IsMirrored() ? label.x + label.width : label.x - room;
@@ -229,6 +260,15 @@ void FieldView::Draw(const ui::Drawing& drawing)
         }
         line.y += line.height;
     }
+}
+
+kivcore::UString FieldView::SpokenValue(const kivcore::UString& value) const
+{
+    const kivcore::UString state = field_.AccessibleState();
+    if (value.empty() || state.empty()) {
+        return value.empty() ? state : value;
+    }
+    return value + u", " + state;
 }
 
 TextEntry::Actions FieldView::UsualActions()

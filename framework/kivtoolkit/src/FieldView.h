@@ -1,5 +1,5 @@
-// One field on a page: label, changed dot, revert button and the words below are the same for all;
-// what lies between is each kind's own.
+// One field on a page: label, mark of the source, changed dot, revert button and the words below
+// are the same for all; what lies between is each kind's own.
 
 #pragma once
 
@@ -9,6 +9,7 @@
 #include "framework/kivtoolkit/src/Page.h"
 #include "framework/kivtoolkit/src/PageItem.h"
 #include "framework/kivtoolkit/src/PopupList.h"
+#include "framework/kivtoolkit/src/QuietWords.h"
 #include "framework/kivtoolkit/src/TextEntry.h"
 
 #include <memory>
@@ -67,6 +68,9 @@ protected:
     }
     /// Lets a window go before the view does.
     void Drop(wxWindow* window);
+    /// What assistive technology hears of a control that shows `value`: that, and the field's
+    /// state.
+    kivcore::UString SpokenValue(const kivcore::UString& value) const;
     /// Height may have changed.
     void RequestLayout() { page_.RequestLayout(); }
     void RefreshAll();
@@ -86,6 +90,10 @@ protected:
 private:
     void Create();
     void Revert();
+    void ShowSigns();
+    void PlaceMark();
+    /// The label's line, without the mark's part of it.
+    wxRect LabelRect();
     /// A short field is short also where its words below may be long.
     int BodyWidth(int width) const;
     std::vector<kivcore::UString> MessageLines(int width);
@@ -98,6 +106,7 @@ private:
     std::vector<kivcore::UString> messages_;
     std::vector<wxWindow*> windows_;  // owned by the page's window
     IconButton* revert_ = nullptr;
+    QuietWords* mark_ = nullptr;  // null where the packet itself holds the value
 };
 
 /// The view for a field, by its kind; read-only ones show their text.

@@ -2,9 +2,22 @@
 
 #include "framework/kivtoolkit/src/NativeText.h"
 
+#include <wx/app.h>
+#include <wx/weakref.h>
+
 namespace kivtoolkit {
 
 namespace ui = kivui::ui;
+
+void DeleteSoon(wxWindow* window)
+{
+    window->Hide();
+    wxTheApp->CallAfter([gone = wxWeakRef<wxWindow>(window)] {
+        if (gone) {
+            gone->Destroy();
+        }
+    });
+}
 
 void HeadingItem::Draw(const ui::Drawing& drawing)
 {

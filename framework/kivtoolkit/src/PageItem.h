@@ -36,6 +36,10 @@ protected:
     wxRect area_;
 };
 
+/// Deletes a window of a piece. Not at once: the call may come from one of the window's own events.
+/// Where the page goes first, the window goes with it.
+void DeleteSoon(wxWindow* window);
+
 /// A line of text: the view's name, a group's heading.
 class HeadingItem : public PageItem {
 public:

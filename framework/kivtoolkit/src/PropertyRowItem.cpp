@@ -24,18 +24,33 @@ PropertyRowItem::PropertyRowItem(Look& look, Page& page, const kivmetadataui::Pr
 {
 }
 
+PropertyRowItem::~PropertyRowItem()
+{
+    DropWindows();
+}
+
 int PropertyRowItem::PathWidth(int width) const
 {
     return std::min(width / 2, look_.Px(kPathWidth));
 }
 
-wxRect PropertyRowItem::ValueRect(const wxRect& area) const
+int PropertyRowItem::MarkRoom()
+{
+    if (row_.source.mark.empty()) {
+        return 0;
+    }
+    return static_cast<int>(ui::MeasureMark(look_.Measuring(), row_.source.mark).width) +
+           look_.Px(kGap);
+}
+
+wxRect PropertyRowItem::ValueRect(const wxRect& area)
 {
     const int taken = PathWidth(area.width) + look_.Px(kGap);
-    wxRect value(area.x + taken, area.y + look_.Px(kInset), area.width - taken,
-                 area.height - 2 * look_.Px(kInset));
+    const int markRoom = MarkRoom();
+    wxRect value(area.x + taken, area.y + look_.Px(kInset),
+                 std::max(1, area.width - taken - markRoom), area.height - 2 * look_.Px(kInset));
     if (look_.IsMirrored()) {
-        value.x = area.x;
+        value.x = area.x + markRoom;
     }
     return value;
 }
@@ -59,27 +74,50 @@ void PropertyRowItem::Place(const wxRect& area)
 {
     area_ = area;
     if (!value_) {
-        TextEntry::Actions actions;
-        actions.entered = [this] {
-            page_.Refresh();
-            page_.Reveal(area_);
-        };
-        actions.left = [this] { page_.Refresh(); };
-        actions.wheel = [this](wxMouseEvent& event) { page_.HandleWheel(event); };
-        value_ = std::make_unique<TextEntry>(look_, page_, TextShape::kReadOnlyLines,
-                                             std::move(actions));
-        value_->Describe(path_, {});
-        value_->SetText(row_.value);
+        CreateWindows();
     }
     value_->Show(true);
     value_->Place(ValueRect(area));
+    if (mark_ != nullptr) {
+        const wxSize size = mark_->WantedSize();
+        const int x = look_.IsMirrored() ? area.x : area.x + area.width - size.x;
+        mark_->Place(wxRect(x, area.y + look_.Px(kInset), size.x, size.y));
+    }
+}
+
+void PropertyRowItem::CreateWindows()
+{
+    TextEntry::Actions actions;
+    actions.entered = [this] {
+        page_.Refresh();
+        page_.Reveal(area_);
+    };
+    actions.left = [this] { page_.Refresh(); };
+    actions.wheel = [this](wxMouseEvent& event) { page_.HandleWheel(event); };
+    value_ =
+        std::make_unique<TextEntry>(look_, page_, TextShape::kReadOnlyLines, std::move(actions));
+    value_->Describe(path_, row_.source.detail);
+    value_->SetText(row_.value);
+    if (!row_.source.mark.empty()) {
+        mark_ = new QuietWords(look_, page_, ui::kGround, QuietWords::Shape::kMark);
+        mark_->SetText(row_.source.mark, row_.source.detail);
+    }
+}
+
+void PropertyRowItem::DropWindows()
+{
+    value_.reset();
+    if (mark_ != nullptr) {
+        DeleteSoon(mark_);
+        mark_ = nullptr;
+    }
 }
 
 void PropertyRowItem::Hide()
 {
     // Far pages of a long list keep no windows.
     if (value_ && !value_->HasFocus()) {
-        value_.reset();
+        DropWindows();
     }
 }
 

@@ -5,6 +5,7 @@
 #include "framework/kivmetadataui/src/DialogModel.h"
 #include "framework/kivtoolkit/src/Page.h"
 #include "framework/kivtoolkit/src/PageItem.h"
+#include "framework/kivtoolkit/src/QuietWords.h"
 #include "framework/kivtoolkit/src/TextEntry.h"
 
 #include <memory>
@@ -16,6 +17,9 @@ class PropertyRowItem : public PageItem {
 public:
     /// `row` belongs to the model and outlives the page.
     PropertyRowItem(Look& look, Page& page, const kivmetadataui::PropertyRow& row);
+    PropertyRowItem(const PropertyRowItem&) = delete;
+    PropertyRowItem& operator=(const PropertyRowItem&) = delete;
+    ~PropertyRowItem() override;
 
     int Measure(int width) override;
     void Place(const wxRect& area) override;
@@ -24,7 +28,11 @@ public:
     void CollectStops(std::vector<wxWindow*>& stops) override;
 
 private:
-    wxRect ValueRect(const wxRect& area) const;
+    void CreateWindows();
+    void DropWindows();
+    /// What the mark takes of the row's width, the gap before it included; 0 without a mark.
+    int MarkRoom();
+    wxRect ValueRect(const wxRect& area);
     int PathWidth(int width) const;
 
     Look& look_;
@@ -35,6 +43,7 @@ private:
     int measuredWidth_ = 0;
     int measuredHeight_ = 0;
     std::unique_ptr<TextEntry> value_;
+    QuietWords* mark_ = nullptr;  // owned by the page's window; only while value_ is there
 };
 
 }  // namespace kivtoolkit

@@ -63,7 +63,7 @@ void ClosedChoiceFieldView::UpdateBody()
 {
     drop_->SetValue(choice_.Text(), choice_.Placeholder());
     drop_->SetError(choice_.HasError());
-    drop_->SetWords(choice_.AccessibleName(), choice_.Text());
+    drop_->SetWords(choice_.AccessibleName(), SpokenValue(choice_.Text()));
 }
 
 void ClosedChoiceFieldView::CollectBodyStops(std::vector<wxWindow*>& stops)
@@ -139,7 +139,7 @@ void RatingFieldView::DrawBody(const ui::Drawing& drawing, const wxRect& body)
 void RatingFieldView::UpdateBody()
 {
     stars_->SetValue(rating_.Stars());
-    stars_->SetWords(rating_.AccessibleName(), rating_.DisplayText());
+    stars_->SetWords(rating_.AccessibleName(), SpokenValue(rating_.DisplayText()));
 }
 
 void RatingFieldView::CollectBodyStops(std::vector<wxWindow*>& stops)
@@ -182,7 +182,7 @@ void YesNoFieldView::UpdateBody()
     const kivcore::UString label =
         yesNo_.Value() ? yesNo_.DisplayText() : Text("$$$/Kiv/Dialog/YesNo/Unset=Not set");
     check_->SetValue(yesNo_.Value(), label);
-    check_->SetWords(yesNo_.AccessibleName(), label);
+    check_->SetWords(yesNo_.AccessibleName(), SpokenValue(label));
 }
 
 void YesNoFieldView::CollectBodyStops(std::vector<wxWindow*>& stops)

@@ -79,20 +79,25 @@ std::shared_ptr<const ViewDefinition> View(const char* name, const std::vector<s
     return view;
 }
 
-std::unique_ptr<__XMPMeta__> Parse(std::string_view properties)
-{
-    return __XMPMeta__::Parse(
-        "<x:xmpmeta xmlns:x='adobe:ns:meta/'>"
-        "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
-        "<rdf:Description rdf:about='' xmlns:t='" +
-        std::string(kNamespace) + "'>" + std::string(properties) +
-        "</rdf:Description></rdf:RDF></x:xmpmeta>");
-}
-
 }  // namespace
 
+std::string ScriptedDialog::Packet(std::string_view properties)
+{
+    return "<x:xmpmeta xmlns:x='adobe:ns:meta/'>"
+           "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+           "<rdf:Description rdf:about='' xmlns:t='" +
+           std::string(kNamespace) + "'>" + std::string(properties) +
+           "</rdf:Description></rdf:RDF></x:xmpmeta>";
+}
+
 ScriptedDialog::ScriptedDialog(std::string_view properties, kivmetadataui::DialogOptions options)
-    : meta_(Parse(properties)),
+    : ScriptedDialog(__XMPMeta__::Parse(Packet(properties)), std::move(options))
+{
+}
+
+ScriptedDialog::ScriptedDialog(std::unique_ptr<__XMPMeta__> meta,
+                               kivmetadataui::DialogOptions options)
+    : meta_(std::move(meta)),
       views_({View("first", {"text", "long", "alt", "rights", "list", "order", "closed", "open",
                              "date", "number", "rating", "flag", "fixed"}),
               View("second", {"text", "other"})}),

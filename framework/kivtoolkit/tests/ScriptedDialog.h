@@ -30,6 +30,9 @@ public:
     using Step = std::function<void(ScriptedDialog&, kivmetadataui::DialogSurface&)>;
 
     explicit ScriptedDialog(std::string_view properties, kivmetadataui::DialogOptions options = {});
+    /// Over an object of any origin.
+    explicit ScriptedDialog(std::unique_ptr<__XMPMeta__> meta,
+                            kivmetadataui::DialogOptions options = {});
     ~ScriptedDialog() override;
 
     ScriptedDialog& Then(Step step)
@@ -46,6 +49,8 @@ public:
     bool HasScript() const noexcept override { return true; }
     bool RunScriptStep(kivmetadataui::DialogSurface& surface) noexcept override;
 
+    /// A packet with `properties`, whose prefix is "t".
+    static std::string Packet(std::string_view properties);
     /// The window while it is open.
     static DialogWindow& Window();
     /// Content of the field at `path`, as "a|b" or "de=a|en=b".
