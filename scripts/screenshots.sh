@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# Takes pictures of every view of the dialog in several languages, scales and brightnesses, to look at
-# before a change of its looks is called done.
+# Takes pictures of every view of the dialog in several languages, scales and brightnesses, of a photo
+# with all of its metadata in the packet and of one with all of it derived, to look at before a change
+# of its looks is called done.
 #
 # usage: scripts/screenshots.sh [BIN_DIR]     (default build/release/bin)
 # Pictures and one contact sheet for each language land in out/screenshots.
@@ -22,6 +23,10 @@ read -ra views <<< "${KIV_VIEWS:-description origin rights iptc dublin-core came
 
 photo="$out/photo.xmp"
 cp tests/full_packet.xmp "$photo"
+# A photo of no more than its markers, which has nothing but what the sidecar beside it tells.
+derived="$out/derived.jpg"
+printf '\377\330\377\332\0\2\377\331' > "$derived"
+cp tests/full_packet.xmp "$derived.xmp"
 KIV_PREF_DIR="$(mktemp -d)"
 export KIV_PREF_DIR
 trap 'rm -rf "$KIV_PREF_DIR"' EXIT
@@ -30,10 +35,13 @@ for language in "${languages[@]}"; do
     for scale in "${scales[@]}"; do
         for brightness in "${brightnesses[@]}"; do
             for view in "${views[@]}"; do
-                picture="$out/$language-$scale-$brightness-$view.png"
-                "$bin/kivhost" --language "$language" --scale "$scale" \
-                    --brightness "$brightness" --view "$view" --text "DSC_0417.jpg" \
-                    --screenshot "$picture" --auto cancel "$photo" > /dev/null || [ $? -eq 2 ] || fail "no picture of $view in $language"
+                for file in "$photo" "$derived"; do
+                    picture="$out/$language-$scale-$brightness-$view-$(basename "${file%.*}").png"
+                    "$bin/kivhost" --language "$language" --scale "$scale" \
+                        --brightness "$brightness" --view "$view" --text "DSC_0417.jpg" \
+                        --screenshot "$picture" --auto cancel "$file" > /dev/null 2> "$out/words" ||
+                        [ $? -eq 2 ] || fail "no picture of $view in $language: $(cat "$out/words")"
+                done
             done
         done
     done

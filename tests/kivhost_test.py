@@ -205,6 +205,63 @@ class Edits(KivhostTest):
         self.assert_untouched()
 
 
+class Derived(KivhostTest):
+    """A photo without a packet beside a sidecar: the dialog shows what the sidecar has."""
+
+    SIDECAR = (
+        "<x:xmpmeta xmlns:x='adobe:ns:meta/'>"
+        "<rdf:RDF xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'>"
+        "<rdf:Description rdf:about='' xmlns:xmp='http://ns.adobe.com/xap/1.0/'"
+        " xmlns:dc='http://purl.org/dc/elements/1.1/' xmp:Rating='4'>"
+        "<dc:title><rdf:Alt><rdf:li xml:lang='x-default'>Sea</rdf:li>"
+        "<rdf:li xml:lang='de'>Meer</rdf:li></rdf:Alt></dc:title>"
+        "</rdf:Description></rdf:RDF></x:xmpmeta>"
+    )
+
+    def setUp(self):
+        super().setUp()
+        shutil.copy(sample("without-packet"), self.photo)
+        self.photo.chmod(0o644)
+        self.sidecar = self.folder / "photo.jpg.xmp"
+        self.sidecar.write_text(self.SIDECAR, encoding="utf-8")
+        self.original = self.photo.read_bytes()
+
+    def assert_nothing_was_written(self):
+        self.assertEqual(self.photo.read_bytes(), self.original)
+        self.assertEqual(self.sidecar.read_text(encoding="utf-8"), self.SIDECAR)
+
+    def test_looking_writes_nothing(self):
+        run = self.run_host("--view", "all-properties", "--auto", "ok", self.photo)
+        self.expect(run, 0)
+        self.assertEqual(run.stdout, "confirmed\n")
+        self.assert_nothing_was_written()
+
+    def test_what_was_derived_is_the_old_value_and_only_what_changed_is_written(self):
+        run = self.run_host("--set", "dc:title[@de]=See", "--auto", "ok", self.photo)
+        self.expect(run, 0)
+        self.assertEqual(run.stdout, 'confirmed\ndc:title[@de]\t"Meer"\t"See"\n')
+        self.assertEqual(
+            {path: value for path, value in self.independent().items() if "?" not in path},
+            {"dc:title[@x-default]": "Sea", "dc:title[@de]": "See"},
+        )
+        self.assertEqual(self.sidecar.read_text(encoding="utf-8"), self.SIDECAR)
+        self.assert_only_the_packet_differs()
+
+    def test_there_and_back_writes_nothing(self):
+        run = self.run_host(
+            "--set", "xmp:Rating=2", "--set", "xmp:Rating=4", "--auto", "ok", self.photo
+        )
+        self.expect(run, 0)
+        self.assertEqual(run.stdout, "confirmed\n")
+        self.assert_nothing_was_written()
+
+    def test_it_cannot_be_removed(self):
+        run = self.run_host("--set", "xmp:Rating=", "--auto", "ok", self.photo)
+        self.expect(run, 1)
+        self.assertIn("xmp:Rating: This value comes from elsewhere.", run.stderr)
+        self.assert_nothing_was_written()
+
+
 class Formats(KivhostTest):
     def edit(self, path):
         sets = [word for edit in main_job.EDITS.items() for word in ("--set", "=".join(edit))]
