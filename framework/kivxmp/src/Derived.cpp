@@ -83,7 +83,8 @@ std::unique_ptr<const __XMPMeta__> DerivedProperties(const __XMPMeta__& meta)
         try {
             derived->SetCopy(Path{step}, node);
         } catch (const XMP_Error&) {
-            // RDF that XMP does not allow, and that means nothing outside of its packet.
+            // It has parts that mean nothing outside of their packet, or is too deep or too large
+            // for this one.
         }
     }
     return derived;

@@ -232,6 +232,7 @@ PacketParts SplitPacket(const __XMPMeta__& meta, const PhotoFormat& format)
     }
     const std::vector<Candidate> candidates = Candidates(meta);
     const std::unique_ptr<__XMPMeta__> main = meta.Clone();
+    main->SetOrigin(nullptr);  // a sidecar may hold the same name of an extended part
     const std::unique_ptr<__XMPMeta__> extended = __XMPMeta__::Create();
     std::size_t next = 0;
     while (parts.main.size() > limit && next < candidates.size()) {

@@ -81,7 +81,10 @@ PhotoPlaces FindPlaces(const UString& path, ByteSource& source, const OpenOption
     }
     if (options.place == PacketPlace::kEmbedded && !isWritten) {
         throw PhotoError(PhotoError::Kind::kRefused,
-                         "metadata is not written into " + places.format + " files");
+                         embedded.read == nullptr
+                             ? "metadata is not written into " + places.format + " files"
+                             : "metadata is not written into raw files, and one with " +
+                                   places.format + " content under this name is a raw file");
     }
     if (isWritten && options.place != PacketPlace::kSidecar) {
         places.packet = std::move(embedded);

@@ -91,6 +91,25 @@ TEST_F(DerivedTest, SavesAndRemovals)
     EXPECT_EQ(TextOf(FindWithDerived(*Open("p.jpg"), "dc:title")), "beside");
 }
 
+// A sidecar that is a copy of a photo's main packet names the extended part that the photo has. The
+// name goes into the photo all the same.
+TEST_F(DerivedTest, ASidecarThatNamesTheSameExtendedPart)
+{
+    folder_.Write("p.jpg", Jpeg().Xmp(SmallPacket("t")).Scan().Bytes());
+    const std::string longText(70'000, 'l');
+    const auto meta = Open("p.jpg");
+    meta->SetText("dc:source", longText);
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    const PhotoInfo info = GetPhotoInfo(*meta);
+    folder_.Write("p.jpg.xmp", folder_.Read("p.jpg").substr(info.packetOffset, info.packetBytes));
+    const auto again = Open("p.jpg");
+    EXPECT_NE(FindDerivedSource(*again, "xmpNote:HasExtendedXMP"), nullptr);
+    again->SetText(test::kTitle, "edited");
+    EXPECT_EQ(SavePhoto(*again), SaveResult::kSaved);
+    EXPECT_EQ(Title("p.jpg"), "edited");
+    EXPECT_EQ(TextOf(Open("p.jpg")->Find("dc:source")), longText);
+}
+
 TEST_F(DerivedTest, AnObjectOfNoFileHasNone)
 {
     const auto meta = __XMPMeta__::Parse(SmallPacket("t"));

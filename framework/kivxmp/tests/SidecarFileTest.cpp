@@ -10,6 +10,7 @@
 
 #include "framework/kivcore/tests/TestFolder.h"
 #include "framework/kivxmp/tests/JpegBuilder.h"
+#include "framework/kivxmp/tests/PhotoBuilders.h"
 
 namespace kivxmp {
 namespace {
@@ -149,6 +150,10 @@ TEST_F(SidecarFileTest, PlacesThatCannotBe)
     folder_.Write("p.gif", kGif);
     EXPECT_THAT(Failure("p.gif", embedded),
                 HasSubstr("p.gif: metadata is not written into GIF files"));
+    folder_.Write("p.nef", test::Tiff().Image().Bytes());
+    EXPECT_THAT(Failure("p.nef", embedded),
+                HasSubstr("p.nef: metadata is not written into raw files, and one with TIFF "
+                          "content under this name is a raw file"));
     folder_.Write("unknown.bin", "content that nobody knows");
     EXPECT_THAT(Failure("unknown.bin", {}), HasSubstr("no photo of a known format"));
     // Who asks for a sidecar gets one; and where there is one, the file is of worth to somebody.
