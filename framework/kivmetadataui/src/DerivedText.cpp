@@ -26,13 +26,13 @@ struct SourceRow {
 };
 
 constexpr SourceRow kSourceRows[] = {
-    {DerivedFrom::kExif, "$$$/Kiv/Dialog/Source/Exif=From Exif",
+    {DerivedFrom::kExif, "$$$/Kiv/Dialog/Source/Exif=Exif",
      "$$$/Kiv/Dialog/Source/ExifDetail=From the camera’s Exif data: ^0"},
-    {DerivedFrom::kIim, "$$$/Kiv/Dialog/Source/Iptc=From IPTC",
+    {DerivedFrom::kIim, "$$$/Kiv/Dialog/Source/Iptc=IPTC",
      "$$$/Kiv/Dialog/Source/IptcDetail=From the IPTC record: ^0"},
-    {DerivedFrom::kSidecar, "$$$/Kiv/Dialog/Source/Sidecar=From the sidecar",
+    {DerivedFrom::kSidecar, "$$$/Kiv/Dialog/Source/Sidecar=Sidecar",
      "$$$/Kiv/Dialog/Source/SidecarDetail=From the sidecar ^0"},
-    {DerivedFrom::kEmbedded, "$$$/Kiv/Dialog/Source/Photo=From the photo",
+    {DerivedFrom::kEmbedded, "$$$/Kiv/Dialog/Source/Photo=Photo",
      "$$$/Kiv/Dialog/Source/PhotoDetail=From the photo’s own packet"},
 };
 

@@ -49,7 +49,7 @@ using FieldItems = std::vector<FieldItem>;
 
 /// Where a value comes from that the packet lacks (<kivxmp/Derived.h>).
 struct FieldSource {
-    kivcore::UString mark;    ///< stands beside the label: "From Exif"; empty for the packet's own
+    kivcore::UString mark;    ///< stands beside the label: "Exif"; empty for the packet's own
     kivcore::UString detail;  ///< "From the camera’s Exif data: Exif.Photo.FNumber"
     /// The whole property is meant. It cannot be removed: its source goes on telling it.
     bool isWhole = false;

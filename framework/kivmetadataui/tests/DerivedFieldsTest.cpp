@@ -154,7 +154,7 @@ TEST_F(DerivedFieldsTest, EachKindOfField)
             EXPECT_EQ(Utf8(field.AccessibleState()), "changed");
             EXPECT_EQ(Applied(row.property), row.json);
         };
-        EXPECT_EQ(field.Source().mark, u"From the sidecar");
+        EXPECT_EQ(field.Source().mark, u"Sidecar");
         expectDerived();
         row.edit(field);
         field.EndEdit();
@@ -278,7 +278,7 @@ TEST_F(DerivedFieldsTest, TheListOfAllPropertiesMarksThem)
     EXPECT_EQ(view.rows[0].value, u"Own");
     EXPECT_TRUE(view.rows[0].source.mark.empty());
     EXPECT_EQ(view.rows[1].path, "photoshop:City");
-    EXPECT_EQ(view.rows[1].source.mark, u"From the sidecar");
+    EXPECT_EQ(view.rows[1].source.mark, u"Sidecar");
     EXPECT_EQ(view.rows[1].source.detail, u"From the sidecar sea.jpg.xmp");
     EXPECT_EQ(view.rows[12].path, "q:own");
     EXPECT_EQ(view.rows[12].value, u"unknown");

@@ -23,13 +23,12 @@ struct SourceCase {
 };
 
 constexpr SourceCase kSourceCases[] = {
-    {DerivedFrom::kExif, "Exif.Photo.FNumber", "From Exif",
+    {DerivedFrom::kExif, "Exif.Photo.FNumber", "Exif",
      "From the camera’s Exif data: Exif.Photo.FNumber"},
-    {DerivedFrom::kIim, "Iptc.Application2.Caption", "From IPTC",
+    {DerivedFrom::kIim, "Iptc.Application2.Caption", "IPTC",
      "From the IPTC record: Iptc.Application2.Caption"},
-    {DerivedFrom::kSidecar, "^0 sea.jpg.xmp", "From the sidecar",
-     "From the sidecar ^0 sea.jpg.xmp"},
-    {DerivedFrom::kEmbedded, "sea.cr2", "From the photo", "From the photo’s own packet"},
+    {DerivedFrom::kSidecar, "^0 sea.jpg.xmp", "Sidecar", "From the sidecar ^0 sea.jpg.xmp"},
+    {DerivedFrom::kEmbedded, "sea.cr2", "Photo", "From the photo’s own packet"},
 };
 
 TEST(SourceText, EachKind)

@@ -23,7 +23,7 @@ using kivmetadataui::DriverKey;
 using kivmetadataui::DriverKeyPress;
 using kivmetadataui::FieldPart;
 
-constexpr char16_t kMark[] = u"From the sidecar";
+constexpr char16_t kMark[] = u"Sidecar";
 constexpr char16_t kDetail[] = u"From the sidecar sea.jpg.xmp";
 
 /// The ones that are seen.
