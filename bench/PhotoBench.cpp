@@ -18,6 +18,7 @@
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -44,6 +45,11 @@ namespace {
 
 constexpr std::uint64_t kKB = 1000;
 constexpr std::uint64_t kMB = 1000 * kKB;
+
+struct Amount {
+    const char* name;
+    std::uint64_t bytes;
+};
 
 struct SizeRow {
     const char* name;
@@ -170,7 +176,8 @@ public:
 
     void Prepare()
     {
-        image_ = Exiv2::ImageFactory::open(path_.string());
+        // The pointer that it gives is of a kind that depends on its version.
+        image_.reset(Exiv2::ImageFactory::open(path_.string()).release());
         image_->readMetadata();
         image_->xmpData()["Xmp.dc.title"] = Title(++round_);
     }
@@ -178,7 +185,7 @@ public:
 
 private:
     std::filesystem::path path_;
-    Exiv2::Image::AutoPtr image_;
+    std::unique_ptr<Exiv2::Image> image_;
     int round_ = 0;
 };
 
@@ -299,6 +306,8 @@ void Register(const std::string& name, const Run& run)
 
 int main(int argc, char** argv)
 {
+    static constexpr Amount kPhotos[] = {{"100KB", 100 * kKB}, {"24MB", 24 * kMB}};
+    static constexpr Amount kPackets[] = {{"3KB", 3 * kKB}, {"100KB", 100 * kKB}};
     static constexpr SizeRow kSizes[] = {
         {"100KB", 100 * kKB, 201}, {"5MB", 5 * kMB, 31}, {"50MB", 50 * kMB, 11}};
     // Where we may: who has waited for the disk should not have to wait for other programs then.
@@ -309,11 +318,12 @@ int main(int argc, char** argv)
     benchmark::AddCustomContext("photos lie on", bench::FileSystemOf(bench::PhotoFolder()));
     for (const char* const format : bench::kPhotoFormats) {
         const std::string name = std::string("/") + format + "/";
-        for (const auto& [photo, bytes] : {std::pair{"100KB", 100 * kKB}, {"24MB", 24 * kMB}}) {
-            for (const auto& [packet, packetBytes] :
-                 {std::pair{"3KB", 3 * kKB}, {"100KB", 100 * kKB}}) {
-                Register("PhotoRead" + name + photo + "/" + packet,
-                         [=](benchmark::State& state) { Read(state, format, bytes, packetBytes); });
+        for (const Amount& photo : kPhotos) {
+            for (const Amount& packet : kPackets) {
+                Register("PhotoRead" + name + photo.name + "/" + packet.name,
+                         [=](benchmark::State& state) {
+                             Read(state, format, photo.bytes, packet.bytes);
+                         });
             }
         }
         for (const SizeRow& size : kSizes) {
