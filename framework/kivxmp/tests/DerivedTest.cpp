@@ -91,6 +91,22 @@ TEST_F(DerivedTest, SavesAndRemovals)
     EXPECT_EQ(TextOf(FindWithDerived(*Open("p.jpg"), "dc:title")), "beside");
 }
 
+TEST_F(DerivedTest, AReplacedPacketHidesWhatItHolds)
+{
+    folder_.Write("p.jpg", Jpeg().Xmp(SmallPacket("inside")).Scan().Bytes());
+    folder_.Write("p.jpg.xmp", PacketWith("<dc:title>beside</dc:title><xmp:Label>red</xmp:Label>"));
+    const auto meta = Open("p.jpg");
+    // A property that equals the derived one belongs to the packet that was put there.
+    const std::string packet = PacketWith("<xmp:Label>red</xmp:Label>");
+    meta->ReplacePacket(*__XMPMeta__::Parse(packet));
+    EXPECT_EQ(FindDerivedSource(*meta, "xmp:Label"), nullptr);
+    EXPECT_EQ(TextOf(FindWithDerived(*meta, "dc:title")), "beside");
+    EXPECT_EQ(SavePhoto(*meta), SaveResult::kSaved);
+    EXPECT_EQ(TextOf(meta->Find("xmp:Label")), "red");
+    EXPECT_EQ(TextOf(FindDerived(*meta, "dc:title")), "beside");
+    EXPECT_EQ(Open("p.jpg")->PropertyCount(), 1u);
+}
+
 // A sidecar that is a copy of a photo's main packet names the extended part that the photo has. The
 // name goes into the photo all the same.
 TEST_F(DerivedTest, ASidecarThatNamesTheSameExtendedPart)
