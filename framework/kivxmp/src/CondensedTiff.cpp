@@ -14,23 +14,43 @@ namespace kivxmp::photo {
 
 namespace {
 
+using namespace std::string_view_literals;
+
 constexpr std::uint64_t kHeaderBytes = 8;
 constexpr std::size_t kCountBytes = 2;
 constexpr std::size_t kEntryBytes = 2 + 2 + 4 + 4;  // tag, type, count, value or offset
 constexpr std::size_t kNextBytes = 4;
-// A directory has some dozens of entries.
-constexpr std::uint64_t kMaxEntries = 1024;
+// A directory has some dozens of entries. Exiv2 reads no longer ones.
+constexpr std::uint64_t kMaxEntries = 256;
 constexpr std::size_t kStreamBytesLimit = std::size_t{1} << 20;
 
 constexpr std::uint16_t kTypeLong = 4;
+constexpr std::uint16_t kTypeUndefined = 7;
 constexpr std::uint16_t kTagIim = 33723;
 constexpr std::uint16_t kTagImageResources = 34377;
 constexpr std::uint16_t kTagExif = 34665;
 constexpr std::uint16_t kTagGps = 34853;
 
-/// Strips and tiles, previews, further directories, the packet, maker notes, makers' private data.
-constexpr std::uint16_t kLeftOut[] = {273, 279, 324,   325,   330,   513,
-                                      514, 700, 34675, 37500, 40965, 50740};
+constexpr std::uint16_t kTagMake = 271;
+constexpr std::uint16_t kTagMakerNote = 37500;
+
+/// Strips and tiles, previews, further directories, the packet, profiles, makers' private data.
+constexpr std::uint16_t kLeftOut[] = {273, 279, 324, 325, 330, 513, 514, 700, 34675, 40965, 50740};
+
+/// Maker notes that are a directory behind a header, and what of it is of use: serial numbers, the
+/// lens, the firmware, the owner.
+struct MakerRow {
+    std::string_view make;
+    std::string_view header;
+    std::size_t versionBytes;  // behind the header, of any value
+    bool hasOwnHeader;         // then comes a TIFF header, from which offsets count
+    std::uint16_t tags[4];
+};
+constexpr MakerRow kMakers[] = {
+    {"Canon"sv, ""sv, 0, false, {7, 9, 12, 149}},
+    {"Panasonic"sv, "Panasonic\0\0\0"sv, 0, false, {81, 82}},
+    {"NIKON"sv, "Nikon\0"sv, 4, true, {29, 132}},
+};
 
 /// Bytes of one value, by type.
 constexpr std::uint64_t kTypeBytes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
@@ -42,6 +62,12 @@ struct Entry {
     std::string value;  // in the byte order of the file
 };
 using Directory = std::vector<Entry>;
+
+void SortByTag(Directory& directory)
+{
+    std::stable_sort(directory.begin(), directory.end(),
+                     [](const Entry& left, const Entry& right) { return left.tag < right.tag; });
+}
 
 class Condenser {
 public:
@@ -55,16 +81,26 @@ private:
     {
         return GetNumber(bytes, at, count, order_);
     }
+    /// Offsets in there count from `base_`.
     Directory ReadDirectory(std::uint64_t offset);
     void ReadEntry(std::string_view bytes, Directory& directory);
     /// The directory that the entry of that tag leads to; the entry goes.
     Directory TakeSubdirectory(Directory& directory, std::uint16_t tag);
-    void AppendDirectory(const Directory& directory);
+    void ReadMakerNote(std::string_view make, Directory& exif);
+    std::string DirectoryBytes(const Directory& directory, std::size_t at, ByteOrder order) const;
+    /// The note as it is to stand at `at`.
+    std::string MakerNoteBytes(std::size_t at) const;
 
     ByteSource& source_;
     ByteOrder order_ = ByteOrder::kLittle;
+    std::uint64_t base_ = 0;
     CondensedTiff result_;
     std::size_t valueBytes_ = 0;
+    ByteRange makerNote_;
+    std::string makerNoteHead_;
+    Directory makerNoteEntries_;
+    ByteOrder makerNoteOrder_ = ByteOrder::kLittle;
+    bool makerNoteHasOwnHeader_ = false;
 };
 
 std::optional<std::string> Condenser::Read(std::uint64_t offset, std::uint64_t bytes)
@@ -92,12 +128,16 @@ void Condenser::ReadEntry(std::string_view bytes, Directory& directory)
         return;
     }
     const std::uint64_t valueBytes = entry.count * kTypeBytes[entry.type];
+    if (entry.tag == kTagMakerNote) {
+        makerNote_ = {base_ + Number(bytes, 8, 4), valueBytes};
+        return;
+    }
     if (valueBytes > (isForeign ? kBlockBytesLimit : kTagBytesLimit)) {
         return;
     }
     std::optional<std::string> value =
         valueBytes <= 4 ? std::string(bytes.substr(8, static_cast<std::size_t>(valueBytes)))
-                        : Read(Number(bytes, 8, 4), valueBytes);
+                        : Read(base_ + Number(bytes, 8, 4), valueBytes);
     if (!value) {
         return;
     }
@@ -144,26 +184,78 @@ Directory Condenser::TakeSubdirectory(Directory& directory, std::uint16_t tag)
     return found;
 }
 
-/// The next directory's offset is 0. Values stand behind the directory, at even bytes.
-void Condenser::AppendDirectory(const Directory& directory)
+void Condenser::ReadMakerNote(std::string_view make, Directory& exif)
 {
-    std::string& stream = result_.stream;
-    std::string entries = NumberBytes(directory.size(), kCountBytes, order_);
+    const auto row =
+        std::find_if(std::begin(kMakers), std::end(kMakers),
+                     [&](const MakerRow& each) { return make.starts_with(each.make); });
+    if (row == std::end(kMakers) || makerNote_.bytes == 0) {
+        return;
+    }
+    const std::size_t headBytes = row->header.size() + row->versionBytes;
+    std::optional<std::string> head = Read(makerNote_.offset, headBytes);
+    if (!head || !head->starts_with(row->header)) {
+        return;
+    }
+    const ByteOrder order = order_;
+    std::uint64_t directory = makerNote_.offset + headBytes;
+    if (row->hasOwnHeader) {
+        const std::optional<std::string> header = Read(directory, kHeaderBytes);
+        if (!header) {
+            return;
+        }
+        base_ = directory;
+        order_ = header->starts_with("MM") ? ByteOrder::kBig : ByteOrder::kLittle;
+        directory += Number(*header, 4, 4);
+        *head += header->substr(0, 4) + NumberBytes(kHeaderBytes, 4, order_);
+    }
+    makerNoteEntries_ = ReadDirectory(directory);
+    makerNoteOrder_ = order_;
+    order_ = order;
+    base_ = 0;
+    std::erase_if(makerNoteEntries_, [&](const Entry& entry) {
+        return entry.tag == 0 || std::find(std::begin(row->tags), std::end(row->tags), entry.tag) ==
+                                     std::end(row->tags);
+    });
+    if (makerNoteEntries_.empty()) {
+        return;
+    }
+    makerNoteHead_ = std::move(*head);
+    makerNoteHasOwnHeader_ = row->hasOwnHeader;
+    std::string note = MakerNoteBytes(0);
+    exif.push_back({kTagMakerNote, kTypeUndefined, note.size(), std::move(note)});
+    SortByTag(exif);
+}
+
+std::string Condenser::MakerNoteBytes(std::size_t at) const
+{
+    const std::size_t directoryAt = at + makerNoteHead_.size();
+    return makerNoteHead_ + DirectoryBytes(makerNoteEntries_,
+                                           makerNoteHasOwnHeader_ ? kHeaderBytes : directoryAt,
+                                           makerNoteOrder_);
+}
+
+/// As it is to stand at `at`. The next directory's offset is 0. Values stand behind the directory,
+/// at even bytes.
+std::string Condenser::DirectoryBytes(const Directory& directory, std::size_t at,
+                                      ByteOrder order) const
+{
+    std::string entries = NumberBytes(directory.size(), kCountBytes, order);
     std::string values;
-    const std::size_t valuesAt =
-        stream.size() + kCountBytes + directory.size() * kEntryBytes + kNextBytes;
+    const std::size_t valuesAt = at + kCountBytes + directory.size() * kEntryBytes + kNextBytes;
     for (const Entry& entry : directory) {
-        entries += NumberBytes(entry.tag, 2, order_) + NumberBytes(entry.type, 2, order_) +
-                   NumberBytes(entry.count, 4, order_);
+        entries += NumberBytes(entry.tag, 2, order) + NumberBytes(entry.type, 2, order) +
+                   NumberBytes(entry.count, 4, order);
         if (entry.value.size() <= 4) {
             entries += entry.value + std::string(4 - entry.value.size(), '\0');
             continue;
         }
-        entries += NumberBytes(valuesAt + values.size(), 4, order_);
-        values += entry.value;
+        const std::size_t valueAt = valuesAt + values.size();
+        entries += NumberBytes(valueAt, 4, order);
+        values += entry.tag == kTagMakerNote ? MakerNoteBytes(valueAt) : entry.value;
         values.append(values.size() & 1, '\0');
     }
-    stream += entries + std::string(kNextBytes, '\0') + values;
+    return entries + std::string(kNextBytes, '\0') + values;
 }
 
 CondensedTiff Condenser::Run()
@@ -183,23 +275,28 @@ CondensedTiff Condenser::Run()
     // Not looked for in there, and nothing must lead on from them.
     std::erase_if(exif,
                   [](const Entry& entry) { return entry.tag == kTagExif || entry.tag == kTagGps; });
+    const auto make = std::find_if(first.begin(), first.end(),
+                                   [](const Entry& entry) { return entry.tag == kTagMake; });
+    if (make != first.end()) {
+        ReadMakerNote(make->value, exif);
+    }
     if (first.empty() && exif.empty() && gps.empty()) {
         return std::move(result_);
     }
     // The subdirectories lie in front of the directory that names them.
-    result_.stream = head->substr(0, 4) + std::string(4, '\0');
+    std::string& stream = result_.stream;
+    stream = head->substr(0, 4) + std::string(4, '\0');
     for (const auto& [tag, directory] :
          {std::pair<std::uint16_t, const Directory&>(kTagExif, exif),
           std::pair<std::uint16_t, const Directory&>(kTagGps, gps)}) {
         if (!directory.empty()) {
-            first.push_back({tag, kTypeLong, 1, NumberBytes(result_.stream.size(), 4, order_)});
-            AppendDirectory(directory);
+            first.push_back({tag, kTypeLong, 1, NumberBytes(stream.size(), 4, order_)});
+            stream += DirectoryBytes(directory, stream.size(), order_);
         }
     }
-    std::stable_sort(first.begin(), first.end(),
-                     [](const Entry& left, const Entry& right) { return left.tag < right.tag; });
-    result_.stream.replace(4, 4, NumberBytes(result_.stream.size(), 4, order_));
-    AppendDirectory(first);
+    SortByTag(first);
+    stream.replace(4, 4, NumberBytes(stream.size(), 4, order_));
+    stream += DirectoryBytes(first, stream.size(), order_);
     return std::move(result_);
 }
 

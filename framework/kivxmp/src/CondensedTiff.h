@@ -1,5 +1,6 @@
-// What a TIFF file tells of the photo, as a small TIFF stream of its own: the file may have any
-// size and lie in any order, and a decoder gets it whole.
+// What a TIFF file or stream tells of the photo, as a small TIFF stream of its own. The file may
+// have any size and lie in any order, its directories may lead to each other and its values lie
+// over each other; a decoder gets a stream that is sound, and no longer than what it holds.
 
 #pragma once
 
@@ -11,8 +12,8 @@ namespace kivxmp::photo {
 
 struct CondensedTiff {
     /// The tags of the first directory, of its Exif and of its GPS directory, each up to
-    /// kTagBytesLimit. Left out is what leads elsewhere (image data, further directories) or counts
-    /// offsets from places that are gone (maker notes). Empty where there is no directory.
+    /// kTagBytesLimit and all up to 1 MiB, and a few of the maker note. Left out is what leads
+    /// elsewhere (image data, further directories). Empty where there is no directory.
     std::string stream;
     std::string iim;             ///< of the tag that holds IIM data alone
     std::string imageResources;  ///< Photoshop's

@@ -38,8 +38,9 @@ constexpr std::size_t Even(std::size_t bytes)
 
 }  // namespace
 
-std::string_view FindIim(std::string_view resources)
+std::string CollectIim(std::string_view resources)
 {
+    std::string iim;
     // Signature, number, name (its length and itself, together even), length, content (even).
     while (resources.size() > kResourceHeadBytes && resources.starts_with("8BIM")) {
         const std::uint64_t number = GetNumber(resources, 4, 2, ByteOrder::kBig);
@@ -55,11 +56,11 @@ std::string_view FindIim(std::string_view resources)
             break;
         }
         if (number == kResourceIim) {
-            return resources.substr(0, static_cast<std::size_t>(bytes));
+            iim += resources.substr(0, static_cast<std::size_t>(bytes));
         }
         resources.remove_prefix(std::min(Even(static_cast<std::size_t>(bytes)), resources.size()));
     }
-    return {};
+    return iim;
 }
 
 MetadataBlocks ReadMetadataBlocks(const PhotoFormat& photo, ByteSource& source)
@@ -81,14 +82,17 @@ MetadataBlocks ReadMetadataBlocks(const PhotoFormat& photo, ByteSource& source)
             blocks.iim = std::move(condensed.iim);
             resources = std::move(condensed.imageResources);
         } else {
-            blocks.exif = ReadBlock(source, block.range);
-            if (blocks.exif.starts_with(kExifSignature)) {
-                blocks.exif.erase(0, kExifSignatureBytes);
+            const std::string bytes = ReadBlock(source, block.range);
+            std::string_view stream = bytes;
+            if (stream.starts_with(kExifSignature)) {
+                stream.remove_prefix(std::min(kExifSignatureBytes, stream.size()));
             }
+            MemorySource streamSource(stream);
+            blocks.exif = CondenseTiff(streamSource).stream;
         }
     }
     if (blocks.iim.empty()) {
-        blocks.iim = FindIim(resources);
+        blocks.iim = CollectIim(resources);
     }
     return blocks;
 }

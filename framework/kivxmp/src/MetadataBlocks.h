@@ -15,15 +15,15 @@ namespace kivxmp::photo {
 inline constexpr std::size_t kBlockBytesLimit = std::size_t{1} << 20;
 
 struct MetadataBlocks {
-    std::string exif;  ///< a TIFF stream; empty: there is none
+    std::string exif;  ///< a sound TIFF stream (CondensedTiff.h); empty: there is none
     std::string iim;   ///< datasets; empty: there are none
 };
 
-/// What the blocks of `photo` hold; of several ones of a kind the first counts. Damaged ones are
-/// left out. Throws FileError.
+/// What the blocks of `photo` hold; of several ones with Exif data the first counts. Damaged ones
+/// are left out. Throws FileError.
 MetadataBlocks ReadMetadataBlocks(const PhotoFormat& photo, ByteSource& source);
 
-/// The IIM data in Photoshop's image resources; empty where there is none.
-std::string_view FindIim(std::string_view resources);
+/// The IIM data in Photoshop's image resources, of all that hold some, in their order.
+std::string CollectIim(std::string_view resources);
 
 }  // namespace kivxmp::photo

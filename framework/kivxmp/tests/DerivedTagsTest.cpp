@@ -7,6 +7,8 @@
 
 #include <gmock/gmock.h>
 
+#include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -137,6 +139,63 @@ TEST_F(DerivedTagsTest, PacketThenExifThenIim)
     EXPECT_EQ(Told(*other, "dc:description"),
               R"({"x-default":"by IIM"} (Iptc.Application2.Caption))");
     EXPECT_EQ(Told(*other, "dc:subject"), "[\"sea\",\"sk\xC3\xA4\"] (Iptc.Application2.Keywords)");
+}
+
+/// A maker note with a text of more than four bytes, whose offset counts from the stream's
+/// beginning.
+std::string NoteOf(const std::string& head, std::uint16_t tag, const std::string& text,
+                   std::size_t at)
+{
+    const auto number = [](std::uint64_t value, std::size_t bytes) {
+        return photo::NumberBytes(value, bytes, photo::ByteOrder::kLittle);
+    };
+    const std::size_t textAt = at + head.size() + 2 + 12 + 4;
+    return head + number(1, 2) + number(tag, 2) + number(2, 2) + number(text.size(), 4) +
+           number(textAt, 4) + number(0, 4) + text;
+}
+
+TEST_F(DerivedTagsTest, MakerNotes)
+{
+    struct Row {
+        const char* make;
+        std::string head;
+        std::uint16_t tag;
+        const char* path;
+        const char* want;
+    };
+    const Row rows[] = {
+        {"Canon", "", 149, "aux:Lens", R"("K 50mm" (Exif.Canon.LensModel))"},
+        {"Canon", "", 7, "aux:Firmware", R"("K 50mm" (Exif.Canon.FirmwareVersion))"},
+        {"Panasonic", "Panasonic\0\0\0"s, 81, "aux:Lens", R"("K 50mm" (Exif.Panasonic.LensType))"},
+        {"Kivo", "", 149, "aux:Lens", ""},
+    };
+    for (const Row& row : rows) {
+        SCOPED_TRACE(row.make);
+        ExifStream exif;
+        exif.Ascii(ExifStream::kImage, 271, row.make);
+        // The note's place does not depend on what is in it.
+        const auto stream = [&](std::size_t at) {
+            const std::string note = NoteOf(row.head, row.tag, "K 50mm\0"s, at);
+            return exif.Undefined(ExifStream::kPhoto, 37500, note).Bytes();
+        };
+        const std::size_t at = stream(0).find("K 50mm") - NoteOf(row.head, 0, "", 0).size();
+        folder_.Write("p.tif", stream(at));
+        EXPECT_EQ(Told(*Open("p.tif"), row.path), row.want);
+        folder_.Write("p.jpg", Jpeg().Segment(kApp1, "Exif\0\0"s + stream(at)).Scan().Bytes());
+        EXPECT_EQ(Told(*Open("p.jpg"), row.path), row.want);
+    }
+    const ExifStream note =
+        ExifStream(photo::ByteOrder::kBig)
+            .Ascii(ExifStream::kImage, 29, "1234567")
+            .Ratio(ExifStream::kImage, 132, {{18, 1}, {70, 1}, {35, 10}, {45, 10}});
+    folder_.Write("n.jpg", JpegWith(ExifStream()
+                                        .Ascii(ExifStream::kImage, 271, "NIKON CORPORATION")
+                                        .Undefined(ExifStream::kPhoto, 37500,
+                                                   "Nikon\0\2\x10\0\0"s + note.Bytes()),
+                                    "", ""));
+    EXPECT_EQ(Told(*Open("n.jpg"), "aux:SerialNumber"), R"("1234567" (Exif.Nikon3.SerialNumber))");
+    EXPECT_EQ(Told(*Open("n.jpg"), "aux:LensInfo"),
+              R"("18/1 70/1 35/10 45/10" (Exif.Nikon3.Lens))");
 }
 
 TEST_F(DerivedTagsTest, IimInTiff)

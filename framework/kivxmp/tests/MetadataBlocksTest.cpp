@@ -88,11 +88,15 @@ TEST(MetadataBlocks, ResourcesCutAtEveryLength)
     const std::size_t end = whole.find("Harbour") + 7;
     for (std::size_t bytes = 0; bytes <= whole.size(); ++bytes) {
         const std::string cut(whole, 0, bytes);
-        EXPECT_EQ(FindIim(cut), bytes < end ? "" : iim) << bytes;
+        EXPECT_EQ(CollectIim(cut), bytes < end ? "" : iim) << bytes;
     }
+    // An empty one says nothing, and what is divided belongs together.
+    EXPECT_EQ(CollectIim(ImageResource(kIimNumber, "") + ImageResource(kIimNumber, iim) +
+                         ImageResource(1, "x") + ImageResource(kIimNumber, iim)),
+              iim + iim);
     // A length that lies.
-    EXPECT_EQ(FindIim("8BIM\x04\x04\0\0\xFF\xFF\xFF\xFFxx"sv), "");
-    EXPECT_EQ(FindIim("OTHR\x04\x04\0\0\0\0\0\x02xx"sv), "");
+    EXPECT_EQ(CollectIim("8BIM\x04\x04\0\0\xFF\xFF\xFF\xFFxx"sv), "");
+    EXPECT_EQ(CollectIim("OTHR\x04\x04\0\0\0\0\0\x02xx"sv), "");
 }
 
 TEST(MetadataBlocks, PngAndWebp)
@@ -106,6 +110,12 @@ TEST(MetadataBlocks, PngAndWebp)
     // Too large, also where nothing else is.
     EXPECT_EQ(
         Read(Png().Chunk("eXIf", std::string(kBlockBytesLimit + 1, 'x')).Image().Bytes()).exif, "");
+}
+
+std::string Condensed(const std::string& stream)
+{
+    MemorySource source(stream);
+    return CondenseTiff(source).stream;
 }
 
 TEST(CondensedTiff, KeepsTheTags)
@@ -135,6 +145,45 @@ TEST(CondensedTiff, KeepsTheTags)
         EXPECT_EQ(condensed.iim, "IIM");
         EXPECT_EQ(condensed.imageResources, "resources");
     }
+}
+
+TEST(CondensedTiff, MakerNotes)
+{
+    // Of a note only what is of use comes along.
+    const std::string_view head = "Nikon\0\2\x10\0\0"sv;
+    const auto nikon = [&](const ExifStream& note) {
+        return ExifStream(ByteOrder::kBig)
+            .Ascii(ExifStream::kImage, 271, "NIKON CORPORATION")
+            .Undefined(ExifStream::kPhoto, 37500, std::string(head) + note.Bytes())
+            .Bytes();
+    };
+    const ExifStream used = ExifStream().Ascii(ExifStream::kImage, 29, "1234567");
+    ExifStream whole = used;
+    whole.Undefined(ExifStream::kImage, 152, std::string(5000, 'l'))
+        .Long(ExifStream::kImage, 17, {8});
+    EXPECT_EQ(Condensed(nikon(whole)), nikon(used));
+    EXPECT_EQ(Condensed(nikon(used)), nikon(used));
+    EXPECT_EQ(
+        Condensed(nikon(ExifStream().Ascii(ExifStream::kImage, 30, "of no use"))),
+        ExifStream(ByteOrder::kBig).Ascii(ExifStream::kImage, 271, "NIKON CORPORATION").Bytes());
+    // Of other makers nothing.
+    EXPECT_EQ(Condensed(ExifStream()
+                            .Ascii(ExifStream::kImage, 271, "Kivo")
+                            .Undefined(ExifStream::kPhoto, 37500, std::string(head) + used.Bytes())
+                            .Bytes()),
+              ExifStream().Ascii(ExifStream::kImage, 271, "Kivo").Bytes());
+}
+
+TEST(CondensedTiff, ValuesOverEachOther)
+{
+    // 240 directory entries that all lead to the same 60,000 bytes: 14 MB in a stream of 64 KiB.
+    std::string stream = "II*\0\x08\0\0\0\xF0\0"s;
+    for (std::uint64_t tag = 0; tag < 240; ++tag) {
+        stream += NumberBytes(1000 + tag, 2, ByteOrder::kLittle) + "\x07\0\x60\xEA\0\0\x08\0\0\0"s;
+    }
+    stream.resize(65000);
+    EXPECT_LE(Condensed(stream).size(), (1u << 20) + 4000);
+    EXPECT_GE(Condensed(stream).size(), 60000u);
 }
 
 TEST(CondensedTiff, Damage)
