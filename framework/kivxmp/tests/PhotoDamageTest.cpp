@@ -388,7 +388,7 @@ TEST_F(DamagedFiles, AreSavedRightOrLeftAlone)
         Chance chance;
         int saved = 0;
         int refused = 0;
-        for (int number = 0; number < kFiles / 20; ++number) {
+        for (int number = 0; number < kFiles / 40; ++number) {
             SCOPED_TRACE(number);
             const std::string photo = Damaged(chance.Of(row.samples), chance);
             folder_.Write(row.file, photo);
@@ -412,8 +412,8 @@ TEST_F(DamagedFiles, AreSavedRightOrLeftAlone)
             }
             EXPECT_EQ(folder_.Names().size(), 1U);
         }
-        EXPECT_GT(saved, 1);
-        EXPECT_GT(refused, 10);
+        EXPECT_GT(saved, 0);
+        EXPECT_GT(refused, 5);
         std::filesystem::remove(folder_.Of(row.file));
     }
 }
