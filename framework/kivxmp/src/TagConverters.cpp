@@ -97,7 +97,8 @@ std::vector<std::string> LensParts(const TagValue& tag)
 std::string Coordinate(const std::vector<Ratio>& parts, std::string_view reference,
                        std::string_view letters, int limitDegrees)
 {
-    if (parts.empty() || reference.empty() || letters.find(reference.front()) == letters.npos) {
+    if (parts.empty() || reference.empty() ||
+        letters.find(reference.front()) == std::string_view::npos) {
         return {};
     }
     constexpr double kMinutesOf[] = {60, 1, 1.0 / 60};
@@ -170,7 +171,7 @@ std::string_view ColonPart(std::string_view text, int colon)
 {
     for (; colon > 0; --colon) {
         const std::size_t at = text.find(':');
-        if (at == text.npos) {
+        if (at == std::string_view::npos) {
             return {};
         }
         text.remove_prefix(at + 1);
@@ -235,7 +236,8 @@ bool ConvertCopyright(const Tags&, const TagValue& tag, MappedProperty& property
     const std::string_view bytes = tag.bytes;
     const std::size_t end = bytes.find('\0');
     const std::string photographer = TextOf(bytes);
-    const std::string editor = end == bytes.npos ? std::string() : TextOf(bytes.substr(end + 1));
+    const std::string editor =
+        end == std::string_view::npos ? std::string() : TextOf(bytes.substr(end + 1));
     const bool isBoth = !photographer.empty() && !editor.empty();
     return Set(property, MappedForm::kLanguage, photographer + (isBoth ? "\n" : "") + editor);
 }

@@ -187,7 +187,8 @@ std::vector<std::string> SplitList(std::string_view text)
             } else {
                 isQuoted = false;
             }
-        } else if (c == '"' && Trimmed(part).empty() && text.find('"', i + 1) != text.npos) {
+        } else if (c == '"' && Trimmed(part).empty() &&
+                   text.find('"', i + 1) != std::string_view::npos) {
             // A quote that nothing closes, and one within a part, is a character like others.
             part.clear();
             isQuoted = true;
