@@ -71,10 +71,10 @@ public:
     throw std::runtime_error(KivXmpLastErrorText());
 }
 
-Meta Open(const std::string& file)
+Meta Open(const std::string& file, const Options& options)
 {
     __XMPMeta__* meta = nullptr;
-    if (KivXmpOpenPhoto(file.c_str(), nullptr, &meta) != kKivXmpOk) {
+    if (KivXmpOpenPhoto(file.c_str(), &options.open, &meta) != kKivXmpOk) {
         ThrowXmpError();
     }
     return Meta(meta);
@@ -104,7 +104,7 @@ int DumpAll(const Options& options)
     const BatchResult result =
         RunBatch(options.files, interruption,
                  [&options](const std::string& file, tools::Progress& progress) {
-                     Dump(Open(file), file, options, progress);
+                     Dump(Open(file, options), file, options, progress);
                  });
     if (interruption.IsAskedFor()) {
         std::cerr << "kivhost: interrupted; " << result.notReached << " files were not reached\n";
@@ -135,7 +135,7 @@ int InsertIntoAll(const Options& options)
     const Interruption interruption;
     const BatchResult result = RunBatch(
         options.files, interruption, [&](const std::string& file, tools::Progress& progress) {
-            const Meta meta = Open(file);
+            const Meta meta = Open(file, options);
             int isWritten = 0;
             if (KivXmpReplacePacket(meta.get(), packet.get()) != kKivXmpOk ||
                 KivXmpSavePhoto(meta.get(), &isWritten) != kKivXmpOk) {
@@ -210,7 +210,7 @@ void PrintChanges()
 
 int RunDialog(const Options& options)
 {
-    const Meta meta = Open(options.files.front());
+    const Meta meta = Open(options.files.front(), options);
     TellNote(meta, options.files.front());
     KivXmpPhotoInfo info = {};
     if (KivXmpGetPhotoInfo(meta.get(), &info) == kKivXmpOk && info.canSave == 0) {
@@ -257,7 +257,7 @@ int Run(const Options& options)
         case Mode::kInsert:
             return InsertIntoAll(options);
         case Mode::kExtract:
-            Extract(Open(options.files.front()), options.extractTo);
+            Extract(Open(options.files.front(), options), options.extractTo);
             return kConfirmed;
         case Mode::kListDefinitions: {
             const Library library(options);

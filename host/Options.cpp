@@ -56,6 +56,28 @@ AutoPress ParseAuto(const std::string& text)
     throw UsageError("--auto: '" + text + "' is neither ok nor cancel");
 }
 
+int ParsePlace(const std::string& text)
+{
+    if (text == "photo") {
+        return kKivXmpPlaceEmbedded;
+    }
+    if (text == "sidecar") {
+        return kKivXmpPlaceSidecar;
+    }
+    throw UsageError("--place: '" + text + "' is neither photo nor sidecar");
+}
+
+int ParseSidecarName(const std::string& text)
+{
+    if (text == "full") {
+        return kKivXmpSidecarFull;
+    }
+    if (text == "short") {
+        return kKivXmpSidecarShort;
+    }
+    throw UsageError("--sidecar-name: '" + text + "' is neither full nor short");
+}
+
 // One option. Without an argument's name it takes none.
 struct Row {
     const char* name;
@@ -86,6 +108,16 @@ constexpr Row kRows[] = {
      }},
     {"--view", "NAME", "view to open first, by name or label",
      [](Options& options, const std::string& value) { options.view = value; }},
+    {"--place", "photo|sidecar",
+     "where the packet is kept (default: in the photo where its format is written, else in a\n"
+     "sidecar)",
+     [](Options& options, const std::string& value) { options.open.place = ParsePlace(value); }},
+    {"--sidecar-name", "full|short",
+     "the sidecar of NAME.EXT: NAME.EXT.xmp or NAME.xmp (default: the one that is there; of\n"
+     "both, or for a new one, the full name)",
+     [](Options& options, const std::string& value) {
+         options.open.sidecar = ParseSidecarName(value);
+     }},
     {"--custom-definitions", nullptr, "have the list of custom items built at start-up",
      [](Options& options, const std::string&) { options.loadsCustomDefinitions = true; }},
     {"--set", "PATH=VALUE",

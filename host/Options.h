@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <kivxmp/kivxmp_file.h>
+
 #include <cstdint>
 #include <stdexcept>
 #include <string>
@@ -25,7 +27,8 @@ enum class AutoPress { kNone, kOk, kCancel };
 struct Options {
     Mode mode = Mode::kDialog;
     std::vector<std::string> files;  ///< UTF-8; one but for kDump and kInsert
-    bool dumps = false;              ///< in kInsert afterwards
+    KivXmpOpenOptions open = {kKivXmpPlaceAuto, kKivXmpSidecarAuto};
+    bool dumps = false;  ///< in kInsert afterwards
     bool inserts = false;
     std::string insertFrom;
     std::string extractTo;

@@ -465,6 +465,30 @@ class Inserts(NoDisplayTest):
             now = path.stat()
             self.assertEqual((now.st_ino, now.st_mtime_ns), (state.st_ino, state.st_mtime_ns))
 
+    def test_where_the_packet_is_kept(self):
+        full, short = self.folder / "photo.jpg.xmp", self.folder / "photo.xmp"
+        for arguments, path in (
+            ([], self.photo), (["--place", "photo"], self.photo), (["--place", "sidecar"], full),
+            (["--place", "sidecar", "--sidecar-name", "full"], full),
+            (["--place", "sidecar", "--sidecar-name", "short"], short),
+        ):  # fmt: skip
+            with self.subTest(arguments):
+                self.photo.write_bytes(self.original)
+                for sidecar in (full, short):
+                    sidecar.unlink(missing_ok=True)
+                self.insert(*arguments, self.photo, told="1 written, 0 unchanged, 0 refused")
+                self.assertIn(self.packet.read_bytes(), path.read_bytes())
+                self.assertEqual([p for p in (full, short) if p.exists() and p != path], [])
+                self.assertEqual(self.photo.read_bytes() == self.original, path != self.photo)
+                run = self.run_host(*arguments, "--extract", "-", self.photo)
+                self.assertEqual(run.stdout.encode(), self.packet.read_bytes())
+        raw = self.folder / "photo.nef"
+        raw.write_bytes(photo_formats.tiff("<", False, False, 2, 1, b"pixels"))
+        told = self.insert(
+            "--place", "photo", raw, status=1, told="0 written, 0 unchanged, 1 refused"
+        )
+        self.assertRegex(told, "photo.nef: .*is a raw file")
+
     def test_one_bad_photo_does_not_stop_the_others(self):
         bad, locked, last = (self.folder / name for name in ("bad.jpg", "locked.jpg", "last.jpg"))
         bad.write_bytes(b"no photo")

@@ -85,6 +85,19 @@ TEST(Options, ManyFilesForDumpAndInsert)
     }
 }
 
+TEST(Options, WhereThePacketIsKept)
+{
+    Options options = ParseOptions({"a.jpg"});
+    EXPECT_EQ(options.open.place, kKivXmpPlaceAuto);
+    EXPECT_EQ(options.open.sidecar, kKivXmpSidecarAuto);
+    options = ParseOptions({"--place", "photo", "--sidecar-name", "full", "a.jpg"});
+    EXPECT_EQ(options.open.place, kKivXmpPlaceEmbedded);
+    EXPECT_EQ(options.open.sidecar, kKivXmpSidecarFull);
+    options = ParseOptions({"--place=sidecar", "--sidecar-name=short", "a.jpg"});
+    EXPECT_EQ(options.open.place, kKivXmpPlaceSidecar);
+    EXPECT_EQ(options.open.sidecar, kKivXmpSidecarShort);
+}
+
 TEST(Options, WrongLinesSaySo)
 {
     struct Row {
@@ -107,6 +120,8 @@ TEST(Options, WrongLinesSaySo)
         {{"--dump=1", "a"}, "--dump takes no value"},
         {{"--screenshot", "o.png", "a"}, "--screenshot needs --auto"},
         {{"--insert", "p.xmp"}, "no file given"},
+        {{"--place", "cloud", "a"}, "--place: 'cloud' is neither photo nor sidecar"},
+        {{"--sidecar-name", "", "a"}, "--sidecar-name: '' is neither full nor short"},
         {{"--insert"}, "--insert needs IN.xmp"},
         {{"--extract", "o.xmp", "a", "b"}, "more than one file given: 'b'"},
         {{"--insert", "p.xmp", "--extract", "o.xmp", "a"},
