@@ -19,8 +19,6 @@ namespace kivtoolkit::tests {
 namespace {
 
 using kivmetadataui::DialogSurface;
-using kivmetadataui::DriverKey;
-using kivmetadataui::DriverKeyPress;
 using kivmetadataui::FieldPart;
 
 constexpr char16_t kMark[] = u"Sidecar";
@@ -65,7 +63,7 @@ private:
 
 using Edit = std::function<void(ScriptedDialog& dialog, DialogSurface& surface)>;
 
-Edit Typed(const char* path, const char16_t* text, FieldPart part = {})
+Edit Typed(const char* path, const char16_t* text, const FieldPart& part = {})
 {
     return [=](ScriptedDialog& s, DialogSurface& surface) {
         surface.TypeInto(s.FieldAt(path), part, text);
