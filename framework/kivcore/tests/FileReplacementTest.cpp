@@ -150,13 +150,10 @@ TEST_F(FileReplacementTest, AComparisonSeesWhatWasWritten)
     ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new content"), options);
     EXPECT_EQ(seen, "new content");
 
-    // It is all that reads the copy, and a failure in it is told as one of that step.
-    SetFileFault(FileStep::kVerify, EIO, 2);
-    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("newer"), options);
-    EXPECT_EQ(seen, "newer");
-    EXPECT_EQ(KindOfFailure(Writes("newest"), options), FileError::Kind::kOther);
+    SetFileFault(FileStep::kVerify, EIO, 1);
+    EXPECT_EQ(KindOfFailure(Writes("newer"), options), FileError::Kind::kOther);
     EXPECT_THAT(message_, HasSubstr("what was written cannot be read back"));
-    EXPECT_EQ(folder_.Read("photo.jpg"), "newer");
+    EXPECT_EQ(folder_.Read("photo.jpg"), "new content");
 }
 
 TEST_F(FileReplacementTest, ABenchmarkCanDoWithoutChecks)
@@ -165,13 +162,11 @@ TEST_F(FileReplacementTest, ABenchmarkCanDoWithoutChecks)
     int compared = 0;
     options.compare = [&compared](InputFile&) { ++compared; };
     SetReplacementChecks(false);
-    SetFileFault(FileStep::kVerify, EIO, 1);
     ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new"), options);
-    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("newer"), {});
     SetReplacementChecks(true);
     EXPECT_EQ(compared, 0);
-    EXPECT_EQ(folder_.Read("photo.jpg"), "newer");
-    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("new"), options);
+    EXPECT_EQ(folder_.Read("photo.jpg"), "new");
+    ReplaceWholeFile(folder_.Path("photo.jpg"), Writes("newer"), options);
     EXPECT_EQ(compared, 1);
 }
 

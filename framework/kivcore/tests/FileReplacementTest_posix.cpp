@@ -14,6 +14,7 @@
 
 #include <gmock/gmock.h>
 
+#include "framework/kivcore/src/ReplacementChecks.h"
 #include "framework/kivcore/tests/ChildProcess_posix.h"
 #include "framework/kivcore/tests/FileReplacementFixture.h"
 
@@ -347,6 +348,24 @@ TEST_F(FileReplacementSystemTest, AReadOnlyFileIsRefusedWithAndWithoutRights)
 TEST_F(FileReplacementSystemTest, FaultsByTheSystemsOwnNumbers)
 {
     ExpectFault({"verify:5:1", "what was written cannot be read back: the disk reports an error"});
+}
+
+// Elsewhere the new file is read once more before the old one is given up.
+TEST_F(FileReplacementSystemTest, NobodyReadsTheCopyWhereACallerCompares)
+{
+    ReplaceOptions options;
+    options.compare = [](InputFile&) {};
+    SetFileFault(FileStep::kVerify, EIO, 1);
+    ReplaceWholeFile(
+        folder_.Path("photo.jpg"), [](OutputFile& out) { out.Write("compared", 8); }, options);
+    EXPECT_EQ(folder_.Read("photo.jpg"), "compared");
+    SetReplacementChecks(false);
+    Replace("photo.jpg", "unchecked");
+    SetReplacementChecks(true);
+    EXPECT_EQ(folder_.Read("photo.jpg"), "unchecked");
+    // The fault still waits for whoever reads.
+    EXPECT_THROW(Replace("photo.jpg", "checked"), FileError);
+    SetFileFault(FileStep::kOpen, 0, 0);
 }
 
 TEST_F(FileReplacementSystemTest, AKillSetByTheEnvironment)
