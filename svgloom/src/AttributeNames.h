@@ -5,7 +5,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
+
+#include "svgloom/src/NameTable.h"
 
 namespace SVGLoom {
 
@@ -71,10 +74,73 @@ constexpr bool IsProperty(AttributeName name)
     return static_cast<std::size_t>(name) < kPropertyCount;
 }
 
+// In the order of the enumeration.
+inline constexpr std::string_view kAttributeNames[] = {
+    "opacity",
+    "clip-path",
+    "display",
+    "stop-opacity",
+    "stop-color",
+    "fill",
+    "fill-opacity",
+    "fill-rule",
+    "color",
+    "visibility",
+    "clip-rule",
+    "stroke",
+    "stroke-width",
+    "stroke-linecap",
+    "stroke-linejoin",
+    "stroke-miterlimit",
+    "stroke-dashoffset",
+    "stroke-dasharray",
+    "stroke-opacity",
+    "class",
+    "cx",
+    "cy",
+    "d",
+    "fx",
+    "fy",
+    "gradientTransform",
+    "height",
+    "href",
+    "id",
+    "offset",
+    "points",
+    "preserveAspectRatio",
+    "r",
+    "rx",
+    "ry",
+    "spreadMethod",
+    "style",
+    "transform",
+    "viewBox",
+    "width",
+    "x",
+    "x1",
+    "x2",
+    "xlink:href",
+    "y",
+    "y1",
+    "y2",
+};
+static_assert(std::size(kAttributeNames) == kAttributeCount);
+static_assert(kAttributeNames[kPropertyCount - 1] == "stroke-opacity" &&
+              kAttributeNames[kPropertyCount] == "class");
+
+inline constexpr NameTable<kAttributeCount> kAttributeTable(kAttributeNames);
+
 /// kUnknown for a name that the engine does not read. Case counts.
-AttributeName FindAttribute(std::string_view name);
+inline AttributeName FindAttribute(std::string_view name)
+{
+    return static_cast<AttributeName>(kAttributeTable.Find(name));
+}
 
 /// The name as it is written; empty for kUnknown.
-std::string_view TextOf(AttributeName name);
+constexpr std::string_view TextOf(AttributeName name)
+{
+    return name != AttributeName::kUnknown ? kAttributeNames[static_cast<std::size_t>(name)]
+                                           : std::string_view();
+}
 
 }  // namespace SVGLoom

@@ -4,7 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <string_view>
+
+#include "svgloom/src/NameTable.h"
 
 namespace SVGLoom {
 
@@ -40,8 +43,21 @@ constexpr bool IsShape(ElementName name)
     return static_cast<std::size_t>(name) < kShapeCount;
 }
 
+// In the order of the enumeration.
+inline constexpr std::string_view kElementNames[] = {
+    "path",     "rect",   "circle", "ellipse", "line",           "polygon",
+    "polyline", "g",      "use",    "defs",    "linearGradient", "radialGradient",
+    "clipPath", "symbol", "image",  "style",   "stop",
+};
+static_assert(std::size(kElementNames) == kElementCount);
+
+inline constexpr NameTable<kElementCount> kElementTable(kElementNames);
+
 /// kUnknown for a name that the engine does not read, and for that of the root. Case counts.
-ElementName FindElement(std::string_view name);
+inline ElementName FindElement(std::string_view name)
+{
+    return static_cast<ElementName>(kElementTable.Find(name));
+}
 
 /// Whether an element of that name is a shape.
 inline bool IsShape(std::string_view name)

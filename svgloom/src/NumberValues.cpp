@@ -11,6 +11,59 @@ namespace SVGLoom {
 
 namespace {
 
+/// ReadNumber for values, which are short and end with their text: ReadNumber would go step by step
+/// there, because it looks at more bytes than there are.
+bool ReadShortValue(const char*& current, const char* end, float& value)
+{
+    constexpr std::ptrdiff_t kMostDigits = 4;  // of each part, exact in a float
+    const char* at = current;
+    const bool negative = at != end && *at == '-';
+    at += negative ? 1 : 0;
+    const char* digits = at;
+    int whole = 0;
+    for (; at != end && IsDigit(*at); ++at) {
+        whole = at - digits < kMostDigits ? whole * 10 + (*at - '0') : whole;
+    }
+    bool isUsual = at != digits && at - digits <= kMostDigits;
+    auto result = static_cast<float>(whole);
+    if (isUsual && at != end && *at == '.') {
+        digits = ++at;
+        for (; at != end && IsDigit(*at) && at - digits < kMostDigits; ++at) {
+            result += number_reader::kFractions.rows[at - digits][*at - '0'];
+        }
+        isUsual = at != digits && (at == end || !IsDigit(*at));
+    }
+    if (!isUsual || (at != end && ToLower(*at) == 'e')) {
+        return ReadNumber(current, end, value);
+    }
+    current = at;
+    value = negative ? -result : result;
+    return true;
+}
+
+/// The same; in icons most are a few digits.
+inline bool ReadValue(const char*& current, const char* end, float& value)
+{
+    constexpr std::ptrdiff_t kMostDigits = 3;
+    const char* at = current;
+    int whole = 0;
+    while (at != end && IsDigit(*at) && at - current < kMostDigits) {
+        whole = whole * 10 + (*at - '0');
+        ++at;
+    }
+    if (at == current || (at != end && *at != ' ')) {
+        return ReadShortValue(current, end, value);
+    }
+    current = at;
+    value = static_cast<float>(whole);
+    return true;
+}
+
+// As an object, so that it is put where it is used.
+constexpr auto kReadValue = [](const char*& current, const char* end, float& value) {
+    return ReadValue(current, end, value);
+};
+
 struct UnitRow {
     std::string_view name;
     float factor;  // user units
@@ -26,7 +79,7 @@ constexpr std::ptrdiff_t kUnitLength = 2;
 bool ReadLength(const char*& current, const char* end, float reference, float& value)
 {
     float number = 0;
-    if (!ReadNumber(current, end, number)) {
+    if (!ReadValue(current, end, number)) {
         return false;
     }
     if (current != end && *current == '%') {
@@ -101,7 +154,7 @@ bool ReadVector(std::string_view text, const Read& read, std::vector<float>& val
 
 bool SVGStringParser::ParseNumber(std::string_view text, float& value)
 {
-    return ReadWhole(text, ReadNumber, value);
+    return ReadWhole(text, kReadValue, value);
 }
 
 bool SVGStringParser::ParseLength(std::string_view text, float reference, float& value)
@@ -116,14 +169,14 @@ bool SVGStringParser::ParseLength(std::string_view text, float reference, float&
 
 bool SVGStringParser::ParseNumberList(std::string_view text, std::vector<float>& values)
 {
-    return ReadVector(text, ReadNumber, values);
+    return ReadVector(text, kReadValue, values);
 }
 
 bool SVGStringParser::ParseNumberList(std::string_view text, std::span<float> values,
                                       std::size_t& count)
 {
     count = 0;
-    const bool isRead = ReadList(text, ReadNumber, [values, &count](float value) {
+    const bool isRead = ReadList(text, kReadValue, [values, &count](float value) {
         if (count < values.size()) {
             values[count] = value;
         }

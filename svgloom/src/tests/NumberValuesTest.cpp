@@ -1,8 +1,15 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <iterator>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "svgloom/src/Characters.h"
+#include "svgloom/src/NumberReader.h"
 #include "svgloom/src/SVGStringParser.h"
 #include "svgloom/src/tests/TestSupport.h"
 
@@ -103,6 +110,44 @@ std::string Joined(const std::vector<float>& values)
         text += (text.empty() ? "" : " ") + Text(value);
     }
     return text;
+}
+
+// Values have a reader of their own for what is usual.
+TEST(ParseNumber, AsTheNumberReader)
+{
+    constexpr std::string_view kCharacters = "079.-+eE ";
+    constexpr std::size_t kLongest = 5;
+    std::string text;
+    const auto expectSame = [&text] {
+        const ExactText exact(text);
+        const char* current = exact.View().data();
+        const char* const end = current + text.size();
+        SkipSpace(current, end);
+        float want = 77;
+        const bool isNumber =
+            number_reader::ReadNumberBySteps(current, end, want) && !SkipSpace(current, end);
+        float have = 77;
+        ASSERT_EQ(SVGStringParser::ParseNumber(exact.View(), have), isNumber) << text;
+        if (isNumber) {
+            ASSERT_EQ(std::signbit(have), std::signbit(want)) << text;
+            ASSERT_EQ(have, want) << text;
+        }
+    };
+    const auto withAll = [&](const auto& self, std::size_t length) -> void {
+        expectSame();
+        for (std::size_t i = 0; length > 0 && i < kCharacters.size(); ++i) {
+            text.push_back(kCharacters[i]);
+            self(self, length - 1);
+            text.pop_back();
+        }
+    };
+    withAll(withAll, kLongest);
+    for (const std::string_view longer :
+         {"9999", "99999", "16777217", "0.9999", "0.99999", "9999.9999", "-1234.5678", "12345.1",
+          "1.23456e2", "-.5", ".0001"}) {
+        text = longer;
+        expectSame();
+    }
 }
 
 TEST(ParseNumberList, Cases)
