@@ -4,12 +4,31 @@
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <functional>
 #include <string>
 
 #include "framework/kivxmp/tests/PhotoFileFixture.h"
+
+namespace {
+
+/// Called with the file that was just flushed.
+std::function<void(int file)> behindFlush;
+
+}  // namespace
+
+// A program's own function comes before the C library's, in our libraries too.
+extern "C" [[gnu::visibility("default")]] int fsync(int file)
+{
+    const auto result = static_cast<int>(syscall(SYS_fsync, file));
+    if (behindFlush) {
+        behindFlush(file);
+    }
+    return result;
+}
 
 namespace kivxmp {
 namespace {
@@ -136,6 +155,31 @@ TEST_F(PhotoFileSystemTest, PermissionsStay)
     struct stat status {};
     ASSERT_EQ(stat(folder_.Of("p.jpg").c_str(), &status), 0);
     EXPECT_EQ(status.st_mode & 07777, 0640u);
+}
+
+TEST_F(PhotoFileSystemTest, DamageOnTheWayToTheDiskIsSeen)
+{
+    const std::size_t packet = photo_.find("<x:xmpmeta");
+    const std::string tail(300'000, 'i');
+    const std::string photo = photo_ + tail;
+    // A number that is less than nothing cuts the file there.
+    const auto end = static_cast<off_t>(photo.size());
+    for (const off_t place :
+         {off_t{3}, static_cast<off_t>(packet), static_cast<off_t>(photo_.size()),
+          end - static_cast<off_t>(tail.size()) / 2, -end / 2}) {
+        SCOPED_TRACE(place);
+        folder_.Write("p.jpg", photo);
+        int flushes = 0;
+        behindFlush = [&](int file) {
+            ++flushes;
+            EXPECT_EQ(place < 0 ? ftruncate(file, -place) : pwrite(file, "\xA5", 1, place) - 1, 0);
+        };
+        EXPECT_NE(Retitle("p.jpg"), 0);
+        behindFlush = nullptr;
+        EXPECT_EQ(flushes, 1);
+        EXPECT_TRUE(folder_.Read("p.jpg") == photo);
+        EXPECT_THAT(folder_.Names(), ElementsAre("p.jpg"));
+    }
 }
 
 }  // namespace
