@@ -16,6 +16,8 @@ import sys
 import tempfile
 import unittest
 
+import real_photos
+import xmp_reader
 from programs import Program
 
 FOLDER = os.path.dirname(os.path.abspath(__file__))
@@ -134,6 +136,57 @@ class RealPhotos(unittest.TestCase):
             self.assertEqual(os.path.getsize(after), size)
         self.assertIn("equal: ", script("photo_equal.py", before, after))
         self.assertEqual(sorted(os.listdir(self.folder.name)), ["after.jpg", "before.jpg"])
+
+
+class EveryFormat(unittest.TestCase):
+    """Photos that other programs made, with a packet of another program and without one."""
+
+    NAMES = ("p.jpg", "p.png", "p.webp", "p.tif", "p.tiff", "p.dng", "p.xmp")
+
+    def make(self, photo, with_packet):
+        # ".tiff" is BigTIFF here; a DNG file is a TIFF that tells of which version it is.
+        kind = {".tiff": "TIFF64", ".dng": "TIFF"}.get(photo.suffix, photo.suffix[1:])
+        packet = ["-XMP-dc:Subject=sea", "-XMP-dc:Subject=sky", "-XMP-xmp:Rating=3",
+                  "-XMP-dc:Description=north", "-XMP-dc:Description-de=Nord"]  # fmt: skip
+        image = ["convert", "-size", "90x60", "gradient:navy-orange"]
+        if kind == "xmp":
+            output("exiftool", "-q", *packet, photo)
+        elif kind == "TIFF64":
+            # ExifTool does not write such files.
+            if with_packet:
+                output("exiftool", "-q", *packet, photo.with_suffix(".xmp"))
+                image += ["-profile", photo.with_suffix(".xmp")]
+            output(*image, "%s:%s" % (kind, photo))
+            photo.with_suffix(".xmp").unlink(missing_ok=True)
+        else:
+            output(*image, "%s:%s" % (kind, photo))
+            version = ["-DNGVersion=1 4 0 0"] if photo.suffix == ".dng" else []
+            output("exiftool", "-q", "-overwrite_original", "-Exif:Artist=Anna", *version,
+                   *(packet if with_packet else []), photo)  # fmt: skip
+
+    def packet(self, photo):
+        """The lines of the packet as ExifTool finds it; none where there is none."""
+        data = photo.read_bytes() if photo.suffix == ".xmp" else subprocess.run(
+            ["exiftool", "-b", "-XMP", photo], stdout=subprocess.PIPE, check=True).stdout  # fmt: skip
+        return xmp_reader.read_packet(data) if data else []
+
+    def test_others_read_what_was_saved(self):
+        for name in self.NAMES:
+            for with_packet in (False, True):
+                with self.subTest(name, with_packet=with_packet), tempfile.TemporaryDirectory() as folder:
+                    before = pathlib.Path(folder) / ("before" + pathlib.Path(name).suffix)
+                    after = pathlib.Path(folder) / name
+                    self.make(before, with_packet)
+                    shutil.copyfile(before, after)
+                    self.assertEqual(run_editor(after, real_photos.EDIT), "saved\n")
+                    found = real_photos.differences(before, after)
+                    self.assertEqual([d for d in found if not real_photos.EXPECTED.match(d)], [])
+                    title = ["dc:title[@x-default]\t" + real_photos.TITLE,
+                             "dc:title[@x-default]/?xml:lang\tx-default"]  # fmt: skip
+                    old = self.packet(before)
+                    self.assertEqual(bool(old), with_packet or name == "p.xmp")
+                    self.assertEqual(sorted(self.packet(after)), sorted(old + title))
+                    self.assertEqual(sorted(os.listdir(folder)), sorted([before.name, name]))
 
 
 if __name__ == "__main__":
