@@ -319,10 +319,21 @@ private:
     bool ArcTo()
     {
         do {
-            // Flags may touch each other and the number behind them.
+            // Flags may touch each other and the number behind them. There is a token behind each
+            // that is looked at, so the byte behind it can be.
+            std::size_t count = 5;
+            if (!Has(count)) {
+                return false;
+            }
             const char* const large = tokens_.At(number_[3]);
-            std::size_t count = 4;
-            const char* const sweep = IsDigit(large[1]) ? large + 1 : tokens_.At(number_[count++]);
+            const char* sweep = large + 1;
+            if (IsDigit(*sweep)) {
+                --count;
+            } else if (Has(count + 1)) {
+                sweep = tokens_.At(number_[4]);
+            } else {
+                return false;
+            }
             const bool touchesNumber = IsDigit(sweep[1]) || sweep[1] == '.';
             const std::size_t x = count;
             count += touchesNumber ? 1 : 2;

@@ -181,18 +181,40 @@ bool PathTokens::IsSupported()
            __builtin_cpu_supports("bmi2");
 }
 
+/// Copies the end of a text, and spaces behind it. Returns how much that is.
+[[gnu::always_inline]] inline std::size_t PathTokens::CopyTail(std::size_t left)
+{
+    constexpr std::size_t kMost = sizeof tail_ / 2;
+    const std::size_t size = std::min(left, kMost);
+    if (size == kMost) {
+        std::memcpy(tail_, text_ + left - kMost, kMost);
+    } else {
+        std::memmove(tail_, text_, size);  // a call: of memcpy, compilers make slow instructions
+    }
+    std::memset(tail_ + size, ' ', kMost);
+    return size;
+}
+
 [[KIV_WIDE]] void PathTokens::Find(const char* text, const char* end)
 {
     const auto left = static_cast<std::size_t>(end - text);
     const std::size_t size = std::min(left, kMostBytes);
-    std::memmove(text_, text, size);  // as a call: of memcpy, compilers make slow instructions
-    std::memset(text_ + size, ' ', kBlock + kSpare);
+    text_ = text;
+    // Where a block and what is looked at behind it would not be in the text, a copy of its end is
+    // read.
+    const char* source = text;
+    std::size_t sourceAt = 0;
     std::size_t numberCount = 0;
     Place* command = commands_;
     std::size_t at = 0;
     bool hasLong = false;
     for (;;) {
-        const Classes of = Classify(text_ + at);
+        if (left - at < sizeof tail_ / 2 && source == text) {
+            sourceAt = left - CopyTail(left);
+            source = tail_;
+        }
+        const char* const block = source + (at - sourceAt);
+        const Classes of = Classify(block);
         const Bits body = of.digits | of.points;
         const Bits runs = body & ~(body << 1);
         // A number has one point only: all others in a run begin numbers of their own.
@@ -237,7 +259,7 @@ bool PathTokens::IsSupported()
                 const std::size_t begin = TakeFirst(begins);
                 const std::size_t whole = TakeFirst(wholes);
                 numbers_[i + k] = static_cast<Place>(at + begin);
-                texts[k] = VectorAt(text_ + at + begin);
+                texts[k] = VectorAt(block + begin);
                 parts[k] = PartsOf(texts[k], whole - begin, TakeFirst(ends) - whole);
             }
             _mm_storeu_ps(values_ + i, NumbersOf(texts, parts));
@@ -285,7 +307,7 @@ void PathTokens::Find(const char*, const char*)
 {
     for (std::size_t i = 0; i < count; ++i) {
         const char* current = text_ + numbers_[i];
-        if (!ReadNumber(current, text_ + sizeof text_, values_[i])) {
+        if (!ReadNumber(current, text_ + end_, values_[i])) {
             end_ = numbers_[i];
             behindCommands = std::lower_bound(commands_ + 0, behindCommands, end_);
             return i;

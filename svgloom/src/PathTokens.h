@@ -28,6 +28,8 @@ public:
     /// Takes apart what begins at `text`, which has to be the beginning of a number or command, as
     /// far as there is room. The piece ends before, even at its beginning, where something is not
     /// as in most paths: exponents, commas with no number behind them, numbers that cannot be read.
+    ///
+    /// The text has to stand as long as the piece is looked at.
     void Find(const char* text, const char* end);
 
     /// Where the piece ends, between two tokens.
@@ -47,13 +49,15 @@ private:
     static constexpr std::size_t kMostBytes = 2048;
     static constexpr std::size_t kSpare = 16;  // so many may be written, or read, behind the last
 
+    std::size_t CopyTail(std::size_t left);
     std::size_t ReadLongNumbers(std::size_t count, Place*& behindCommands);
 
     Place end_;
     Place commands_[kMostBytes + kBlock + kSpare];
     Place numbers_[kMostBytes + kBlock + kSpare];
     float values_[kMostBytes + kBlock + kSpare];
-    char text_[kMostBytes + kBlock + kSpare];
+    const char* text_;
+    char tail_[2 * (kBlock + kSpare)];
 };
 
 }  // namespace SVGLoom
