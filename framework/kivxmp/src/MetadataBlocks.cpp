@@ -5,6 +5,7 @@
 
 #include "framework/kivxmp/src/ByteNumbers.h"
 #include "framework/kivxmp/src/CondensedTiff.h"
+#include "framework/kivxmp/src/PngText.h"
 
 namespace kivxmp::photo {
 
@@ -18,7 +19,8 @@ constexpr std::size_t kExifSignatureBytes = 6;  // the last byte is a filler
 
 constexpr std::size_t kResourceHeadBytes = 4 + 2;  // signature and number
 constexpr std::uint64_t kResourceIim = 0x0404;
-constexpr std::size_t kMaxResourceBlocks = 64;
+// Of all blocks together.
+constexpr std::size_t kResourcesBytesLimit = std::size_t{4} << 20;
 
 /// Nothing for what is too large, or is not there.
 std::string ReadBlock(ByteSource& source, const ByteRange& range)
@@ -29,6 +31,15 @@ std::string ReadBlock(ByteSource& source, const ByteRange& range)
     std::string bytes(static_cast<std::size_t>(range.bytes), '\0');
     bytes.resize(source.ReadAt(range.offset, bytes.data(), bytes.size()));
     return bytes;
+}
+
+std::string SoundExif(std::string_view stream)
+{
+    if (stream.starts_with(kExifSignature)) {
+        stream.remove_prefix(std::min(kExifSignatureBytes, stream.size()));
+    }
+    MemorySource source(stream);
+    return CondenseTiff(source).stream;
 }
 
 constexpr std::size_t Even(std::size_t bytes)
@@ -67,12 +78,22 @@ MetadataBlocks ReadMetadataBlocks(const PhotoFormat& photo, ByteSource& source)
 {
     MetadataBlocks blocks;
     std::string resources;
-    std::size_t resourceBlocks = 0;
     for (const MetadataBlock& block : photo.Blocks()) {
+        if (resources.size() > kResourcesBytesLimit) {
+            break;
+        }
         if (block.kind == MetadataBlock::Kind::kImageResources) {
             // What one segment has no room for goes on in the next.
-            if (++resourceBlocks <= kMaxResourceBlocks) {
-                resources += ReadBlock(source, block.range);
+            resources += ReadBlock(source, block.range);
+        } else if (block.kind == MetadataBlock::Kind::kProfile ||
+                   block.kind == MetadataBlock::Kind::kPackedProfile) {
+            const std::string profile =
+                ReadProfile(ReadBlock(source, block.range),
+                            block.kind == MetadataBlock::Kind::kPackedProfile, kBlockBytesLimit);
+            if (profile.starts_with("8BIM")) {
+                resources += profile;
+            } else if (profile.starts_with(kExifSignature) && blocks.exif.empty()) {
+                blocks.exif = SoundExif(profile);
             }
         } else if (!blocks.exif.empty()) {
             continue;
@@ -82,13 +103,7 @@ MetadataBlocks ReadMetadataBlocks(const PhotoFormat& photo, ByteSource& source)
             blocks.iim = std::move(condensed.iim);
             resources = std::move(condensed.imageResources);
         } else {
-            const std::string bytes = ReadBlock(source, block.range);
-            std::string_view stream = bytes;
-            if (stream.starts_with(kExifSignature)) {
-                stream.remove_prefix(std::min(kExifSignatureBytes, stream.size()));
-            }
-            MemorySource streamSource(stream);
-            blocks.exif = CondenseTiff(streamSource).stream;
+            blocks.exif = SoundExif(ReadBlock(source, block.range));
         }
     }
     if (blocks.iim.empty()) {

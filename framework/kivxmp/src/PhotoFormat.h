@@ -48,6 +48,8 @@ struct MetadataBlock {
         kExif,            ///< a TIFF stream, in front of it perhaps the signature of JPEG's segment
         kTiff,            ///< the same, and it is the whole photo
         kImageResources,  ///< Photoshop's, or a part of them; they hold IIM data
+        kProfile,         ///< the content of a PNG file's text chunk (PngText.h) with one of these
+        kPackedProfile,   ///< the same, packed
     };
     Kind kind = Kind::kExif;
     ByteRange range;

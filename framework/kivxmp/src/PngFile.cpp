@@ -7,6 +7,7 @@
 
 #include "framework/kivxmp/src/ByteNumbers.h"
 #include "framework/kivxmp/src/HeaderReader.h"
+#include "framework/kivxmp/src/PngText.h"
 
 namespace kivxmp::photo {
 
@@ -58,38 +59,6 @@ std::string ChunkBytes(std::string_view type, std::initializer_list<std::string_
            NumberBytes(Checksum(checked), 4, ByteOrder::kBig);
 }
 
-/// Nothing for what is no such data, or unpacks to more than a packet may be.
-std::optional<std::string> Unpacked(std::string_view packed)
-{
-    z_stream stream{};
-    if (inflateInit(&stream) != Z_OK) {
-        throw std::bad_alloc();
-    }
-    std::string text;
-    int status = Z_OK;
-    stream.next_in = reinterpret_cast<Bytef*>(const_cast<char*>(packed.data()));
-    stream.avail_in = static_cast<uInt>(packed.size());
-    try {
-        while (status == Z_OK && text.size() <= kPacketBytesLimit) {
-            constexpr std::size_t kStep = 64 * 1024;
-            const std::size_t filled = text.size();
-            text.resize(filled + kStep);
-            stream.next_out = reinterpret_cast<Bytef*>(text.data() + filled);
-            stream.avail_out = kStep;
-            status = inflate(&stream, Z_NO_FLUSH);
-            text.resize(text.size() - stream.avail_out);
-        }
-    } catch (...) {
-        inflateEnd(&stream);
-        throw;
-    }
-    inflateEnd(&stream);
-    if (status != Z_STREAM_END || text.size() > kPacketBytesLimit) {
-        return std::nullopt;
-    }
-    return text;
-}
-
 class PngFile final : public PhotoFormat {
 public:
     explicit PngFile(ByteSource& source);
@@ -102,6 +71,7 @@ private:
 
     Next ReadChunk(HeaderReader& reader, std::uint64_t& position, Chunk& chunk);
     void NoteText(HeaderReader& reader, const Chunk& chunk, ByteSource& source);
+    void NoteProfile(HeaderReader& reader, const Chunk& chunk);
     SavePlan PlanPlace(const PacketParts& packet) const override;
 
     std::vector<PacketChunk> chunks_;  // one for each packet
@@ -118,6 +88,8 @@ PngFile::PngFile(ByteSource& source)
             NoteText(reader, chunk, source);
         } else if (chunk.type == kExifType) {
             NoteBlock(MetadataBlock::Kind::kExif, {chunk.Content(), chunk.contentBytes});
+        } else {
+            NoteProfile(reader, chunk);
         }
     }
     // A packet that is there in full is the place, and what is missing lies behind it. Without one
@@ -190,13 +162,28 @@ void PngFile::NoteText(HeaderReader& reader, const Chunk& chunk, ByteSource& sou
     }
 }
 
+/// The older way to keep Exif and IIM data, by which Exiv2 and ImageMagick write.
+void PngFile::NoteProfile(HeaderReader& reader, const Chunk& chunk)
+{
+    const bool isPacked = chunk.type == "zTXt";
+    if (!isPacked && chunk.type != "tEXt") {
+        return;
+    }
+    const std::string head = reader.Bytes(
+        chunk.Content(), std::min<std::uint64_t>(chunk.contentBytes, kProfileKeywordBytes));
+    if (IsProfileKeyword(head)) {
+        NoteBlock(isPacked ? MetadataBlock::Kind::kPackedProfile : MetadataBlock::Kind::kProfile,
+                  {chunk.Content(), chunk.contentBytes});
+    }
+}
+
 std::string PngFile::ReadPacket(std::size_t number, ByteSource& source) const
 {
     std::string text = ReadRange(source, Packets().at(number));
     if (!chunks_[number].isCompressed) {
         return text;
     }
-    std::optional<std::string> unpacked = Unpacked(text);
+    std::optional<std::string> unpacked = UnpackText(text, kPacketBytesLimit);
     if (!unpacked) {
         throw PhotoError(PhotoError::Kind::kBroken, "its compressed metadata cannot be unpacked" +
                                                         AtByte(chunks_[number].chunk.offset));

@@ -1,6 +1,7 @@
 #include "framework/kivxmp/src/MetadataBlocks.h"
 
 #include <gtest/gtest.h>
+#include <zlib.h>
 
 #include <memory>
 #include <string>
@@ -8,6 +9,7 @@
 
 #include "framework/kivxmp/src/CondensedTiff.h"
 #include "framework/kivxmp/src/IimBlock.h"
+#include "framework/kivxmp/src/PngText.h"
 #include "framework/kivxmp/src/TagValue.h"
 #include "framework/kivxmp/tests/ExifBuilder.h"
 #include "framework/kivxmp/tests/JpegBuilder.h"
@@ -145,6 +147,63 @@ TEST(CondensedTiff, KeepsTheTags)
         EXPECT_EQ(condensed.iim, "IIM");
         EXPECT_EQ(condensed.imageResources, "resources");
     }
+}
+
+/// "\nexif\n       8\n4578..." in lines of 72 digits.
+std::string HexProfile(std::string_view name, std::string_view bytes)
+{
+    std::string text = "\n" + std::string(name) + "\n" + std::to_string(bytes.size()) + "\n";
+    constexpr char kDigits[] = "0123456789abcdef";
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        const auto byte = static_cast<unsigned char>(bytes[i]);
+        text += kDigits[byte / 16];
+        text += kDigits[byte % 16];
+        text += i % 36 == 35 ? "\n" : "";
+    }
+    return text + "\n";
+}
+
+TEST(MetadataBlocks, ProfilesOfPng)
+{
+    const std::string exif = HexProfile("exif", "Exif\0\0"s + Stream());
+    const std::string iim = Iim().Add(2, 5, "Harbour").Bytes();
+    const std::string iptc = HexProfile("iptc", ImageResource(kIimNumber, iim));
+    std::string packed(compressBound(exif.size()), '\0');
+    uLongf packedBytes = packed.size();
+    ASSERT_EQ(compress(reinterpret_cast<Bytef*>(packed.data()), &packedBytes,
+                       reinterpret_cast<const Bytef*>(exif.data()), exif.size()),
+              Z_OK);
+    packed.resize(packedBytes);
+
+    const MetadataBlocks plain = Read(Png()
+                                          .Chunk("tEXt", "Raw profile type exif\0"s + exif)
+                                          .Chunk("tEXt", "Raw profile type iptc\0"s + iptc)
+                                          .Image()
+                                          .Bytes());
+    EXPECT_EQ(plain.exif, Stream());
+    EXPECT_EQ(plain.iim, iim);
+    const auto packedChunk = [](const std::string& text) {
+        return Png().Chunk("zTXt", "Raw profile type APP1\0\0"s + text).Image().Bytes();
+    };
+    EXPECT_EQ(Read(packedChunk(packed)).exif, Stream());
+    // The standard's own chunk counts before it, where it comes first.
+    EXPECT_EQ(Read(Png()
+                       .Chunk("eXIf", ExifStream().Ascii(ExifStream::kImage, 271, "one").Bytes())
+                       .Chunk("tEXt", "Raw profile type exif\0"s + exif)
+                       .Image()
+                       .Bytes())
+                  .exif,
+              ExifStream().Ascii(ExifStream::kImage, 271, "one").Bytes());
+    // Damaged, cut, of another kind, too long.
+    for (std::size_t bytes = 0; bytes < packed.size(); ++bytes) {
+        EXPECT_EQ(Read(packedChunk(packed.substr(0, bytes))).exif, "") << bytes;
+    }
+    for (const std::string& text : {""s, "\n\n"s, "\nexif\n8\nnothing"s, "\nexif\n8\n4"s}) {
+        EXPECT_EQ(Read(Png().Chunk("tEXt", "Raw profile type exif\0"s + text).Image().Bytes()).exif,
+                  "");
+    }
+    EXPECT_EQ(Read(Png().Chunk("tEXt", "Raw profile type exif "s + exif).Image().Bytes()).exif, "");
+    EXPECT_EQ(ReadProfile("Raw profile type exif\0"s + exif, /*isPacked=*/false, 10), "");
 }
 
 TEST(CondensedTiff, MakerNotes)
