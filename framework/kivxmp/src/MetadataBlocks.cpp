@@ -92,6 +92,8 @@ MetadataBlocks ReadMetadataBlocks(const PhotoFormat& photo, ByteSource& source)
                             block.kind == MetadataBlock::Kind::kPackedProfile, kBlockBytesLimit);
             if (profile.starts_with("8BIM")) {
                 resources += profile;
+            } else if (profile.starts_with('\x1C') && blocks.iim.empty()) {
+                blocks.iim = profile;  // without the resources around it
             } else if (profile.starts_with(kExifSignature) && blocks.exif.empty()) {
                 blocks.exif = SoundExif(profile);
             }

@@ -182,6 +182,12 @@ TEST(MetadataBlocks, ProfilesOfPng)
                                           .Bytes());
     EXPECT_EQ(plain.exif, Stream());
     EXPECT_EQ(plain.iim, iim);
+    EXPECT_EQ(Read(Png()
+                       .Chunk("tEXt", "Raw profile type iptc\0"s + HexProfile("iptc", iim))
+                       .Image()
+                       .Bytes())
+                  .iim,
+              iim);
     const auto packedChunk = [](const std::string& text) {
         return Png().Chunk("zTXt", "Raw profile type APP1\0\0"s + text).Image().Bytes();
     };
