@@ -309,7 +309,7 @@ int main(int argc, char** argv)
     static constexpr Amount kPhotos[] = {{"100KB", 100 * kKB}, {"24MB", 24 * kMB}};
     static constexpr Amount kPackets[] = {{"3KB", 3 * kKB}, {"100KB", 100 * kKB}};
     static constexpr SizeRow kSizes[] = {
-        {"100KB", 100 * kKB, 201}, {"5MB", 5 * kMB, 31}, {"50MB", 50 * kMB, 11}};
+        {"100KB", 100 * kKB, 301}, {"5MB", 5 * kMB, 31}, {"50MB", 50 * kMB, 11}};
     // Where we may: who has waited for the disk should not have to wait for other programs then.
     const sched_param first{.sched_priority = 1};
     static_cast<void>(sched_setscheduler(0, SCHED_RR, &first));

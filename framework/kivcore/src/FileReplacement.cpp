@@ -151,8 +151,9 @@ public:
 
     FileIdentity Run(const std::function<void(OutputFile& out)>& write) const
     {
-        const bool exists = FindIdentity(path_).has_value();
-        RefuseChanged();
+        const std::optional<FileIdentity> identity = FindIdentity(path_);
+        RefuseUnless(identity);
+        const bool exists = identity.has_value();
         if (exists) {
             RefuseReadOnly(target_);
         }
@@ -160,14 +161,16 @@ public:
         FileExchange exchange(target_, path_);
         Write(exchange.Create(exists), write);
         exchange.KeepOld();
-        RefuseChanged();
+        if (options_.expected) {
+            RefuseUnless(FindIdentity(path_));
+        }
         return exchange.Place();
     }
 
 private:
-    void RefuseChanged() const
+    void RefuseUnless(const std::optional<FileIdentity>& identity) const
     {
-        if (options_.expected && FindIdentity(path_) != options_.expected) {
+        if (options_.expected && identity != options_.expected) {
             throw FileError(FileError::Kind::kChanged,
                             ErrorText(path_, "was changed since it was read; nothing was written"));
         }

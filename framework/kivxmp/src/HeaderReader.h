@@ -3,11 +3,13 @@
 
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <string_view>
 
 #include "framework/kivxmp/src/ByteSource.h"
 
@@ -22,35 +24,41 @@ public:
     /// The byte at `position`, or nothing behind the end.
     std::optional<unsigned char> Byte(std::uint64_t position)
     {
-        if (position < windowBegin_ || position - windowBegin_ >= windowBytes_) {
-            if (position >= size_) {
-                return std::nullopt;
-            }
-            windowBegin_ = position;
-            windowBytes_ = source_.ReadAt(position, window_.data(), window_.size());
-            if (windowBytes_ == 0) {
-                return std::nullopt;
-            }
-        }
-        return static_cast<unsigned char>(
-            window_[static_cast<std::size_t>(position - windowBegin_)]);
+        const std::string_view rest = From(position);
+        return rest.empty() ? std::nullopt
+                            : std::optional(static_cast<unsigned char>(rest.front()));
     }
 
     /// Up to `bytes` bytes at `position`; fewer at the end.
     std::string Bytes(std::uint64_t position, std::uint64_t bytes)
     {
         std::string result;
-        for (std::uint64_t i = 0; i < bytes; ++i) {
-            const std::optional<unsigned char> byte = Byte(position + i);
-            if (!byte) {
+        while (result.size() < bytes) {
+            const std::string_view rest = From(position + result.size());
+            if (rest.empty()) {
                 break;
             }
-            result.push_back(static_cast<char>(*byte));
+            result += rest.substr(0, static_cast<std::size_t>(std::min<std::uint64_t>(
+                                         rest.size(), bytes - result.size())));
         }
         return result;
     }
 
 private:
+    /// What the window holds from `position` on: nothing behind the end only.
+    std::string_view From(std::uint64_t position)
+    {
+        if (position < windowBegin_ || position - windowBegin_ >= windowBytes_) {
+            if (position >= size_) {
+                return {};
+            }
+            windowBegin_ = position;
+            windowBytes_ = source_.ReadAt(position, window_.data(), window_.size());
+        }
+        return std::string_view(window_.data(), windowBytes_)
+            .substr(static_cast<std::size_t>(position - windowBegin_));
+    }
+
     ByteSource& source_;
     std::uint64_t size_;
     std::array<char, 2048> window_{};
