@@ -49,7 +49,7 @@ std::unique_ptr<SVGDocumentImpl> CreateDocument(std::string_view text,
     buffer[text.size()] = '\0';
 
     try {
-        const xml::RapidXMLDocument tree(buffer);
+        const xml::RapidXMLDocument tree(buffer, text.size());
         xml::RapidXMLNode root = tree.FirstNode();
         document->Parse(&root);
     } catch (const xml::rapidxml::parse_error& error) {

@@ -46,19 +46,20 @@ bool ReadColor(std::string_view text, ColorValue& value)
                                        /*allowCurrentColor=*/true, result);
 }
 
-/// `has` is the flag of the record that says whether it is painted.
-template <class Style>
-void PaintWith(const Color& color, bool Style::*has, SharedStyle<Style>& style)
+/// `has` is the flag of the record that says whether it is painted; `shown` is what it is painted
+/// with as long as `value`, a colour or the current one, is not resolved.
+template <class Value, class Style>
+void PaintWith(const Color& shown, const Value& value, bool Style::*has, SharedStyle<Style>& style)
 {
-    const std::optional<ColorValue>& value = style->paintValue;
-    const Color* const known = value.has_value() ? std::get_if<Color>(&*value) : nullptr;
-    if ((*style).*has && known != nullptr && *known == color) {
+    const std::optional<ColorValue>& before = style->paintValue;
+    const Value* const known = before.has_value() ? std::get_if<Value>(&*before) : nullptr;
+    if ((*style).*has && known != nullptr && *known == value) {
         return;  // stays as it is, and shared
     }
     Style& own = style.Edit();
     own.*has = true;
-    own.paint = color;
-    own.paintValue = color;
+    own.paint = shown;
+    own.paintValue = value;
 }
 
 /// For "fill" and "stroke": `has` is the flag of the record that says whether it is painted.
@@ -87,14 +88,20 @@ void ParsePaintProperty(std::string_view text, const StyleSources& sources, bool
     }
 }
 
-/// The same; most paints are plain colours.
+/// The same; most paints are plain colours, nothing, or the current colour.
 template <class Style>
 void ReadPaint(std::string_view text, const StyleSources& sources, bool Style::*has,
                SharedStyle<Style>& style)
 {
     Color color;
     if (SVGStringParser::ParseHexColor(text, color)) {
-        PaintWith(color, has, style);
+        PaintWith(color, color, has, style);
+    } else if (text == "none") {
+        if ((*style).*has) {
+            style.Edit().*has = false;
+        }
+    } else if (text == "currentColor") {
+        PaintWith(color, CurrentColor(), has, style);
     } else {
         ParsePaintProperty(text, sources, has, style);
     }

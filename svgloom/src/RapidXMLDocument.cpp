@@ -151,16 +151,15 @@ bool RapidXMLNode::MoveToFirstChild()
     return child != nullptr;
 }
 
-RapidXMLDocument::RapidXMLDocument(char* text)
+RapidXMLDocument::RapidXMLDocument(char* text, std::size_t size)
 {
-    char* const end = text + std::strlen(text);
-    const auto size = static_cast<std::size_t>(end - text);
     const bool hasReferences = std::memchr(text, '&', size) != nullptr;
     const bool hasSection = HasSection({text, size});
     if (!hasReferences && !hasSection) {
         document_.parse<kPlainFlags>(text);
         return;
     }
+    char* const end = text + std::strlen(text);
     const char* const tooDeep = HasManyTags(text, end) ? FindTooDeep(text, end) : nullptr;
     if (tooDeep != nullptr) {
         throw rapidxml::parse_error("elements are nested too deeply", text + (tooDeep - text));

@@ -2,6 +2,8 @@
 
 #pragma once
 
+#include <cstddef>
+#include <cstring>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -49,7 +51,9 @@ public:
     ///
     /// @throws boost::property_tree::detail::rapidxml::parse_error (RapidXML.h) for malformed XML,
     ///         and for elements nested deeper than kMaxDepth (XMLChecks.h)
-    explicit RapidXMLDocument(char* text);
+    explicit RapidXMLDocument(char* text) : RapidXMLDocument(text, std::strlen(text)) {}
+    /// The same where the size is known. A zero before it ends the text.
+    RapidXMLDocument(char* text, std::size_t size);
 
     std::unique_ptr<XMLNode> GetFirstNode() const override;
     /// The same as a handle that may be without a node.
