@@ -15,7 +15,8 @@ using namespace std::string_view_literals;
 constexpr std::string_view kKeywords[] = {"Raw profile type exif\0"sv, "Raw profile type APP1\0"sv,
                                           "Raw profile type iptc\0"sv};
 
-std::optional<int> HexDigit(char c)
+/// -1 for what is none.
+int HexDigit(char c)
 {
     if (c >= '0' && c <= '9') {
         return c - '0';
@@ -24,7 +25,7 @@ std::optional<int> HexDigit(char c)
     if (lower >= 'a' && lower <= 'f') {
         return lower - 'a' + 10;
     }
-    return std::nullopt;
+    return -1;
 }
 
 }  // namespace
@@ -86,18 +87,16 @@ std::string ReadProfile(std::string_view content, bool isPacked, std::size_t lim
         content.remove_prefix(end + 1);
     }
     std::string bytes;
-    std::optional<int> high;
+    int high = -1;
     for (const char c : content) {
-        const std::optional<int> digit = HexDigit(c);
-        if (!digit) {
+        const int digit = HexDigit(c);
+        if (digit < 0) {
             continue;
         }
-        if (high) {
-            bytes += static_cast<char>(*high * 16 + *digit);
-            high.reset();
-        } else {
-            high = digit;
+        if (high >= 0) {
+            bytes += static_cast<char>(high * 16 + digit);
         }
+        high = high >= 0 ? -1 : digit;
     }
     return bytes.size() <= limitBytes ? bytes : std::string();
 }
