@@ -168,10 +168,11 @@ TEST(MetadataBlocks, ProfilesOfPng)
     const std::string exif = HexProfile("exif", "Exif\0\0"s + Stream());
     const std::string iim = Iim().Add(2, 5, "Harbour").Bytes();
     const std::string iptc = HexProfile("iptc", ImageResource(kIimNumber, iim));
-    std::string packed(compressBound(exif.size()), '\0');
-    uLongf packedBytes = packed.size();
+    const auto exifBytes = static_cast<uLong>(exif.size());
+    uLongf packedBytes = compressBound(exifBytes);
+    std::string packed(packedBytes, '\0');
     ASSERT_EQ(compress(reinterpret_cast<Bytef*>(packed.data()), &packedBytes,
-                       reinterpret_cast<const Bytef*>(exif.data()), exif.size()),
+                       reinterpret_cast<const Bytef*>(exif.data()), exifBytes),
               Z_OK);
     packed.resize(packedBytes);
 
