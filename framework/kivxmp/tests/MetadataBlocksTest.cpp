@@ -1,7 +1,6 @@
 #include "framework/kivxmp/src/MetadataBlocks.h"
 
 #include <gtest/gtest.h>
-#include <zlib.h>
 
 #include <memory>
 #include <string>
@@ -168,13 +167,7 @@ TEST(MetadataBlocks, ProfilesOfPng)
     const std::string exif = HexProfile("exif", "Exif\0\0"s + Stream());
     const std::string iim = Iim().Add(2, 5, "Harbour").Bytes();
     const std::string iptc = HexProfile("iptc", ImageResource(kIimNumber, iim));
-    const auto exifBytes = static_cast<uLong>(exif.size());
-    uLongf packedBytes = compressBound(exifBytes);
-    std::string packed(packedBytes, '\0');
-    ASSERT_EQ(compress(reinterpret_cast<Bytef*>(packed.data()), &packedBytes,
-                       reinterpret_cast<const Bytef*>(exif.data()), exifBytes),
-              Z_OK);
-    packed.resize(packedBytes);
+    const std::string packed = test::Packed(exif);
 
     const MetadataBlocks plain = Read(Png()
                                           .Chunk("tEXt", "Raw profile type exif\0"s + exif)

@@ -10,9 +10,6 @@ namespace kivxmp::test {
 
 using photo::ByteOrder;
 using photo::NumberBytes;
-
-namespace {
-
 using namespace std::string_view_literals;
 
 std::string Packed(std::string_view text)
@@ -27,8 +24,6 @@ std::string Packed(std::string_view text)
     packed.resize(bytes);
     return packed;
 }
-
-}  // namespace
 
 Png::Png() : bytes_("\x89PNG\r\n\x1A\n")
 {

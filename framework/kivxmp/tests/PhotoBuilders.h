@@ -11,6 +11,9 @@
 
 namespace kivxmp::test {
 
+/// By zlib.
+std::string Packed(std::string_view text);
+
 class Png {
 public:
     /// The signature and the header of an image of 2 by 1 pixels.
