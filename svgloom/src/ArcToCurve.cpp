@@ -135,7 +135,7 @@ float AngleOf(const Point& point, const Ellipse& ellipse, float angle)
 
 void ArcToCurve(const Point& from, const Arc& arc, PathBuffer& path)
 {
-    const bool tracing = traceSite.Enabled();
+    const bool tracing = path.IsEachAtOnce() && traceSite.Enabled();
     if (tracing) {
         TraceArc(from, arc);
     }

@@ -17,7 +17,8 @@ struct Arc {
 };
 
 /// Appends the arc from `from` to `path`, in pieces of at most 120 degrees. The rotation is not
-/// applied, and a radius of 0 gives coordinates that are not finite; both on purpose.
+/// applied, and a radius of 0 gives coordinates that are not finite; both on purpose. What goes to
+/// the path at once is traced where the channel is on.
 void ArcToCurve(const Point& from, const Arc& arc, PathBuffer& path);
 
 }  // namespace SVGLoom

@@ -34,6 +34,8 @@ public:
     PathBuffer(const PathBuffer&) = delete;
     PathBuffer& operator=(const PathBuffer&) = delete;
 
+    bool IsEachAtOnce() const { return mode_ == Mode::kEachAtOnce; }
+
     void MoveTo(float x, float y) { Append(PathSegments::Kind::kMove, x, y); }
     void LineTo(const Point& to) { Append(PathSegments::Kind::kLine, to.x, to.y); }
     void CurveTo(const Point& first, const Point& second, const Point& to)

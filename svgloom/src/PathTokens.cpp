@@ -207,7 +207,6 @@ bool PathTokens::IsSupported()
     std::size_t numberCount = 0;
     Place* command = commands_;
     std::size_t at = 0;
-    bool hasLong = false;
     for (;;) {
         if (left - at < sizeof tail_ / 2 && source == text) {
             sourceAt = left - CopyTail(left);
@@ -247,7 +246,7 @@ bool PathTokens::IsSupported()
             break;
         }
         const Bits twice = of.digits & of.digits >> 1;
-        hasLong |= (twice & twice >> 2) != 0;
+        const bool hasLong = (twice & twice >> 2) != 0;
         Bits commands = tokens & ~numbers & known;
 
         const std::size_t behind = numberCount + static_cast<std::size_t>(_mm_popcnt_u64(begins));
@@ -264,6 +263,7 @@ bool PathTokens::IsSupported()
             }
             _mm_storeu_ps(values_ + i, NumbersOf(texts, parts));
         }
+        const std::size_t first = numberCount;
         numberCount = behind;
         Place* const behindCommand = command + _mm_popcnt_u64(commands);
         do {
@@ -273,15 +273,20 @@ bool PathTokens::IsSupported()
             }
         } while (commands != 0);
         command = behindCommand;
+        if (hasLong) [[unlikely]] {
+            numberCount = ReadLongNumbers(text + size, first, behind);
+            if (numberCount != behind) {
+                at = numbers_[numberCount];
+                command = std::lower_bound(commands_ + 0, command, numbers_[numberCount]);
+                break;
+            }
+        }
         at = next;
         if (isLast || isStuck) {
             break;
         }
     }
     end_ = static_cast<Place>(at);
-    if (hasLong) [[unlikely]] {
-        numberCount = ReadLongNumbers(numberCount, command);
-    }
     *command = end_;
     std::fill_n(numbers_ + numberCount, kMostNumbers, end_);
 }
@@ -301,15 +306,14 @@ void PathTokens::Find(const char*, const char*)
 
 #endif
 
-/// Reads numbers with many digits again. Returns how many there are before the first one that
-/// cannot be read, which ends the piece.
-[[gnu::noinline]] std::size_t PathTokens::ReadLongNumbers(std::size_t count, Place*& behindCommands)
+/// Reads numbers of a block again of which some have many digits. Returns how many numbers there
+/// are before the first one that cannot be read.
+[[gnu::noinline]] std::size_t PathTokens::ReadLongNumbers(const char* end, std::size_t first,
+                                                          std::size_t count)
 {
-    for (std::size_t i = 0; i < count; ++i) {
+    for (std::size_t i = first; i < count; ++i) {
         const char* current = text_ + numbers_[i];
-        if (!ReadNumber(current, text_ + end_, values_[i])) {
-            end_ = numbers_[i];
-            behindCommands = std::lower_bound(commands_ + 0, behindCommands, end_);
+        if (!ReadNumber(current, end, values_[i])) {
             return i;
         }
     }

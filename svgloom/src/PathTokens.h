@@ -50,7 +50,7 @@ private:
     static constexpr std::size_t kSpare = 16;  // so many may be written, or read, behind the last
 
     std::size_t CopyTail(std::size_t left);
-    std::size_t ReadLongNumbers(std::size_t count, Place*& behindCommands);
+    std::size_t ReadLongNumbers(const char* end, std::size_t first, std::size_t count);
 
     Place end_;
     Place commands_[kMostBytes + kBlock + kSpare];

@@ -34,7 +34,7 @@ public:
 
 void Convert(const Point& from, const Arc& arc, Path& path)
 {
-    PathBuffer buffer(path, PathBuffer::Mode::kPacked);
+    PathBuffer buffer(path, PathBuffer::Mode::kEachAtOnce);
     ArcToCurve(from, arc, buffer);
     buffer.Flush();
 }
