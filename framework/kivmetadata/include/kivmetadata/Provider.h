@@ -1,6 +1,6 @@
 // What a metadata dialog edits: an XMP object behind a small interface. Values are those of the
-// packet; where it lacks a property, those that the photo tells elsewhere (<kivxmp/Derived.h>, which
-// also names their source).
+// packet; where it lacks a property, those that the photo tells elsewhere (<kivxmp/Derived.h>,
+// which also names their source).
 
 #pragma once
 
@@ -29,8 +29,8 @@ public:
     virtual PathStatus QueryPathStatus(const std::string& path) const = 0;
     /// Whether changes may be written at all.
     virtual bool CanWriteChanges() const = 0;
-    /// Paths of all top-level properties of the namespace; of all namespaces for an empty one. Those
-    /// of the packet first, then the derived ones.
+    /// Paths of all top-level properties of the namespace; of all namespaces for an empty one.
+    /// Those of the packet first, then the derived ones.
     virtual std::vector<std::string> GetAllPathsForDynamicSchema(
         const std::string& namespaceUri) const = 0;
     /// The serialized packet, for looking at.
