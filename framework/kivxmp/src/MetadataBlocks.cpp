@@ -7,6 +7,8 @@
 #include "framework/kivxmp/src/CondensedTiff.h"
 #include "framework/kivxmp/src/PngText.h"
 
+#include <kivcore/Trace.h>
+
 namespace kivxmp::photo {
 
 namespace {
@@ -39,7 +41,12 @@ std::string SoundExif(std::string_view stream)
         stream.remove_prefix(std::min(kExifSignatureBytes, stream.size()));
     }
     MemorySource source(stream);
-    return CondenseTiff(source).stream;
+    std::string sound = CondenseTiff(source).stream;
+    if (sound.empty()) {
+        static constinit kivcore::debug::TraceSite site("kivxmp", 1);
+        site.Report("Exif data cannot be read: they hold no directory");
+    }
+    return sound;
 }
 
 constexpr std::size_t Even(std::size_t bytes)

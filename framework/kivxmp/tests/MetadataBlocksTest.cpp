@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <kivcore/Trace.h>
+
 #include <memory>
 #include <string>
 #include <string_view>
@@ -65,6 +67,19 @@ TEST(MetadataBlocks, Jpeg)
     // Where the chain breaks, what stands in front of it counts.
     EXPECT_EQ(Read(Jpeg().Segment(kApp1, "Exif\0\0"s + Stream()).Raw("no marker").Bytes()).exif,
               Stream());
+}
+
+TEST(MetadataBlocks, TracesWhatItCannotRead)
+{
+    std::string traced;
+    const int sink = kivcore::debug::AddTraceSink(
+        [&](int, const char*, std::string_view text) { traced += std::string(text) + "\n"; });
+    kivcore::debug::SetTraceLevel("kivxmp", 1);
+    Read(Jpeg().Segment(kApp1, "Exif\0\0no stream at all"sv).Scan().Bytes());
+    Read(Jpeg().Segment(kApp1, "Exif\0\0"s + Stream()).Scan().Bytes());
+    kivcore::debug::SetTraceLevel("kivxmp", -1);
+    kivcore::debug::RemoveTraceSink(sink);
+    EXPECT_EQ(traced, "Exif data cannot be read: they hold no directory\n");
 }
 
 TEST(MetadataBlocks, ResourcesOfSeveralSegments)
