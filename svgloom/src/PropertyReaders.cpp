@@ -333,11 +333,10 @@ void ApplyProperty(AttributeName property, std::string_view text, const StyleSou
     const auto read = [property, text, &sources, &target] {
         kReaders[static_cast<std::size_t>(property)].read(text, sources, target);
     };
-    if (sources.memos == nullptr) {
-        read();
-    } else if (IsOfFill(property) && StyleMemo<DocumentFillStyle>::Takes(text)) {
+    const bool isShort = sources.memos != nullptr && StyleMemo<DocumentFillStyle>::Takes(text);
+    if (isShort && IsOfFill(property)) {
         sources.memos->fill.Apply(property, text, target.fill, read);
-    } else if (IsOfStroke(property) && StyleMemo<DocumentStrokeStyle>::Takes(text)) {
+    } else if (isShort && IsOfStroke(property)) {
         sources.memos->stroke.Apply(property, text, target.stroke, read);
     } else {
         read();

@@ -24,7 +24,7 @@ public:
     ~StyleMemo()
     {
         for (std::uint32_t left = used_; left != 0; left &= left - 1) {
-            entries_[std::countr_zero(left)].~Entry();
+            room_.entries[std::countr_zero(left)].~Entry();
         }
     }
     StyleMemo(const StyleMemo&) = delete;
@@ -46,7 +46,7 @@ public:
         const std::uint64_t key = KeyOf(text);
         const std::size_t slot = SlotOf(key, property);
         const std::uint32_t bit = std::uint32_t{1} << slot;
-        Entry& entry = entries_[slot];
+        Entry& entry = room_.entries[slot];
         const bool isUsed = (used_ & bit) != 0;
         if (isUsed && entry.key == key && entry.property == property &&
             entry.before.IsSharedWith(style)) {
@@ -72,6 +72,12 @@ private:
     };
     static constexpr unsigned kSlotBits = 4;
     static constexpr std::size_t kSlots = std::size_t{1} << kSlotBits;
+    /// Entries that are not made yet.
+    union Room {
+        Room() {}
+        ~Room() {}
+        Entry entries[kSlots];
+    };
     static constexpr std::uint64_t kOnes = 0x0101010101010101U;
 
     /// The bytes of the text, as many as there are.
@@ -109,9 +115,7 @@ private:
 
     std::uint32_t used_ = 0;  // a bit for each entry
     static_assert(kSlots <= 32);
-    union {
-        Entry entries_[kSlots];
-    };
+    Room room_;
 };
 
 struct StyleMemos {
