@@ -119,10 +119,12 @@ public:
 
     void AddSegments(const PathSegments& segments) override
     {
-        if (path_ == nullptr) {
+        // A long path comes in several pieces, and what it was made of stays with it when it grows.
+        constexpr std::size_t kWholeBytes = std::size_t{16} * 1024;
+        if (path_ == nullptr && segments.size() <= kWholeBytes) {
             path_ = Created(renderer_.CreatePathOf(segments));
         } else {
-            path_->AddSegments(segments);
+            Made().AddSegments(segments);
         }
     }
     void AddRect(float x, float y, float width, float height) override

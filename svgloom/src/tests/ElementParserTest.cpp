@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <memory>
 #include <string>
 #include <vector>
 
@@ -393,6 +394,34 @@ TEST(ElementParser, CopiesOfInheritedStopsAreBounded)
     };
     EXPECT_EQ(std::get<Gradient>(paintOf(0)).stops.size(), 5001u);
     EXPECT_TRUE(std::holds_alternative<Color>(paintOf(1)));
+}
+
+/// Counts the paths that it is asked to make of their segments.
+class PathCounter : public testing_support::RecordingRenderer {
+public:
+    std::unique_ptr<Path> CreatePathOf(const PathSegments& segments) override
+    {
+        ++paths;
+        return RecordingRenderer::CreatePathOf(segments);
+    }
+    int paths = 0;
+};
+
+TEST(ElementParser, ShortPathsAreMadeOfTheirSegments)
+{
+    const auto pathsOf = [](const std::string& data) {
+        const auto renderer = std::make_shared<PathCounter>();
+        CreateDocument("<svg><path d='" + data + "'/></svg>", renderer);
+        EXPECT_EQ(renderer->creations, 1u);
+        return renderer->paths;
+    };
+    EXPECT_EQ(pathsOf("M1 2L3 4"), 1);
+    EXPECT_EQ(pathsOf(""), 0);
+    std::string data = "M0 0";
+    for (int i = 0; i < 20000; ++i) {
+        data += "L1 2";
+    }
+    EXPECT_EQ(pathsOf(data), 0);
 }
 
 TEST(ElementParser, Knows)
