@@ -59,6 +59,9 @@ TEST(LibraryRounds, AHundredLoadsAndUnloads)
             const SharedLibrary library(KIV_LIBRARY_PATH);
             const Functions functions(library);
             EXPECT_TRUE(IsLibraryLoaded("kivmetadataapi."));
+            if (round == 0) {
+                KeepForeignLibraries();
+            }
             EXPECT_FALSE(functions.initialize(nullptr));
             const MetadataAPIInitParams params = Params("Loader", "en_US", 1);
             ASSERT_TRUE(functions.initialize(&params));

@@ -1,10 +1,12 @@
 #include "tests/ProcessCounts.h"
 
 #include <dlfcn.h>
+#include <link.h>
 #include <malloc.h>
 
 #include <filesystem>
 #include <fstream>
+#include <vector>
 
 // Of the leak sanitizer's runtime; null in other builds.
 extern "C" __attribute__((weak)) void __lsan_disable();
@@ -54,6 +56,26 @@ void CountLeaksAgain()
 {
     if (&__lsan_enable != nullptr) {
         __lsan_enable();
+    }
+}
+
+void KeepForeignLibraries()
+{
+    if (&__lsan_disable == nullptr) {
+        return;
+    }
+    std::vector<std::string> paths;
+    dl_iterate_phdr(
+        [](dl_phdr_info* info, std::size_t, void* found) {
+            const std::filesystem::path path = info->dlpi_name;
+            if (!path.filename().string().starts_with("libkiv")) {
+                static_cast<std::vector<std::string>*>(found)->push_back(path.string());
+            }
+            return 0;
+        },
+        &paths);
+    for (const std::string& path : paths) {
+        dlopen(path.c_str(), RTLD_LAZY | RTLD_NOLOAD | RTLD_NODELETE);
     }
 }
 

@@ -141,4 +141,6 @@ void AllowLeaksFromHere() {}
 
 void CountLeaksAgain() {}
 
+void KeepForeignLibraries() {}
+
 }  // namespace kivtests

@@ -42,6 +42,12 @@ void* operator new(std::size_t bytes)
     return block;
 }
 
+// A sanitizer has array forms of its own.
+void* operator new[](std::size_t bytes)
+{
+    return operator new(bytes);
+}
+
 void operator delete(void* block) noexcept
 {
     bytesInUse -= malloc_usable_size(block);
@@ -49,6 +55,16 @@ void operator delete(void* block) noexcept
 }
 
 void operator delete(void* block, std::size_t) noexcept
+{
+    operator delete(block);
+}
+
+void operator delete[](void* block) noexcept
+{
+    operator delete(block);
+}
+
+void operator delete[](void* block, std::size_t) noexcept
 {
     operator delete(block);
 }
