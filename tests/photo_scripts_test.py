@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Tests of photo_equal.py and xmp_reader.py: what judges the library is itself judged here."""
+"""Tests of photo_equal.py, real_photos.py and xmp_reader.py: what judges the library is itself judged here."""
 
 import os
 import struct
@@ -245,6 +245,14 @@ FORMS = [
     ),
     ("<rdf:Description/>", []),
 ]
+
+
+class RealPhotos(WithFiles):
+    def test_a_folder_that_is_not_there(self):
+        run = subprocess.run([sys.executable, os.path.join(FOLDER, "real_photos.py"), "editor", "missing"],
+                             capture_output=True, text=True, check=False)
+        self.assertEqual((run.returncode, run.stdout, run.stderr),
+                         (1, "", "there is no folder missing\n"))
 
 
 class XmpReader(WithFiles):

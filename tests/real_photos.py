@@ -154,6 +154,9 @@ def print_table(results):
 
 
 def main(editor, *folders):
+    for folder in folders:
+        if not os.path.isdir(folder):
+            sys.exit(f"there is no folder {folder}")
     wrong = total = 0
     for folder in folders:
         photos = [path for path in sorted(pathlib.Path(folder).rglob("*")) if is_photo(path)]

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -48,9 +49,9 @@ UString Ordinal(int day)
 
 int LastDay(int year, int month)
 {
-    constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const bool isLeap = (year % 4 == 0 && year % 100 != 0) || year % 400 == 0;
-    return kDays[month - 1] + (month == 2 && isLeap ? 1 : 0);
+    const std::chrono::year_month_day_last last =
+        std::chrono::year(year) / month / std::chrono::last;
+    return static_cast<int>(static_cast<unsigned>(last.day()));
 }
 
 /// The part of the text that is still to be read. A failed step leaves its text in `error`.

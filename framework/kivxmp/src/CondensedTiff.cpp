@@ -9,12 +9,14 @@
 #include "framework/kivxmp/src/ByteNumbers.h"
 #include "framework/kivxmp/src/MetadataBlocks.h"
 #include "framework/kivxmp/src/TagValue.h"
+#include "framework/kivxmp/src/TiffNumbers.h"
 
 namespace kivxmp::photo {
 
 namespace {
 
 using namespace std::string_view_literals;
+using namespace tiff;
 
 constexpr std::uint64_t kHeaderBytes = 8;
 constexpr std::size_t kCountBytes = 2;
@@ -24,18 +26,11 @@ constexpr std::size_t kNextBytes = 4;
 constexpr std::uint64_t kMaxEntries = 256;
 constexpr std::size_t kStreamBytesLimit = std::size_t{1} << 20;
 
-constexpr std::uint16_t kTypeLong = 4;
-constexpr std::uint16_t kTypeUndefined = 7;
-constexpr std::uint16_t kTagIim = 33723;
-constexpr std::uint16_t kTagImageResources = 34377;
-constexpr std::uint16_t kTagExif = 34665;
-constexpr std::uint16_t kTagGps = 34853;
-
-constexpr std::uint16_t kTagMake = 271;
-constexpr std::uint16_t kTagMakerNote = 37500;
-
-/// Strips and tiles, previews, further directories, the packet, profiles, makers' private data.
-constexpr std::uint16_t kLeftOut[] = {273, 279, 324, 325, 330, 513, 514, 700, 34675, 40965, 50740};
+/// Besides the image's parts, further directories and the packet: profiles, interoperability,
+/// makers' private data.
+constexpr std::uint16_t kLeftOut[] = {
+    kTagStripPlaces, kTagStripSizes, kTagTilePlaces, kTagTileSizes, kTagFurther, kTagJpegPlace,
+    kTagJpegSize,    kTagPacket,     34675,          40965,         50740};
 
 /// Maker notes that are a directory behind a header, and what of it is of use: serial numbers, the
 /// lens, the firmware, the owner.
@@ -51,9 +46,6 @@ constexpr MakerRow kMakers[] = {
     {"Panasonic"sv, "Panasonic\0\0\0"sv, 0, false, {81, 82}},
     {"NIKON"sv, "Nikon\0"sv, 4, true, {29, 132}},
 };
-
-/// Bytes of one value, by type.
-constexpr std::uint64_t kTypeBytes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
 
 struct Entry {
     std::uint16_t tag = 0;
@@ -123,11 +115,12 @@ void Condenser::ReadEntry(std::string_view bytes, Directory& directory)
     entry.type = static_cast<std::uint16_t>(Number(bytes, 2, 2));
     entry.count = Number(bytes, 4, 4);
     const bool isForeign = entry.tag == kTagIim || entry.tag == kTagImageResources;
-    if (entry.type >= std::size(kTypeBytes) || kTypeBytes[entry.type] == 0 || entry.count == 0 ||
+    const std::size_t typeBytes = TypeBytes(entry.type);
+    if (entry.type > kLastClassicType || typeBytes == 0 || entry.count == 0 ||
         std::find(std::begin(kLeftOut), std::end(kLeftOut), entry.tag) != std::end(kLeftOut)) {
         return;
     }
-    const std::uint64_t valueBytes = entry.count * kTypeBytes[entry.type];
+    const std::uint64_t valueBytes = entry.count * typeBytes;
     if (entry.tag == kTagMakerNote) {
         makerNote_ = {base_ + Number(bytes, 8, 4), valueBytes};
         return;

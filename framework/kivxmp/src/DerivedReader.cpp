@@ -55,13 +55,6 @@ bool DerivedSink::AddText(std::string_view uri, std::string_view local, std::str
                [&](const Path& path) { properties_->SetText(path, text); });
 }
 
-bool DerivedSink::AddUri(std::string_view uri, std::string_view local, std::string_view value,
-                         DerivedSource source)
-{
-    return Add(uri, local, std::move(source),
-               [&](const Path& path) { properties_->SetUri(path, value); });
-}
-
 bool DerivedSink::AddList(std::string_view uri, std::string_view local, NodeForm form,
                           std::span<const std::string> items, DerivedSource source)
 {
@@ -86,13 +79,6 @@ bool DerivedSink::AddFields(std::string_view uri, std::string_view local,
             properties_->SetText(Path{path.front(), FieldStep(uri, name)}, text);
         }
     });
-}
-
-bool DerivedSink::AddCopy(std::string_view uri, std::string_view local, const Node& node,
-                          DerivedSource source)
-{
-    return Add(uri, local, std::move(source),
-               [&](const Path& path) { properties_->SetCopy(path, node); });
 }
 
 const DerivedSource* DerivedSink::FindSource(std::string_view uri, std::string_view local) const

@@ -28,8 +28,6 @@ public:
 
     bool AddText(std::string_view uri, std::string_view local, std::string_view text,
                  DerivedSource source);
-    bool AddUri(std::string_view uri, std::string_view local, std::string_view value,
-                DerivedSource source);
     /// A list of texts: kBag, kSeq or kAlt.
     bool AddList(std::string_view uri, std::string_view local, NodeForm form,
                  std::span<const std::string> items, DerivedSource source);
@@ -41,9 +39,6 @@ public:
     bool AddFields(std::string_view uri, std::string_view local,
                    std::span<const std::pair<std::string, std::string>> fields,
                    DerivedSource source);
-    /// Any node.
-    bool AddCopy(std::string_view uri, std::string_view local, const Node& node,
-                 DerivedSource source);
 
     /// What was added, for the reader itself.
     const __XMPMeta__& Properties() const noexcept { return *properties_; }

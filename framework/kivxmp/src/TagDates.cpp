@@ -1,6 +1,7 @@
 #include "framework/kivxmp/src/TagDates.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
 #include <optional>
 
@@ -40,13 +41,6 @@ std::string TwoDigits(int number)
     return {static_cast<char>('0' + number / 10 % 10), static_cast<char>('0' + number % 10)};
 }
 
-int DaysOf(int year, int month)
-{
-    constexpr int kDays[] = {31, 28, 31, 30, 31, 30, 31, 31, 30, 31, 30, 31};
-    const bool isLeap = year % 4 == 0 && (year % 100 != 0 || year % 400 == 0);
-    return month == 2 && isLeap ? 29 : kDays[month - 1];
-}
-
 struct Day {
     std::string text;
     bool isWhole = false;  // down to the day
@@ -71,7 +65,10 @@ Day DayOf(std::string_view year, std::string_view month, std::string_view day)
         return result;
     }
     if (day.size() != 2 || !AreDigits(day) ||
-        NumberOf(day) > DaysOf(NumberOf(year), NumberOf(month))) {
+        !std::chrono::year_month_day(std::chrono::year(NumberOf(year)),
+                                     std::chrono::month(static_cast<unsigned>(NumberOf(month))),
+                                     std::chrono::day(static_cast<unsigned>(NumberOf(day))))
+             .ok()) {
         return {};
     }
     result.text += '-';

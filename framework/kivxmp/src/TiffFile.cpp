@@ -8,16 +8,14 @@
 
 #include "framework/kivxmp/src/ByteNumbers.h"
 #include "framework/kivxmp/src/HeaderReader.h"
+#include "framework/kivxmp/src/TiffNumbers.h"
 
 namespace kivxmp::photo {
 
 namespace {
 
-constexpr std::uint16_t kTagFurther = 330;
-constexpr std::uint16_t kTagPacket = 700;
-constexpr std::uint16_t kTagDngVersion = 50706;
-constexpr std::uint16_t kTypeByte = 1;
-constexpr std::uint16_t kTypeUndefined = 7;
+using namespace tiff;
+
 // More than any writer's; a classic directory cannot have more.
 constexpr std::uint64_t kMaxEntries = 65535;
 
@@ -201,18 +199,14 @@ void TiffFile::CheckChain(HeaderReader& reader)
 /// True if the entry's value, or the directory that it names, is not in the file.
 bool TiffFile::LeadsBehindTheEnd(std::string_view entry) const
 {
-    // By type: a value's bytes; 0 for what there is none of.
-    constexpr std::uint8_t kTypeBytes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
-    constexpr std::uint16_t kDirectoryTags[] = {kTagFurther, 34665,
-                                                34853};  // further images, Exif, GPS
+    constexpr std::uint16_t kDirectoryTags[] = {kTagFurther, kTagExif, kTagGps};
     const std::uint64_t tag = Number(entry, 0, 2);
-    const std::uint64_t type = Number(entry, 2, 2);
+    const std::size_t bytes = TypeBytes(Number(entry, 2, 2));
     const std::uint64_t count = Number(entry, kCountInEntry, sizes_->number);
     const std::size_t value = kCountInEntry + sizes_->number;
-    if (tag == kTagPacket || type >= std::size(kTypeBytes) || kTypeBytes[type] == 0) {
+    if (tag == kTagPacket || bytes == 0) {
         return false;
     }
-    const std::size_t bytes = kTypeBytes[type];
     if (count > sizes_->number / bytes) {
         const std::uint64_t place = Number(entry, value, sizes_->number);
         return place > fileBytes_ || count > (fileBytes_ - place) / bytes;
@@ -226,14 +220,13 @@ bool TiffFile::LeadsBehindTheEnd(std::string_view entry) const
 std::optional<std::uint64_t> TiffFile::ListNumber(std::string_view entry, std::uint64_t index,
                                                   HeaderReader& reader) const
 {
-    constexpr std::uint8_t kTypeBytes[] = {0, 0, 0, 2, 4, 0, 0, 0, 0, 0, 0, 0, 0, 4, 0, 0, 8, 0, 8};
     const std::uint64_t type = Number(entry, 2, 2);
-    const std::size_t bytes = type < std::size(kTypeBytes) ? kTypeBytes[type] : 0;
     const std::uint64_t count = Number(entry, kCountInEntry, sizes_->number);
     const std::size_t value = kCountInEntry + sizes_->number;
-    if (bytes == 0 || index >= count) {
+    if (!IsPlaceType(type) || index >= count) {
         return std::nullopt;
     }
+    const std::size_t bytes = TypeBytes(type);
     if (count <= sizes_->number / bytes) {
         return Number(entry, value + index * bytes, bytes);
     }
@@ -251,7 +244,9 @@ bool TiffFile::IsCut(std::string_view entries, HeaderReader& reader) const
         std::optional<std::uint64_t> place = {};
         std::optional<std::uint64_t> bytes = {};
     };
-    Parts parts[] = {{273, 279}, {324, 325}, {513, 514}};  // strips, tiles, a JPEG file
+    Parts parts[] = {{kTagStripPlaces, kTagStripSizes},
+                     {kTagTilePlaces, kTagTileSizes},
+                     {kTagJpegPlace, kTagJpegSize}};
     for (std::size_t at = 0; at < entries.size(); at += sizes_->entry) {
         const std::string_view entry = entries.substr(at, sizes_->entry);
         if (LeadsBehindTheEnd(entry)) {

@@ -38,13 +38,9 @@ TEST(DerivedSink, EachForm)
     const std::vector<std::pair<std::string, std::string>> fields{{"Fired", "True"}, {"Mode", "1"}};
     const std::vector<std::pair<std::string, std::string>> badFields{{"Fired", "True"},
                                                                      {"no name", "1"}};
-    const auto other = __XMPMeta__::Create();
-    other->SetText("exif:OECF/exif:Columns", "2");
     const AddCase rows[] = {
         {"text", [](auto& sink) { return sink.AddText(kExif, "FNumber", "28/10", Tag("t")); }, true,
          "exif:FNumber", R"("28/10")"},
-        {"URI", [](auto& sink) { return sink.AddUri(kDc, "source", "http://a/", Tag("t")); }, true,
-         "dc:source", R"("http://a/")"},
         {"bag",
          [&](auto& sink) { return sink.AddList(kDc, "subject", NodeForm::kBag, words, Tag("t")); },
          true, "dc:subject", R"(["sea","sky"])"},
@@ -53,11 +49,6 @@ TEST(DerivedSink, EachForm)
          "dc:title", R"({"x-default":"Harbour","de":"Hafen"})"},
         {"fields", [&](auto& sink) { return sink.AddFields(kExif, "Flash", fields, Tag("t")); },
          true, "exif:Flash", R"({"exif:Fired":"True","exif:Mode":"1"})"},
-        {"copy",
-         [&](auto& sink) {
-             return sink.AddCopy(kExif, "OECF", *other->Find("exif:OECF"), Tag("t"));
-         },
-         true, "exif:OECF", R"({"exif:Columns":"2"})"},
         // What cannot stand in a packet is left out whole.
         {"control character",
          [](auto& sink) { return sink.AddText(kDc, "format", "a\x01z", Tag("t")); }, false,
@@ -95,7 +86,8 @@ TEST(DerivedSink, TheFirstSourceCounts)
     EXPECT_FALSE(sink.AddText(kDc, "format", "\x01", Tag("broken")));
     EXPECT_TRUE(sink.AddText(kDc, "format", "first", Tag("first")));
     EXPECT_FALSE(sink.AddText(kDc, "format", "second", {DerivedFrom::kIim, "second"}));
-    EXPECT_FALSE(sink.AddUri(kDc, "format", "third", Tag("third")));
+    const LanguageText third[] = {{"x-default", "third"}};
+    EXPECT_FALSE(sink.AddLanguages(kDc, "format", third, Tag("third")));
     EXPECT_EQ(TextOf(sink.Properties().Find("dc:format")), "first");
     ASSERT_NE(sink.FindSource(kDc, "format"), nullptr);
     EXPECT_EQ(sink.FindSource(kDc, "format")->detail, "first");
