@@ -1,6 +1,7 @@
 // Reads the input as path data. Every call on the path takes at least a byte of the input, or is
 // one of the four that an arc takes at most, and half a text gives the beginning of what the whole
-// gives. With notes, which are for tools, it is read step by step, and gives the same.
+// gives. With notes, which are for tools, it is read step by step, and gives the same; so do all
+// ways to look at many bytes together.
 
 #include <algorithm>
 #include <cstddef>
@@ -13,6 +14,7 @@
 #include <vector>
 
 #include "svgloom/src/SVGStringParser.h"
+#include "svgloom/src/tests/TokenWidths.h"
 
 namespace {
 
@@ -71,6 +73,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     SVGLoom::SVGStringParser::ParsePath(text, stepwise, &notes);
     Require(std::equal(whole.calls.begin(), whole.calls.end(), stepwise.calls.begin(),
                        stepwise.calls.end(), IsEqual));
+    Require(SVGLoom::testing_support::AreTokensAlike(text));
 
     // What a half text ends with may be a number cut short, so its last command is not compared.
     const std::vector<char> halfText(text.begin(), text.begin() + size / 2);

@@ -20,7 +20,10 @@ import sys
 TOP = pathlib.Path(__file__).resolve().parent.parent
 CACHE = pathlib.Path(os.environ.get("XDG_CACHE_HOME", pathlib.Path.home() / ".cache"))
 CACHE = CACHE / "kivmetadataapi" / "tidy"
-GCC_ONLY = {"-fno-gnu-unique", "-Wno-restrict", "-fno-keep-inline-dllexport", "-Wa,-mbig-obj"}
+GCC_ONLY = {
+    "-fno-gnu-unique", "-Wno-restrict", "-Wno-maybe-uninitialized", "-fno-keep-inline-dllexport",
+    "-Wa,-mbig-obj",
+}
 
 
 def is_for_windows(words):

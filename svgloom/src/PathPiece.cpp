@@ -344,12 +344,14 @@ private:
 
 const char* ReadPieces(const char* text, const char* end, PathState& state, PathBuffer& path)
 {
-    if (!PathTokens::IsSupported()) {
+    using Width = PathTokens::Width;
+    if (!PathTokens::Supports(Width::k16)) {
         return text;
     }
+    const Width width = PathTokens::Supports(Width::k64) ? Width::k64 : Width::k16;
     PathTokens tokens;
     while (text != end) {
-        tokens.Find(text, end);
+        tokens.Find(text, end, width);
         PieceReader reader(tokens, state, path);
         const PathTokens::Place place = reader.Read();
         state = reader.State();

@@ -1,304 +1,39 @@
 #include "svgloom/src/PathTokens.h"
 
 #include <algorithm>
-#include <array>
-#include <bit>
-#include <cstring>
 
 #include "svgloom/src/NumberReader.h"
-
-#if defined(__x86_64__)
-#include <immintrin.h>
-#endif
 
 namespace SVGLoom {
 
 #if defined(__x86_64__)
 
-// What processors have had for some ten years; older ones read step by step.
-#define KIV_WIDE gnu::target("avx,bmi,bmi2,lzcnt,popcnt")
-
-namespace {
-
-/// A bit for each byte of a block, the first byte's is the lowest.
-using Bits = std::uint64_t;
-
-struct Classes {
-    Bits digits;
-    Bits points;
-    Bits minuses;
-    Bits spaces;
-    Bits commas;
-    bool hasExponent;  // an "e" or "E"
-};
-
-// Vectors are not larger than 16 bytes: compilers for Windows do not align the stack for others.
-constexpr std::size_t kVectors = 4;
-using Vectors = __m128i[kVectors];
-
-[[KIV_WIDE, gnu::always_inline]] inline __m128i VectorAt(const char* text)
+bool PathTokens::Supports(Width width)
 {
-    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(text));
+    const bool supports16 = __builtin_cpu_supports("avx") && __builtin_cpu_supports("bmi") &&
+                            __builtin_cpu_supports("bmi2");
+    return supports16 && (width == Width::k16 || (__builtin_cpu_supports("avx512vbmi") &&
+                                                  __builtin_cpu_supports("avx512vbmi2") &&
+                                                  __builtin_cpu_supports("avx512bw")));
 }
 
-[[KIV_WIDE, gnu::always_inline]] inline Bits BitsOf(const Vectors& found)
+void PathTokens::Find(const char* text, const char* end, Width width)
 {
-    const auto bits = [&found](std::size_t i) __attribute__((always_inline))
-    {
-        return static_cast<std::uint32_t>(_mm_movemask_epi8(found[i]));
-    };
-    return (bits(0) | bits(1) << 16) | Bits{bits(2) | bits(3) << 16} << 32;
-}
-
-[[KIV_WIDE, gnu::always_inline]] inline Bits Find(const Vectors& block, char c)
-{
-    const __m128i all = _mm_set1_epi8(c);
-    const Vectors found = {_mm_cmpeq_epi8(block[0], all), _mm_cmpeq_epi8(block[1], all),
-                           _mm_cmpeq_epi8(block[2], all), _mm_cmpeq_epi8(block[3], all)};
-    return BitsOf(found);
-}
-
-[[KIV_WIDE, gnu::always_inline]] inline Classes Classify(const char* text)
-{
-    Vectors block;
-    Vectors digits;
-    __m128i exponents = _mm_setzero_si128();
-    __m128i least = _mm_set1_epi8(' ');
-#pragma GCC unroll 4
-    for (std::size_t i = 0; i < kVectors; ++i) {
-        block[i] = VectorAt(text + i * sizeof block[i]);
-        const __m128i values = _mm_sub_epi8(block[i], _mm_set1_epi8('0'));
-        digits[i] = _mm_cmpeq_epi8(_mm_min_epu8(values, _mm_set1_epi8(9)), values);
-        const __m128i lower = _mm_or_si128(block[i], _mm_set1_epi8('a' - 'A'));
-        exponents = _mm_or_si128(exponents, _mm_cmpeq_epi8(lower, _mm_set1_epi8('e')));
-        least = _mm_min_epu8(least, block[i]);
-    }
-    Classes classes = {};
-    classes.digits = BitsOf(digits);
-    classes.points = Find(block, '.');
-    classes.minuses = Find(block, '-');
-    classes.spaces = Find(block, ' ');
-    classes.commas = Find(block, ',');
-    classes.hasExponent = _mm_movemask_epi8(exponents) != 0;
-    // Other white space is rare.
-    constexpr int kAll = 0xFFFF;
-    if (_mm_movemask_epi8(_mm_cmpeq_epi8(least, _mm_set1_epi8(' '))) != kAll) [[unlikely]] {
-        for (const char space : {'\n', '\t', '\r'}) {
-            classes.spaces |= Find(block, space);
-        }
-    }
-    return classes;
-}
-
-/// A bit that is added to a run of ones comes out behind it, and stays where no run begins. No run
-/// may have more than one bit of `starts`.
-constexpr Bits Behind(Bits starts, Bits runs)
-{
-    return (runs + starts) & ~runs;
-}
-
-[[KIV_WIDE, gnu::always_inline]] inline std::size_t TakeFirst(Bits& bits)
-{
-    const auto first = static_cast<std::size_t>(_tzcnt_u64(bits));
-    bits = _blsr_u64(bits);
-    return first;
-}
-
-/// For each count of bytes before and behind the end of a number's whole digits: how the number's
-/// bytes are put into order. The whole digits come as four bytes, then each of three decimals as
-/// one byte of four; what is not there becomes zero.
-struct Orders {
-    static constexpr std::size_t kMost = 8;
-    static constexpr std::size_t kBytes = 16;
-
-    constexpr Orders()
-    {
-        constexpr char kNothing = '\x80';
-        for (std::size_t whole = 0; whole < kMost; ++whole) {
-            for (std::size_t behind = 0; behind < kMost; ++behind) {
-                char* const row = rows[whole * kMost + behind];
-                for (std::size_t i = 0; i < kBytes; ++i) {
-                    row[i] = kNothing;
-                }
-                for (std::size_t i = 0; i < 4 && i < whole; ++i) {
-                    row[3 - i] = static_cast<char>(whole - 1 - i);
-                }
-                for (std::size_t i = 0; i < 3 && i + 1 < behind; ++i) {
-                    row[4 + 4 * i] = static_cast<char>(whole + 1 + i);
-                }
-            }
-        }
-    }
-    alignas(kBytes) char rows[kMost * kMost][kBytes] = {};
-};
-
-constexpr Orders kOrders;
-
-/// Whole digits and three decimals as integers. Up to 16 bytes are looked at.
-[[KIV_WIDE, gnu::always_inline]] inline __m128i PartsOf(__m128i text, std::size_t whole,
-                                                        std::size_t behind)
-{
-    const std::size_t row = (whole * Orders::kMost + behind) % (Orders::kMost * Orders::kMost);
-    // A minus, which is less than a zero, becomes a zero.
-    const __m128i digits =
-        _mm_shuffle_epi8(_mm_subs_epu8(text, _mm_set1_epi8('0')),
-                         _mm_load_si128(reinterpret_cast<const __m128i*>(kOrders.rows[row])));
-    const __m128i pairs =
-        _mm_maddubs_epi16(digits, _mm_setr_epi8(10, 1, 10, 1, 1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0));
-    return _mm_madd_epi16(pairs, _mm_setr_epi16(100, 1, 1, 0, 1, 0, 1, 0));
-}
-
-/// Four numbers from their texts and parts, with the number reader's steps.
-[[KIV_WIDE, gnu::always_inline]] inline __m128 NumbersOf(const __m128i (&texts)[4],
-                                                         const __m128i (&parts)[4])
-{
-    const __m128i first = _mm_unpacklo_epi32(parts[0], parts[1]);
-    const __m128i second = _mm_unpacklo_epi32(parts[2], parts[3]);
-    const __m128i third = _mm_unpackhi_epi32(parts[0], parts[1]);
-    const __m128i fourth = _mm_unpackhi_epi32(parts[2], parts[3]);
-    const auto row = [](__m128i integers) __attribute__((target("avx"), always_inline))
-    {
-        return _mm_cvtepi32_ps(integers);
-    };
-    __m128 numbers = row(_mm_unpacklo_epi64(first, second));
-    numbers =
-        _mm_add_ps(numbers, _mm_div_ps(row(_mm_unpackhi_epi64(first, second)), _mm_set1_ps(10)));
-    numbers =
-        _mm_add_ps(numbers, _mm_div_ps(row(_mm_unpacklo_epi64(third, fourth)), _mm_set1_ps(100)));
-    numbers =
-        _mm_add_ps(numbers, _mm_div_ps(row(_mm_unpackhi_epi64(third, fourth)), _mm_set1_ps(1000)));
-    const __m128i begins = _mm_unpacklo_epi64(_mm_unpacklo_epi32(texts[0], texts[1]),
-                                              _mm_unpacklo_epi32(texts[2], texts[3]));
-    const __m128i minuses = _mm_cmpeq_epi32(_mm_slli_epi32(begins, 24), _mm_set1_epi32('-' << 24));
-    return _mm_or_ps(numbers, _mm_castsi128_ps(_mm_slli_epi32(minuses, 31)));
-}
-
-}  // namespace
-
-bool PathTokens::IsSupported()
-{
-    return __builtin_cpu_supports("avx") && __builtin_cpu_supports("bmi") &&
-           __builtin_cpu_supports("bmi2");
-}
-
-/// Copies the end of a text, and spaces behind it. Returns how much that is.
-[[gnu::always_inline]] inline std::size_t PathTokens::CopyTail(std::size_t left)
-{
-    constexpr std::size_t kMost = sizeof tail_ / 2;
-    const std::size_t size = std::min(left, kMost);
-    if (size == kMost) {
-        std::memcpy(tail_, text_ + left - kMost, kMost);
+    if (width == Width::k64) {
+        FindBy64(text, end);
     } else {
-        std::memmove(tail_, text_, size);  // a call: of memcpy, compilers make slow instructions
+        FindBy16(text, end);
     }
-    std::memset(tail_ + size, ' ', kMost);
-    return size;
-}
-
-[[KIV_WIDE]] void PathTokens::Find(const char* text, const char* end)
-{
-    const auto left = static_cast<std::size_t>(end - text);
-    const std::size_t size = std::min(left, kMostBytes);
-    text_ = text;
-    // Where a block and what is looked at behind it would not be in the text, a copy of its end is
-    // read.
-    const char* source = text;
-    std::size_t sourceAt = 0;
-    std::size_t numberCount = 0;
-    Place* command = commands_;
-    std::size_t at = 0;
-    for (;;) {
-        if (left - at < sizeof tail_ / 2 && source == text) {
-            sourceAt = left - CopyTail(left);
-            source = tail_;
-        }
-        const char* const block = source + (at - sourceAt);
-        const Classes of = Classify(block);
-        const Bits body = of.digits | of.points;
-        const Bits runs = body & ~(body << 1);
-        // A number has one point only: all others in a run begin numbers of their own.
-        const Bits firstPoints = Behind(runs, of.digits) & of.points;
-        const Bits numbers = of.minuses | (runs & ~(of.minuses << 1)) | (of.points & ~firstPoints);
-        const Bits tokens = numbers | ~(body | of.minuses | of.spaces | of.commas);
-
-        const std::size_t rest = size - at;
-        const bool isLast = rest < kBlock;
-        Bits known = isLast ? _bzhi_u64(~Bits{0}, static_cast<unsigned>(rest)) : ~Bits{0};
-        const Bits behindCommas = Behind(of.commas << 1, of.spaces & known);
-        std::size_t next = size;
-        bool isStuck = false;
-        if (!isLast || size != left) {
-            // The last token may go on behind the block.
-            isStuck = (tokens & known) <= 1;
-            const std::size_t last =
-                63 - static_cast<std::size_t>(_lzcnt_u64((tokens & known) | 1));
-            next = at + last;
-            known = _bzhi_u64(~Bits{0}, static_cast<unsigned>(last));
-        }
-        // Where the digits before the point end, and the numbers. These have to end with a digit.
-        Bits begins = numbers & known;
-        const Bits minuses = begins & of.minuses;
-        Bits wholes = Behind(begins + minuses, of.digits);
-        const Bits points = wholes & of.points;
-        Bits ends = Behind(wholes + points, of.digits);
-        if (((behindCommas & ~numbers & (known << 1 | 1)) | (ends >> 1 & ~of.digits)) != 0 ||
-            of.hasExponent) [[unlikely]] {
-            break;
-        }
-        const Bits twice = of.digits & of.digits >> 1;
-        const bool hasLong = (twice & twice >> 2) != 0;
-        Bits commands = tokens & ~numbers & known;
-
-        const std::size_t behind = numberCount + static_cast<std::size_t>(_mm_popcnt_u64(begins));
-        for (std::size_t i = numberCount; i < behind; i += 4) {
-            __m128i texts[4];
-            __m128i parts[4];
-#pragma GCC unroll 4
-            for (std::size_t k = 0; k < 4; ++k) {
-                const std::size_t begin = TakeFirst(begins);
-                const std::size_t whole = TakeFirst(wholes);
-                numbers_[i + k] = static_cast<Place>(at + begin);
-                texts[k] = VectorAt(block + begin);
-                parts[k] = PartsOf(texts[k], whole - begin, TakeFirst(ends) - whole);
-            }
-            _mm_storeu_ps(values_ + i, NumbersOf(texts, parts));
-        }
-        const std::size_t first = numberCount;
-        numberCount = behind;
-        Place* const behindCommand = command + _mm_popcnt_u64(commands);
-        do {
-#pragma GCC unroll 4
-            for (std::size_t k = 0; k < 4; ++k) {
-                *command++ = static_cast<Place>(at + TakeFirst(commands));
-            }
-        } while (commands != 0);
-        command = behindCommand;
-        if (hasLong) [[unlikely]] {
-            numberCount = ReadLongNumbers(text + size, first, behind);
-            if (numberCount != behind) {
-                at = numbers_[numberCount];
-                command = std::lower_bound(commands_ + 0, command, numbers_[numberCount]);
-                break;
-            }
-        }
-        at = next;
-        if (isLast || isStuck) {
-            break;
-        }
-    }
-    end_ = static_cast<Place>(at);
-    *command = end_;
-    std::fill_n(numbers_ + numberCount, kMostNumbers, end_);
 }
 
 #else
 
-bool PathTokens::IsSupported()
+bool PathTokens::Supports(Width)
 {
     return false;
 }
 
-void PathTokens::Find(const char*, const char*)
+void PathTokens::Find(const char*, const char*, Width)
 {
     end_ = commands_[0] = 0;
     std::fill_n(numbers_, kMostNumbers, end_);

@@ -18,19 +18,22 @@ public:
     /// stand at its end.
     static constexpr std::size_t kMostNumbers = 7;
 
+    /// How many bytes are looked at together. What is found is the same.
+    enum class Width { k16, k64 };
+
     PathTokens() {}  // all is written by Find
     PathTokens(const PathTokens&) = delete;
     PathTokens& operator=(const PathTokens&) = delete;
 
     /// Whether this processor has what Find needs.
-    static bool IsSupported();
+    static bool Supports(Width width);
 
     /// Takes apart what begins at `text`, which has to be the beginning of a number or command, as
     /// far as there is room. The piece ends before, even at its beginning, where something is not
     /// as in most paths: exponents, commas with no number behind them, numbers that cannot be read.
     ///
     /// The text has to stand as long as the piece is looked at.
-    void Find(const char* text, const char* end);
+    void Find(const char* text, const char* end, Width width);
 
     /// Where the piece ends, between two tokens.
     Place End() const { return end_; }
@@ -49,6 +52,10 @@ private:
     static constexpr std::size_t kMostBytes = 2048;
     static constexpr std::size_t kSpare = 16;  // so many may be written, or read, behind the last
 
+    class Progress;
+
+    void FindBy16(const char* text, const char* end);
+    void FindBy64(const char* text, const char* end);
     std::size_t CopyTail(std::size_t left);
     std::size_t ReadLongNumbers(const char* end, std::size_t first, std::size_t count);
 

@@ -1,5 +1,5 @@
-// Path data is read in two ways, many bytes at a time or step by step: both give the same calls,
-// bit by bit.
+// Path data is read in several ways, 16 or 64 bytes at a time or step by step: all give the same
+// calls, bit by bit.
 
 #include "svgloom/src/PathTokens.h"
 
@@ -17,10 +17,12 @@
 #include "svgloom/src/NumberReader.h"
 #include "svgloom/src/SVGStringParser.h"
 #include "svgloom/src/tests/TestSupport.h"
+#include "svgloom/src/tests/TokenWidths.h"
 
 namespace SVGLoom {
 namespace {
 
+using testing_support::AreTokensAlike;
 using testing_support::ExactText;
 
 /// Keeps kinds and coordinates as bytes.
@@ -63,13 +65,16 @@ void ExpectLikeSteps(std::string_view text)
     PathNotes notes;
     SVGStringParser::ParsePath(exact.View(), stepwise, &notes);
     ASSERT_EQ(quick.written, stepwise.written) << text;
+    ASSERT_TRUE(AreTokensAlike(exact.View())) << text;
 }
 
 /// Reads `numbers`, with a space before each, as a path.
 void ExpectNumbersLikeSteps(const std::string& numbers)
 {
     BytesPath path;
-    SVGStringParser::ParsePath("M0 0H" + numbers, path);
+    const std::string text = "M0 0H" + numbers;
+    SVGStringParser::ParsePath(text, path);
+    ASSERT_TRUE(AreTokensAlike(text));
     const char* current = numbers.data();
     const char* const end = current + numbers.size();
     for (std::size_t at = 3; at < path.written.size(); at += 3) {
@@ -176,6 +181,17 @@ TEST(PathTokens, EveryPlaceInABlock)
                 all += before % 2 == 0 ? " 7" : ",12.5";
             }
             ExpectLikeSteps(all + std::string(text) + std::string(text));
+        }
+    }
+}
+
+TEST(PathTokens, MoreThanAreWrittenTogether)
+{
+    for (const std::string_view token : {"h", "zm", "1,", "-1", ".1", "9h"}) {
+        std::string text = "M0 0";
+        for (int i = 0; i < 100; ++i) {
+            text += token;
+            ExpectLikeSteps(text);
         }
     }
 }
