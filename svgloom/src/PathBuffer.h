@@ -48,6 +48,21 @@ public:
     }
     void ClosePath() { Append(PathSegments::Kind::kClose); }
 
+    /// A segment whose coordinates stand in two vectors of 16 bytes: so many bytes of the first,
+    /// and the first half of the second.
+    template <class Vector>
+    [[gnu::always_inline]] void AppendVectors(PathSegments::Kind kind, const Vector& first,
+                                              std::size_t firstBytes, const Vector& second)
+    {
+        constexpr std::size_t kHalf = 8;
+        static_assert(sizeof(Vector) == 2 * kHalf);
+        std::uint8_t* const at = at_;
+        *at = static_cast<std::uint8_t>(kind);
+        std::memcpy(at + 1, &first, sizeof first);
+        std::memcpy(at + 1 + firstBytes, &second, kHalf);
+        Go(at + 1 + firstBytes + kHalf);
+    }
+
     /// Hands over what is left.
     void Flush()
     {
@@ -70,6 +85,10 @@ private:
         std::uint8_t* at = at_;
         *at++ = static_cast<std::uint8_t>(kind);
         ((std::memcpy(at, &coordinates, sizeof(float)), at += sizeof(float)), ...);
+        Go(at);
+    }
+    void Go(std::uint8_t* at)
+    {
         at_ = at;
         if (at > fullFrom_) [[unlikely]] {
             MakeRoom();

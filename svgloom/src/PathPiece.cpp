@@ -1,23 +1,83 @@
 #include "svgloom/src/PathPiece.h"
 
 #include <cstddef>
+#include <cstring>
 
 #include "svgloom/src/ArcToCurve.h"
 #include "svgloom/src/NumberReader.h"
+#include "svgloom/src/PathRows.h"
 #include "svgloom/src/PathTokens.h"
+
+#if defined(__x86_64__)
+#include <immintrin.h>
+#endif
 
 namespace SVGLoom {
 
+#if defined(__x86_64__)
+
+// What PathTokens needs at least.
+#define KIV_VECTORS gnu::target("avx")
+
 namespace {
+
+/// Four whole numbers, or a mask.
+[[KIV_VECTORS, gnu::always_inline]] inline __m128i VectorOf(const PathRow::Lanes& lanes)
+{
+    int bytes = 0;
+    static_assert(sizeof bytes == sizeof lanes);
+    std::memcpy(&bytes, lanes.data(), sizeof bytes);
+    return _mm_cvtepi8_epi32(_mm_cvtsi32_si128(bytes));
+}
+
+[[KIV_VECTORS, gnu::always_inline]] inline __m128 Choose(const PathRow::Lanes& mask, __m128 set,
+                                                         __m128 clear)
+{
+    return _mm_blendv_ps(clear, set, _mm_castsi128_ps(VectorOf(mask)));
+}
+
+[[KIV_VECTORS, gnu::always_inline]] inline __m128 VectorOf(const Point& lower, const Point& upper)
+{
+    return _mm_setr_ps(lower.x, lower.y, upper.x, upper.y);
+}
+
+[[KIV_VECTORS, gnu::always_inline]] inline Point LowerOf(__m128 vector)
+{
+    return {_mm_cvtss_f32(vector), _mm_cvtss_f32(_mm_movehdup_ps(vector))};
+}
+
+[[KIV_VECTORS, gnu::always_inline]] inline Point UpperOf(__m128 vector)
+{
+    return LowerOf(_mm_movehl_ps(vector, vector));
+}
+
+[[KIV_VECTORS, gnu::always_inline]] inline __m128 LowerTwice(__m128 vector)
+{
+    return _mm_movelh_ps(vector, vector);
+}
+
+[[KIV_VECTORS, gnu::always_inline]] inline __m128 UpperAndLower(__m128 upper, __m128 lower)
+{
+    return _mm_shuffle_ps(upper, lower, _MM_SHUFFLE(1, 0, 3, 2));
+}
+
+constexpr std::size_t IndexOf(char command)
+{
+    return static_cast<unsigned char>(command - 'A');
+}
 
 /// Carries out the commands of a piece, as far as they are what they should be. All is inlined into
 /// Read(), so that the state stays in registers.
 class PieceReader {
 public:
-    PieceReader(const PathTokens& tokens, const PathState& state, PathBuffer& path)
+    [[KIV_VECTORS, gnu::always_inline]] PieceReader(const PathTokens& tokens,
+                                                    const PathState& state, PathBuffer& path)
         : tokens_(tokens),
           path_(path),
-          state_(state),
+          previous_(state.previous),
+          position_(VectorOf(state.position, state.position)),
+          start_(VectorOf(state.start, state.start)),
+          controls_(VectorOf(state.quadControl, state.cubicControl)),
           command_(tokens.Commands()),
           number_(tokens.Numbers()),
           value_(tokens.Values())
@@ -26,14 +86,14 @@ public:
 
     /// Returns the place of the first command or repeat that is not carried out; the end of the
     /// piece if there is none.
-    [[gnu::always_inline]] PathTokens::Place Read()
+    [[KIV_VECTORS, gnu::always_inline]] PathTokens::Place Read()
     {
         next_ = *command_;
-        if (IsClose(state_.previous) && !GoBehindClose(state_.previous)) {
+        if (IsClose(previous_) && !GoBehindClose(previous_)) {
             return *number_;
         }
         PathTokens::Place place = 0;
-        char command = RepeatOf(state_.previous);
+        char command = RepeatOf(previous_);
         if (!HasMore()) {
             if (next_ == tokens_.End()) {
                 return next_;
@@ -46,10 +106,10 @@ public:
                 if (number_ == first && !IsClose(command)) {
                     return place;
                 }
-                state_.previous = command;
+                previous_ = command;
                 return *number_;
             }
-            state_.previous = command;
+            previous_ = command;
             if (next_ == tokens_.End()) {
                 return next_;
             }
@@ -57,44 +117,26 @@ public:
         }
     }
 
-    const PathState& State() const { return state_; }
+    [[KIV_VECTORS, gnu::always_inline]] PathState State() const
+    {
+        return {previous_, LowerOf(position_), LowerOf(start_), UpperOf(controls_),
+                LowerOf(controls_)};
+    }
 
 private:
     enum class Origin { kPage, kPosition };
 
     /// One command with its repeats. False if it, or a repeat, is not carried out; the numbers of
     /// that are still to be taken.
-    [[gnu::always_inline]] bool Execute(char& command)
+    [[KIV_VECTORS, gnu::always_inline]] bool Execute(char& command)
     {
+        if (IndexOf(command) >= kPathLetters) {
+            return false;
+        }
+        if (kPathRows[IndexOf(command)].count != 0) {
+            return AddSegments(command);
+        }
         switch (command) {
-            case 'M':
-                return MoveTo<Origin::kPage>();
-            case 'm':
-                return MoveTo<Origin::kPosition>();
-            case 'L':
-                return LineTo<Origin::kPage>();
-            case 'l':
-                return LineTo<Origin::kPosition>();
-            case 'H':
-                return HorizontalTo<Origin::kPage>();
-            case 'h':
-                return HorizontalTo<Origin::kPosition>();
-            case 'V':
-                return VerticalTo<Origin::kPage>();
-            case 'v':
-                return VerticalTo<Origin::kPosition>();
-            case 'C':
-                return CurveTo<Origin::kPage>();
-            case 'c':
-                return CurveTo<Origin::kPosition>();
-            case 'S':
-                return SmoothCurveTo<Origin::kPage>();
-            case 's':
-                return SmoothCurveTo<Origin::kPosition>();
-            case 'Q':
-                return QuadTo<Origin::kPage>();
-            case 'q':
-                return QuadTo<Origin::kPosition>();
             case 'T':
                 return SmoothQuadTo<Origin::kPage>();
             case 't':
@@ -126,142 +168,66 @@ private:
         value_ += count;
     }
     template <Origin origin>
-    float X(float x) const
+    [[KIV_VECTORS, gnu::always_inline]] Point PointAt(float x, float y) const
     {
-        return origin == Origin::kPosition ? x + state_.position.x : x;
-    }
-    template <Origin origin>
-    float Y(float y) const
-    {
-        return origin == Origin::kPosition ? y + state_.position.y : y;
-    }
-    template <Origin origin>
-    Point PointAt(std::size_t index) const
-    {
-        return {X<origin>(value_[index]), Y<origin>(value_[index + 1])};
+        const Point position = LowerOf(position_);
+        return origin == Origin::kPosition ? Point{x + position.x, y + position.y} : Point{x, y};
     }
 
-    void AddLine(const Point& to)
+    /// A move, line or curve with its repeats.
+    [[KIV_VECTORS, gnu::always_inline]] bool AddSegments(char command)
     {
-        path_.LineTo(to);
-        state_.position = to;
-    }
-    void AddCurve(const Point& first, const Point& second, const Point& to)
-    {
-        path_.CurveTo(first, second, to);
-        state_.cubicControl = second;
-        state_.position = to;
-    }
-    void AddQuad(const Point& control, const Point& to)
-    {
-        path_.QuadTo(control, to);
-        state_.quadControl = control;
-        state_.position = to;
-    }
-
-    template <Origin origin>
-    bool MoveTo()
-    {
-        if (!Has(2)) {
-            return false;
+        // A negative zero adds nothing, not even to the sign of a zero.
+        const __m128 nothing = _mm_set1_ps(-0.0f);
+        const PathRow* row = &kPathRows[IndexOf(command)];
+        for (;;) {
+            if (!Has(row->count)) {
+                return false;
+            }
+            const __m128 numbers = _mm_loadu_ps(value_);
+            const __m128 reflected = _mm_sub_ps(_mm_add_ps(position_, position_), controls_);
+            const __m128 controls =
+                _mm_add_ps(Choose(row->reflects, UpperAndLower(reflected, numbers), numbers),
+                           Choose(row->controlOrigin, position_, nothing));
+            const __m128 endNumbers =
+                _mm_permutevar_ps(_mm_loadu_ps(value_ + row->endNumber), VectorOf(row->endNumbers));
+            const __m128 end = _mm_add_ps(Choose(row->endGiven, endNumbers, nothing),
+                                          Choose(row->endOrigin, position_, nothing));
+            path_.AppendVectors(row->kind, controls, row->controlBytes, end);
+            position_ = LowerTwice(end);
+            start_ = Choose(row->starts, position_, start_);
+            controls_ = Choose(row->keeps, controls, controls_);
+            Take(row->count);
+            if (!HasMore()) {
+                return true;
+            }
+            if (row->kind == PathSegments::Kind::kMove) {
+                row = &kPathRows[IndexOf(RepeatOf(command))];
+            }
         }
-        state_.position = state_.start = PointAt<origin>(0);
-        path_.MoveTo(state_.position.x, state_.position.y);
-        Take(2);
-        return !HasMore() || LineTo<origin>();
     }
     template <Origin origin>
-    bool LineTo()
+    [[KIV_VECTORS, gnu::always_inline]] bool SmoothQuadTo()
     {
-        do {
-            if (!Has(2)) {
-                return false;
-            }
-            AddLine(PointAt<origin>(0));
-            Take(2);
-        } while (HasMore());
-        return true;
-    }
-    template <Origin origin>
-    bool HorizontalTo()
-    {
-        do {
-            if (!Has(1)) {
-                return false;
-            }
-            AddLine({X<origin>(value_[0]), state_.position.y});
-            Take(1);
-        } while (HasMore());
-        return true;
-    }
-    template <Origin origin>
-    bool VerticalTo()
-    {
-        do {
-            if (!Has(1)) {
-                return false;
-            }
-            AddLine({state_.position.x, Y<origin>(value_[0])});
-            Take(1);
-        } while (HasMore());
-        return true;
-    }
-    template <Origin origin>
-    bool CurveTo()
-    {
-        do {
-            if (!Has(6)) {
-                return false;
-            }
-            AddCurve(PointAt<origin>(0), PointAt<origin>(2), PointAt<origin>(4));
-            Take(6);
-        } while (HasMore());
-        return true;
-    }
-    template <Origin origin>
-    bool SmoothCurveTo()
-    {
-        do {
-            if (!Has(4)) {
-                return false;
-            }
-            // Always the reflection, whatever command came before.
-            AddCurve(Reflected(state_.position, state_.cubicControl), PointAt<origin>(0),
-                     PointAt<origin>(2));
-            Take(4);
-        } while (HasMore());
-        return true;
-    }
-    template <Origin origin>
-    bool QuadTo()
-    {
-        do {
-            if (!Has(4)) {
-                return false;
-            }
-            AddQuad(PointAt<origin>(0), PointAt<origin>(2));
-            Take(4);
-        } while (HasMore());
-        return true;
-    }
-    template <Origin origin>
-    bool SmoothQuadTo()
-    {
-        const char before = ToLower(state_.previous);
+        const char before = ToLower(previous_);
         bool isBehindQuad = before == 'q' || before == 't';
         do {
             if (!Has(2)) {
                 return false;
             }
-            AddQuad(isBehindQuad ? Reflected(state_.position, state_.quadControl) : state_.position,
-                    PointAt<origin>(0));
+            const Point position = LowerOf(position_);
+            const Point control = isBehindQuad ? Reflected(position, LowerOf(controls_)) : position;
+            const Point to = PointAt<origin>(value_[0], value_[1]);
+            path_.QuadTo(control, to);
+            controls_ = VectorOf(control, UpperOf(controls_));
+            position_ = VectorOf(to, to);
             Take(2);
             isBehindQuad = true;
         } while (HasMore());
         return true;
     }
     template <Origin origin>
-    bool ArcTo()
+    [[KIV_VECTORS, gnu::always_inline]] bool ArcTo()
     {
         do {
             // Flags may touch each other and the number behind them. There is a token behind each
@@ -301,28 +267,28 @@ private:
             arc.rotationDegrees = value_[2];
             arc.large = *large == '1';
             arc.sweep = *sweep == '1';
-            arc.to = {X<origin>(to.x), Y<origin>(to.y)};
-            ArcToCurve(Point(state_.position), arc, path_);
-            state_.position = arc.to;
+            arc.to = PointAt<origin>(to.x, to.y);
+            ArcToCurve(LowerOf(position_), arc, path_);
+            position_ = VectorOf(arc.to, arc.to);
             Take(count);
         } while (HasMore());
         return true;
     }
-    bool Close(char& command)
+    [[KIV_VECTORS, gnu::always_inline]] bool Close(char& command)
     {
         path_.ClosePath();
-        state_.position = state_.start;
+        position_ = start_;
         return GoBehindClose(command);
     }
     /// Skips further closes, and makes the move that takes the place of `command` then. False if
     /// there are numbers.
-    bool GoBehindClose(char& command)
+    [[KIV_VECTORS, gnu::always_inline]] bool GoBehindClose(char& command)
     {
         for (; next_ != tokens_.End() && !HasMore(); next_ = *++command_) {
             const char following = *tokens_.At(next_);
             if (!IsClose(following)) {
                 if (ToLower(following) != 'm') {
-                    MoveBehindClose(state_, path_);
+                    MoveBehindClose(State(), path_);
                     command = 'm';
                 }
                 return true;
@@ -333,7 +299,10 @@ private:
 
     const PathTokens& tokens_;
     PathBuffer& path_;
-    PathState state_;
+    char previous_;
+    __m128 position_;  // twice
+    __m128 start_;     // of the subpath, twice
+    __m128 controls_;  // the last control points of a quadratic and of a cubic curve
     const PathTokens::Place* command_;
     const PathTokens::Place* number_;
     const float* value_;
@@ -342,7 +311,8 @@ private:
 
 }  // namespace
 
-const char* ReadPieces(const char* text, const char* end, PathState& state, PathBuffer& path)
+[[KIV_VECTORS]] const char* ReadPieces(const char* text, const char* end, PathState& state,
+                                       PathBuffer& path)
 {
     using Width = PathTokens::Width;
     if (!PathTokens::Supports(Width::k16)) {
@@ -363,5 +333,14 @@ const char* ReadPieces(const char* text, const char* end, PathState& state, Path
     }
     return text;
 }
+
+#else
+
+const char* ReadPieces(const char* text, const char*, PathState&, PathBuffer&)
+{
+    return text;
+}
+
+#endif
 
 }  // namespace SVGLoom
