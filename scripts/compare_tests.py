@@ -3,6 +3,7 @@
 apart from those that docs/windows-tests.md lists with reasons.
 
 usage: compare_tests.py LINUX_BUILD WINDOWS_BUILD [LIST]
+       behind scripts/wine.sh --together, so that Windows is not started for each program
 
 Fails too when the list names a test that runs on both, or none at all.
 """
@@ -44,8 +45,13 @@ def google_test_program(build, command):
 def listed_by(program):
     start = [TOP / "scripts" / "wine.sh"] if program.suffix == ".exe" else []
     run = subprocess.run(
-        [*start, program, "--gtest_list_tests"], capture_output=True, text=True, check=True
+        [*start, program, "--gtest_list_tests"], capture_output=True, text=True, check=False
     )
+    if run.returncode != 0:
+        sys.exit(
+            f"compare_tests.py: {program.name} does not list its tests, status {run.returncode}:\n"
+            f"{run.stdout}{run.stderr}"
+        )
     suite = ""
     for line in run.stdout.splitlines():
         name = line.split("#")[0].rstrip()
