@@ -20,8 +20,8 @@ LAYERS = {
     "include": (),
     "dictionary": (),
     "localizer": ("dictionary", "kivcore"),
-    "svgloom/src": ("kivcore", "svgloom/renderer/Records.h", "svgloom/renderer/SVGRenderer.h",
-                    "svgloom/renderer/SharedVector.h"),
+    "svgloom/src": ("kivcore", "svgloom/renderer/PathSegments.h", "svgloom/renderer/Records.h",
+                    "svgloom/renderer/SVGRenderer.h", "svgloom/renderer/SharedVector.h"),
     "svgloom/renderer": ("kivcore",),  # and kivui's drawing layer, see HEADERS
     "svgbridge": ("svgloom", "kivcore", "kivui"),
     "api": ("include", "localizer", "svgbridge/SVGBridge.h", "kivcore", "kivui", "kivxmp",

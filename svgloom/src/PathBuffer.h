@@ -9,13 +9,10 @@
 #include <memory>
 
 #include "svgloom/renderer/SVGRenderer.h"
+#include "svgloom/src/ArcToCurve.h"
+#include "svgloom/src/Point.h"
 
 namespace SVGLoom {
-
-struct Point {
-    float x = 0;
-    float y = 0;
-};
 
 class PathBuffer {
 public:
@@ -28,7 +25,7 @@ public:
     PathBuffer(Path& path, Mode mode)
         : path_(path),
           mode_(mode),
-          fullFrom_(mode == Mode::kPacked ? usual_ + kUsualBytes - PathSegments::kMaxBytes : usual_)
+          fullFrom_(mode == Mode::kPacked ? usual_ + kUsualBytes - kSpareBytes : usual_)
     {
     }
     PathBuffer(const PathBuffer&) = delete;
@@ -45,6 +42,20 @@ public:
     void QuadTo(const Point& control, const Point& to)
     {
         Append(PathSegments::Kind::kQuad, control.x, control.y, to.x, to.y);
+    }
+    void ArcTo(const Point& from, const Arc& arc)
+    {
+        if (IsEachAtOnce()) {
+            ArcToCurve(from, arc, *this);
+            return;
+        }
+        at_ += arcs_.Add(from, arc, static_cast<std::size_t>(at_ - block_));
+        if (arcs_.IsFull()) {
+            at_ = arcs_.Write(block_, at_);
+        }
+        if (at_ > fullFrom_) [[unlikely]] {
+            MakeRoom();
+        }
     }
     void ClosePath() { Append(PathSegments::Kind::kClose); }
 
@@ -66,6 +77,9 @@ public:
     /// Hands over what is left.
     void Flush()
     {
+        if (!arcs_.IsEmpty()) {
+            at_ = arcs_.Write(block_, at_);
+        }
         if (at_ != block_) {
             const auto size = static_cast<std::size_t>(at_ - block_);
             at_ = block_;
@@ -74,8 +88,11 @@ public:
     }
 
 private:
-    static constexpr std::size_t kUsualBytes = 4096;
+    static constexpr std::size_t kUsualBytes = 5120;
     static constexpr std::size_t kLargeBytes = std::size_t{64} * 1024;
+    /// Of any segment or arc, and of what arcs may take beyond what was foreseen.
+    static constexpr std::size_t kSpareBytes =
+        ArcQueue::kMostPieces * PathSegments::kMaxBytes + ArcQueue::kSpareBytes;
 
     /// One coordinate by the other: as an array, they would be written twice, and wait for that.
     template <class... Coordinates>
@@ -102,7 +119,7 @@ private:
             std::memcpy(large_.get(), block_, size);
             block_ = large_.get();
             at_ = block_ + size;
-            fullFrom_ = block_ + kLargeBytes - PathSegments::kMaxBytes;
+            fullFrom_ = block_ + kLargeBytes - kSpareBytes;
         } else {
             Flush();
         }
@@ -112,6 +129,7 @@ private:
     const Mode mode_;
     std::uint8_t usual_[kUsualBytes];
     std::unique_ptr<std::uint8_t[]> large_;
+    ArcQueue arcs_;
     std::uint8_t* block_ = usual_;  // or large_
     std::uint8_t* at_ = usual_;
     std::uint8_t* fullFrom_;  // behind this there may be no room for another segment

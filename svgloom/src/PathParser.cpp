@@ -271,7 +271,7 @@ private:
         if (notes_ != nullptr) {
             NoteArc(arc, start);
         }
-        ArcToCurve(Point(state_.position), arc, path_);
+        path_.ArcTo(state_.position, arc);
         state_.position = arc.to;
         return Outcome::kDone;
     }

@@ -268,7 +268,7 @@ private:
             arc.large = *large == '1';
             arc.sweep = *sweep == '1';
             arc.to = PointAt<origin>(to.x, to.y);
-            ArcToCurve(LowerOf(position_), arc, path_);
+            path_.ArcTo(LowerOf(position_), arc);
             position_ = VectorOf(arc.to, arc.to);
             Take(count);
         } while (HasMore());

@@ -44,47 +44,6 @@ TEST(Angles, AllAreThoseOfTheLibrary)
     }
 }
 
-TEST(Angles, TwoAreAsEachAlone)
-{
-    std::mt19937 random(2);
-    std::uniform_real_distribution<float> angles(-13, 13);
-    for (int i = 0; i < 10000; ++i) {
-        const float first = angles(random);
-        const float second = angles(random);
-        const auto both = SinesAndCosines(first, second);
-        ASSERT_EQ(BitsOf(both[0].sine), BitsOf(SineAndCosine(first).sine)) << first;
-        ASSERT_EQ(BitsOf(both[0].cosine), BitsOf(SineAndCosine(first).cosine)) << first;
-        ASSERT_EQ(BitsOf(both[1].sine), BitsOf(SineAndCosine(second).sine)) << second;
-        ASSERT_EQ(BitsOf(both[1].cosine), BitsOf(SineAndCosine(second).cosine)) << second;
-    }
-}
-
-// All but the smallest are taken by their bits in large steps, which meet every exponent often.
-TEST(Angles, ArcSinesAreThoseOfTheLibrary)
-{
-    constexpr std::uint32_t kOne = 0x3F800000;
-    constexpr std::uint32_t kStep = 511;
-    const auto expect = [](float first, float second) {
-        const auto have = ArcSines(first, second);
-        const auto want = [](float value) {
-            return BitsOf(static_cast<float>(std::asin(static_cast<double>(value))));
-        };
-        ASSERT_EQ(BitsOf(have[0]), want(first)) << first;
-        ASSERT_EQ(BitsOf(have[1]), want(second)) << second;
-    };
-    for (std::uint32_t bits = 0; bits <= kOne; bits += kStep) {
-        const auto value = std::bit_cast<float>(bits);
-        ASSERT_NO_FATAL_FAILURE(expect(value, -std::bit_cast<float>(kOne - bits)));
-    }
-    for (const float value : {0.0f, -0.0f, 1.0f, -1.0f, 0.5f, -0.5f}) {
-        ASSERT_NO_FATAL_FAILURE(expect(value, std::nextafter(value, 0.0f)));
-        ASSERT_NO_FATAL_FAILURE(expect(std::nextafter(value, 0.0f), value));
-    }
-    const float notANumber = std::numeric_limits<float>::quiet_NaN();
-    EXPECT_TRUE(std::isnan(ArcSines(notANumber, 0)[0]));
-    EXPECT_TRUE(std::isnan(ArcSines(0, notANumber)[1]));
-}
-
 // Where one of them is tiny, as at the ends of most arcs, and at both zeros.
 TEST(Angles, NearTheQuarters)
 {

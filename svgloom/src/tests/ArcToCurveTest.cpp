@@ -3,11 +3,14 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
 #include <limits>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "svgloom/src/PathBuffer.h"
 #include "svgloom/src/tests/TestSupport.h"
 #include "svgloom/src/tests/TraceListener.h"
 
@@ -199,6 +202,123 @@ TEST(ArcToCurve, TracingFollowsTheChannel)
         Written({0, 0}, {5, 5, 0, true, true, {0.1f, 0}});
         EXPECT_EQ(listener.messages.size(), level == 6 ? 11u + 8u + 3u * 3u : 0u) << level;
     }
+}
+
+// Segments as they come: arcs are made curves later than what stands between them.
+class SegmentCollector : public RecordingPath {
+public:
+    void AddSegments(const PathSegments& segments) override
+    {
+        bytes.insert(bytes.end(), segments.data(), segments.data() + segments.size());
+        ++calls;
+    }
+    std::vector<std::uint8_t> bytes;
+    std::size_t calls = 0;
+};
+
+struct ArcStep {
+    Point from;
+    Arc arc;
+    std::size_t lines;  // behind the arc
+};
+
+std::vector<std::uint8_t> Packed(const std::vector<ArcStep>& steps, PathBuffer::Mode mode)
+{
+    SegmentCollector path;
+    PathBuffer buffer(path, mode);
+    for (const ArcStep& step : steps) {
+        buffer.ArcTo(step.from, step.arc);
+        for (std::size_t i = 0; i < step.lines; ++i) {
+            buffer.LineTo({static_cast<float>(i), step.from.y});
+        }
+    }
+    buffer.Flush();
+    return path.bytes;
+}
+
+void ExpectSamePacked(const std::vector<ArcStep>& steps)
+{
+    const auto have = Packed(steps, PathBuffer::Mode::kPacked);
+    const auto want = Packed(steps, PathBuffer::Mode::kEachAtOnce);
+    ASSERT_EQ(have.size(), want.size());
+    ASSERT_TRUE(have == want);
+}
+
+TEST(ArcQueue, ArcsAreThoseOfOneAtATime)
+{
+    std::mt19937 random(4);
+    std::uniform_real_distribution<float> coordinates(-20, 20);
+    std::uniform_real_distribution<float> radii(0.5f, 30);
+    for (std::size_t count = 0; count < 200; ++count) {
+        std::vector<ArcStep> steps(count);
+        for (ArcStep& step : steps) {
+            step.from = {coordinates(random), coordinates(random)};
+            step.arc = {radii(random),     radii(random),     0,
+                        random() % 2 == 0, random() % 2 == 0, {coordinates(random), 3}};
+            step.lines = random() % 4;
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectSamePacked(steps));
+    }
+}
+
+// The number of their pieces is foreseen roughly; what stands behind moves where it is not right.
+TEST(ArcQueue, ArcsOfAnotherNumberOfPiecesThanForeseen)
+{
+    const Arc rows[] = {
+        {0, 5, 0, false, true, {10, 0}},          // not finite: one piece
+        {5, 5, 0, true, true, {0, 0}},            // as if almost a whole turn
+        {1e-20f, 1e-20f, 0, true, true, {1, 0}},  // too small for the squares
+        {3e30f, 3e30f, 0, true, false, {1, 0}},   // too large
+        {5, 5, 0, true, true, {8.6602545f, 0}},   // 120 degrees, or the rest of a turn
+        {5, 5, 0, false, true, {8.660254f, 0}},  {5, 5, 0, false, false, {8.6602555f, 0}},
+        {5, 5, 0, false, true, {1e-6f, 0}},
+    };
+    for (const Arc& row : rows) {
+        for (std::size_t count = 1; count <= 2 * ArcQueue::kMost; ++count) {
+            ASSERT_NO_FATAL_FAILURE(
+                ExpectSamePacked(std::vector<ArcStep>(count, {{0, 0}, row, count % 3})));
+        }
+    }
+    std::mt19937 random(5);
+    const float values[] = {0, -0.0f, 1, -1, 5, 1e-30f, 1e30f, 3e38f, -3e38f, 1e-45f, 0.1f, 24};
+    const auto any = [&random, &values] { return values[random() % std::size(values)]; };
+    for (int round = 0; round < 2000; ++round) {
+        std::vector<ArcStep> steps(1 + random() % 40);
+        for (ArcStep& step : steps) {
+            step.from = {any(), any()};
+            step.arc = {any(), any(), 0, random() % 2 == 0, random() % 2 == 0, {any(), any()}};
+            step.lines = random() % 3;
+        }
+        ASSERT_NO_FATAL_FAILURE(ExpectSamePacked(steps));
+    }
+}
+
+// Also where arcs wait while the block becomes a larger one, or is handed over.
+TEST(ArcQueue, ArcsInPathsOfEverySize)
+{
+    for (const std::size_t lines : {0u, 100u, 330u, 1000u, 5000u, 12000u}) {
+        for (std::size_t count : {1u, 3u, 30u, 3000u}) {
+            if (lines * count > 400000) {
+                continue;
+            }
+            const Arc arc = {5, 5, 0, count % 2 == 0, true, {6, 1}};
+            ASSERT_NO_FATAL_FAILURE(
+                ExpectSamePacked(std::vector<ArcStep>(count, {{0, 0}, arc, lines})));
+        }
+    }
+}
+
+TEST(ArcQueue, APathOfAFewArcsIsHandedOverAtOnce)
+{
+    SegmentCollector path;
+    PathBuffer buffer(path, PathBuffer::Mode::kPacked);
+    for (int i = 0; i < 40; ++i) {
+        buffer.ArcTo({0, 0}, {5, 5, 0, true, true, {6, 1}});
+    }
+    EXPECT_EQ(path.calls, 0u);
+    buffer.Flush();
+    EXPECT_EQ(path.calls, 1u);
+    EXPECT_EQ(path.bytes.size(), 40 * 3 * PathSegments::kMaxBytes);
 }
 
 }  // namespace
