@@ -1,12 +1,18 @@
 #include "framework/kivmetadataui/src/DialogModel.h"
 
 #include <algorithm>
+#include <map>
+#include <string>
+#include <tuple>
 #include <utility>
+#include <vector>
 
 #include "framework/kivmetadataui/src/ModelBuilder.h"
 #include "framework/kivmetadataui/src/Texts.h"
 
+#include <kivxmp/Derived.h>
 #include <kivxmp/XMPError.h>
+#include <kivxmp/XMPNode.h>
 
 namespace kivmetadataui {
 
@@ -87,6 +93,7 @@ DialogModel::DialogModel(const __XMPMeta__& meta, const kivmetadata::ViewDefinit
         }
         field.SetObserver(this);
     }
+    FindDerivedStructures(meta);
     currentView_ = RememberedView();
 }
 
@@ -287,9 +294,49 @@ void DialogModel::Apply(__XMPMeta__& target) const
     }
 }
 
+void DialogModel::FindDerivedStructures(const __XMPMeta__& meta)
+{
+    std::map<std::pair<std::string, std::string>, std::vector<Field*>> structures;
+    for (const PropertyBinding& binding : bindings_) {
+        if (binding.path.size() > 1) {
+            const kivxmp::PathStep& property = binding.path.front();
+            structures[{property.uri, property.local}].push_back(binding.field.get());
+        }
+    }
+    for (auto& [name, parts] : structures) {
+        kivxmp::PathStep step;
+        std::tie(step.uri, step.local) = name;
+        const kivxmp::Node* const node = kivxmp::FindWithDerived(meta, {step});
+        const auto derived = std::count_if(parts.begin(), parts.end(),
+                                           [](const Field* part) { return part->IsDerived(); });
+        // A part that no field shows stays, and with it the structure.
+        if (derived != 0 && node->Children().size() == static_cast<std::size_t>(derived)) {
+            derivedStructures_.push_back(std::move(parts));
+        }
+    }
+}
+
+// Without parts a structure would not be written, and its source would go on telling all of it.
+void DialogModel::CheckParts(const std::vector<Field*>& parts, const Field& changed)
+{
+    const bool areEmpty =
+        std::all_of(parts.begin(), parts.end(), [](const Field* part) { return part->IsEmpty(); });
+    for (Field* const part : parts) {
+        const bool isNews = part->SetLast(areEmpty && part == &changed);
+        if (isNews && part != &changed && observer_ != nullptr) {
+            observer_->FieldChanged(*part);
+        }
+    }
+}
+
 void DialogModel::FieldChanged(Field& field)
 {
     message_.clear();  // it was about what has changed since
+    for (const std::vector<Field*>& parts : derivedStructures_) {
+        if (std::find(parts.begin(), parts.end(), &field) != parts.end()) {
+            CheckParts(parts, field);
+        }
+    }
     if (observer_ != nullptr) {
         observer_->FieldChanged(field);
         observer_->ModelChanged();

@@ -164,6 +164,8 @@ public:
 
 private:
     void FieldChanged(Field& field) override;
+    void FindDerivedStructures(const __XMPMeta__& meta);
+    void CheckParts(const std::vector<Field*>& parts, const Field& changed);
     void NotifyModel();
     std::size_t RememberedView() const;
     void RememberView();
@@ -172,6 +174,7 @@ private:
     DialogOptions options_;
     std::vector<PropertyBinding> bindings_;  // in the order of the views
     std::vector<DialogView> views_;
+    std::vector<std::vector<Field*>> derivedStructures_;          // shown whole: the parts of each
     std::map<std::string, std::string, std::less<>> namespaces_;  // by prefix
     std::size_t currentView_ = 0;
     PhotoNote note_;

@@ -144,6 +144,14 @@ void Field::SetSource(FieldSource source)
     source_ = std::move(source);
 }
 
+bool Field::SetLast(bool isLast)
+{
+    isLast_ = isLast;
+    const UString errorBefore = error_;
+    SetError(/*isLenient=*/isTyping_);
+    return error_ != errorBefore;
+}
+
 void Field::Edit(FieldItems items, EditKind kind)
 {
     if (IsReadOnly() || items == items_) {
@@ -170,7 +178,7 @@ UString Field::CurrentError() const
         return {};
     }
     // Taking it out of the packet would change nothing, and it would be back at the next look.
-    if (source_.isWhole && IsEmpty()) {
+    if ((source_.isWhole || isLast_) && IsEmpty()) {
         return DialogText(
             "$$$/Kiv/Dialog/Source/Stays=This value comes from elsewhere. It can be replaced, but "
             "not removed.");

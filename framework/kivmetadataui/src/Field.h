@@ -138,6 +138,9 @@ public:
     void Lock(kivcore::UString explanation);
     /// Used by the binding: what was read comes from a source.
     void SetSource(FieldSource source);
+    /// Used by the model: whether all other parts of what the source tells are empty, so that this
+    /// one cannot be. True if that changes the error; nobody is told.
+    bool SetLast(bool isLast);
     /// Used by the model: locks without a word.
     void SetReadOnly() noexcept { description_.isReadOnly = true; }
 
@@ -169,6 +172,7 @@ private:
     std::vector<FieldItems> undo_;
     std::vector<FieldItems> redo_;
     bool isTyping_ = false;
+    bool isLast_ = false;  // of the parts that a source tells
     FieldObserver* observer_ = nullptr;
 };
 

@@ -249,6 +249,54 @@ TEST_F(DerivedFieldsTest, AWholePropertyCannotBeEmptied)
     EXPECT_EQ(model.ErrorCount(), 0u);
 }
 
+// Neither can all parts of a structure; the last one says so, until another is filled.
+TEST_F(DerivedFieldsTest, AllPartsOfAStructureCannotBeEmptied)
+{
+    const kivcore::UString stays =
+        u"This value comes from elsewhere. It can be replaced, but not removed.";
+    DialogModel& model = Make();
+    Field& city = *model.FindField(kContactCity);
+    Field& mail = *model.FindField(kContactMail);
+    samples::TypeInto(city, u"");
+    city.EndEdit();
+    EXPECT_EQ(model.ErrorCount(), 0u);
+    samples::TypeInto(mail, u"");
+    EXPECT_EQ(model.ErrorCount(), 0u) << "while typing";
+    mail.EndEdit();
+    EXPECT_EQ(mail.Error(), stays);
+    EXPECT_EQ(model.ErrorCount(), 1u);
+    city.Revert();
+    EXPECT_EQ(model.ErrorCount(), 0u);
+    EXPECT_EQ(Applied(kContact), R"({"Iptc4xmpCore:CiAdrCity":"Bonn"})");
+    city.Undo();
+    EXPECT_EQ(city.Error(), stays);
+    samples::TypeInto(mail, u"c@d");
+    mail.EndEdit();
+    EXPECT_EQ(model.ErrorCount(), 0u);
+    EXPECT_EQ(Applied(kContact), R"({"Iptc4xmpCore:CiEmailWork":"c@d"})");
+    mail.Undo();
+    EXPECT_EQ(mail.Error(), stays);
+}
+
+// Where a part is not shown, it stays, and the others can go.
+TEST_F(DerivedFieldsTest, AllShownPartsOfAStructureCanBeEmptied)
+{
+    Make();
+    folder_.Write("sea.jpg.xmp",
+                  samples::Packet("<Iptc4xmpCore:CreatorContactInfo rdf:parseType='Resource'>"
+                                  "<Iptc4xmpCore:CiAdrCity>Bonn</Iptc4xmpCore:CiAdrCity>"
+                                  "<Iptc4xmpCore:Other>x</Iptc4xmpCore:Other>"
+                                  "</Iptc4xmpCore:CreatorContactInfo>"));
+    meta_ = kivxmp::OpenPhoto(folder_.Path("sea.jpg"));
+    model_ = std::make_unique<DialogModel>(
+        *meta_, kivmetadata::ViewDefinitions{samples::MakeView("contact", {kContact})},
+        SampleSchemas(), DialogOptions());
+    samples::TypeInto(*model_->FindField(kContactCity), u"");
+    model_->EndEdits();
+    EXPECT_EQ(model_->ErrorCount(), 0u);
+    EXPECT_EQ(Applied(kContact), R"({"Iptc4xmpCore:Other":"x"})");
+}
+
 TEST_F(DerivedFieldsTest, ADerivedFieldIsFilled)
 {
     EXPECT_EQ(Make().FirstFocus()->Path(), "dc:description");
