@@ -154,8 +154,10 @@ run() {
 }
 
 # Starts what serves all programs of an installation. The first program would start it else, and hand
-# its output down: whoever reads that would wait for as long as any program runs here.
+# its output down: whoever reads that would wait for as long as any program runs here. It stays for a
+# minute behind the last program: Debian's ends at once, and may refuse the next one meanwhile.
 start_prefix() {
+    "$server" -p60 < /dev/null > /dev/null 2>&1 9>&- || true
     "$wine" rundll32.exe user32.dll,GetDesktopWindow < /dev/null > /dev/null 2>&1 9>&- || true
 }
 
