@@ -6,9 +6,9 @@
 
 #include <kivcore/Trace.h>
 
-#include <bit>
 #include <cmath>
 #include <cstring>
+#include <string_view>
 
 #include "svgloom/src/ArcAngles.h"
 #include "svgloom/src/PathBuffer.h"

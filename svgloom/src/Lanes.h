@@ -5,7 +5,6 @@
 
 #include <bit>
 #include <cmath>
-#include <cstddef>
 #include <cstdint>
 
 #if defined(__SSE2__)
@@ -114,22 +113,23 @@ inline bool AreAll(FourBits bits)
 
 inline Four Narrow(Two values)
 {
-    return {static_cast<float>(values[0]), static_cast<float>(values[1]), 0, 0};
+    return Four{static_cast<float>(values[0]), static_cast<float>(values[1]), 0, 0};
 }
 
 inline Two Widen(Four values)
 {
-    return {values[0], values[1]};
+    return Two{values[0], values[1]};
 }
 
 inline Two SquareRoot(Two values)
 {
-    return {std::sqrt(values[0]), std::sqrt(values[1])};
+    return Two{std::sqrt(values[0]), std::sqrt(values[1])};
 }
 
 inline Four SquareRoot(Four values)
 {
-    return {std::sqrt(values[0]), std::sqrt(values[1]), std::sqrt(values[2]), std::sqrt(values[3])};
+    return Four{std::sqrt(values[0]), std::sqrt(values[1]), std::sqrt(values[2]),
+                std::sqrt(values[3])};
 }
 
 inline bool AreAll(FourBits bits)
